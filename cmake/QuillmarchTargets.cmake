@@ -1,0 +1,58 @@
+# What every target of ours shares: warnings, sanitizers, the choice of sources by platform.
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(quillmarch_options INTERFACE)
+target_compile_options(quillmarch_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 sees overlapping copies in "x" + std::string at -O3 where there are none.
+  target_compile_options(quillmarch_options INTERFACE -Wno-restrict)
+endif()
+if(QUILLMARCH_SANITIZE)
+  target_compile_options(quillmarch_options INTERFACE
+    -fsanitize=${QUILLMARCH_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(quillmarch_options INTERFACE -fsanitize=${QUILLMARCH_SANITIZE})
+endif()
+if(WIN32)
+  target_compile_definitions(quillmarch_options INTERFACE
+    UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+endif()
+
+# The folder's own sources that this platform builds: X.cpp always, X_win.cpp or X_posix.cpp by
+# platform.
+function(quillmarch_sources out)
+  file(GLOB found CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(WIN32)
+    list(FILTER found EXCLUDE REGEX "_posix\\.cpp$")
+  else()
+    list(FILTER found EXCLUDE REGEX "_win\\.cpp$")
+  endif()
+  set(${out} ${found} PARENT_SCOPE)
+endfunction()
+
+# One room of the house: a static library of the folder's sources.
+#   quillmarch_room(NAME LINK lib...)
+function(quillmarch_room name)
+  cmake_parse_arguments(ROOM "" "" "LINK" ${ARGN})
+  quillmarch_sources(sources)
+  add_library(${name} STATIC ${sources})
+  target_link_libraries(${name} PUBLIC ${ROOM_LINK} PRIVATE quillmarch_options)
+endfunction()
+
+# One test program of the folder's sources, one entry in ctest.
+#   quillmarch_test(NAME LINK lib... [LABELS label...] [TIMEOUT seconds])
+function(quillmarch_test name)
+  cmake_parse_arguments(T "" "TIMEOUT" "LINK;LABELS" ${ARGN})
+  quillmarch_sources(sources)
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE ${T_LINK} quillmarch_test_support quillmarch_options)
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 180)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT} LABELS "${T_LABELS}")
+endfunction()
