@@ -1,0 +1,14 @@
+// Who is asking: installation, operating system, host and add-in version, as the two JSON documents
+// that go to the service and to the panel. Nothing is cached. Any thread; no function fails.
+#pragma once
+
+#include "foundation/Wide.h"
+
+Wide OsDescription();
+Wide InstallId();
+Wide ClientVersion();
+Wide ReadVersionFile(WideView directory);
+Wide ReadUtf8File(WideView path);
+Wide ClientContextJson();
+Wide ClientInfoJson();
+Wide ModuleDirectory();

@@ -1,0 +1,17 @@
+#include <windows.h>
+
+#include "foundation/Clock.h"
+
+LocalTime LocalTimeNow() {
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
+  return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds};
+}
+
+std::uint64_t SystemTickCount() {
+  return GetTickCount64();
+}
+
+std::uint32_t CurrentThreadNumber() {
+  return GetCurrentThreadId();
+}

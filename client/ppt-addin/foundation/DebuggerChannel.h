@@ -1,0 +1,4 @@
+// The platform's own debugger channel; nothing where there is none. Any thread.
+#pragma once
+
+void WriteToDebugger(const char16_t* text);

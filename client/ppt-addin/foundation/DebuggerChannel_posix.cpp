@@ -1,0 +1,3 @@
+#include "foundation/DebuggerChannel.h"
+
+void WriteToDebugger(const char16_t*) {}

@@ -1,0 +1,16 @@
+// The user's folders and the add-in's own place, without a separator at the end. Empty when the
+// system names none. Nothing is created. Any thread.
+#pragma once
+
+#include "foundation/Wide.h"
+
+// Windows: the local application data folder. Elsewhere: $XDG_DATA_HOME or ~/.local/share.
+Wide LocalDataFolder();
+// Windows: the roaming application data folder. Elsewhere the same as LocalDataFolder().
+Wide RoamingDataFolder();
+
+// The full path of the add-in's own module (elsewhere: of the program that it is linked into).
+Wide ModulePath();
+
+// The last component of the path of this process's image, found once.
+const Wide& ProcessImageName();
