@@ -1,0 +1,18 @@
+// A text that a designer broke by hand over several paragraphs means nothing paragraph by
+// paragraph; such a frame goes out as one unit. Pure; any thread.
+#pragma once
+
+#include <vector>
+
+#include "foundation/Wide.h"
+#include "run/TextUnit.h"
+
+enum class FrameVerdict {
+  kSeparate,   // paragraph by paragraph
+  kMarked,     // looks like a broken phrase, yet one paragraph has nothing to send: paragraph by
+               // paragraph, and looked at again at the run's end
+  kCollapsed,  // one unit for the whole frame
+};
+
+// `paragraphs` without their trailing CR and LF.
+FrameVerdict JudgeFrame(const std::vector<Wide>& paragraphs, const UnitLocator& locatorTemplate);
