@@ -1,0 +1,184 @@
+#include "pane/CPptPane.h"
+
+#include <array>
+#include <exception>
+#include <utility>
+
+#include "foundation/Log.h"
+#include "pane/HandOver.h"
+#include "pane/LivePanes.h"
+#include "pane/LogNumber.h"
+
+namespace {
+
+PaneWidthHook& WidthHook() {
+  static PaneWidthHook hook;
+  return hook;
+}
+
+}  // namespace
+
+Wide& ProcessAccessToken() {
+  static Wide token;
+  return token;
+}
+
+void SetPaneWidthHook(PaneWidthHook hook) {
+  WidthHook() = std::move(hook);
+}
+
+std::shared_ptr<CPptPane> CPptPane::Create(PaneSurroundings surroundings) {
+  ReleaseEndedPanes();
+  const auto pane = std::make_shared<CPptPane>(Key{}, std::move(surroundings));
+  pane->FinalConstruct();
+  return pane;
+}
+
+CPptPane::CPptPane(Key, PaneSurroundings surroundings)
+    : surroundings_(std::move(surroundings)),
+      transport_({surroundings_.thread, [this] { return shuttingDown == 0 && pageThere_; },
+                  [this](Wide json) {
+                    PostToPane(window, [pane = weak_from_this(), json = std::move(json)] {
+                      if (const auto held = pane.lock()) held->PostToPage(json);
+                    });
+                  },
+                  surroundings_.bridgeWaitMs}) {}
+
+CPptPane::~CPptPane() {
+  shuttingDown = 1;
+  transport_.FailAllPendingTranslate(u"addin_shutdown");
+  LeaveLivePane(this);
+  if (window != nullptr) window->Destroy();
+  // Waits for a worker that still runs: it may be inside the transport.
+  controller.reset();
+}
+
+void CPptPane::FinalConstruct() {
+  HandOver& block = HandOverBlock();
+  if (block.app && block.app.get() != hostApp.get()) hostApp = block.app;
+  windowContext = block.context;
+  paneId = block.paneId;
+  if (!block.pendingPage.empty()) pendingPage = std::exchange(block.pendingPage, Wide());
+  if (!block.pendingMode.empty()) pendingMode = std::exchange(block.pendingMode, Wide());
+  if (!ProcessAccessToken().empty()) accessToken = ProcessAccessToken();
+  EnterLivePane(this, weak_from_this());
+}
+
+ResultCode CPptPane::DoVerb(std::int32_t verb, std::uintptr_t parent,
+                            const std::function<ResultCode()>& stock) {
+  LogLine(u"CPptPane DoVerb verb=" + Decimal(verb) + u" parent=" + PointerText(parent) + u" hwnd=" +
+          PointerText(windowHandle));
+  if (parent != 0) parentWindow = parent;
+  const ResultCode result = stock();
+  EnsureWindowAndWebView();
+  LogLine(u"CPptPane DoVerb done hr=" + HrText(result) + u" hwnd=" + PointerText(windowHandle));
+  return result;
+}
+
+void CPptPane::EnsureWindowAndWebView() {
+  if (!HasWindow() && parentWindow != 0 && shuttingDown == 0) {
+    LogLine(u"CPptPane fallback create window");
+    if (surroundings_.createWindow && surroundings_.createWindow(*this, parentWindow)) {
+      LogLine(u"CPptPane fallback create OK hwnd=" + PointerText(windowHandle));
+    }
+  }
+  if (HasWindow()) InitWebView();
+}
+
+bool CPptPane::HasWindow() const {
+  return window != nullptr && window->lives();
+}
+
+void CPptPane::OnCreate(std::uintptr_t handle) {
+  LogLine(u"CPptPane WM_CREATE");
+  windowHandle = handle;
+  window = PaneWindow::Make(surroundings_.thread);
+  InitWebView();
+  SetPaneTimer(kWidthTimer, kWidthPollMs);
+}
+
+void CPptPane::OnSize(std::int32_t width, std::int32_t height) {
+  if (const std::shared_ptr<WebView> view = webView) view->PutBounds(width, height);
+}
+
+void CPptPane::OnTimer(std::uint32_t id) {
+  // The run's end inside may let go of the pane's last holder.
+  const std::shared_ptr<CPptPane> self = shared_from_this();
+  switch (id) {
+    case kWidthTimer:
+      if (WidthHook()) WidthHook()(*this);
+      return;
+    case kDeferredStartTimer:
+      OnDeferredStart();
+      return;
+    case kRunTickTimer:
+      OnRunTick();
+      return;
+    default:
+      return;
+  }
+}
+
+bool CPptPane::SetPaneTimer(std::uint32_t id, std::uint32_t ms) {
+  return window != nullptr && window->SetTimer(id, ms, [weak = weak_from_this(), id] {
+    const std::shared_ptr<CPptPane> pane = weak.lock();
+    if (pane == nullptr) return;
+    try {
+      pane->OnTimer(id);
+    } catch (const std::exception&) {
+      // Memory ran out: the next tick takes the work up again.
+    }
+  });
+}
+
+void CPptPane::KillPaneTimer(std::uint32_t id) {
+  if (window != nullptr) window->KillTimer(id);
+}
+
+void CPptPane::InitWebView() {
+  if (webViewStarted) return;
+  webViewStarted = true;
+  if (surroundings_.startWebView) surroundings_.startWebView(*this);
+}
+
+void CPptPane::AttachWebView(std::shared_ptr<WebView> view) {
+  webView = std::move(view);
+  pageThere_ = webView != nullptr;
+}
+
+void CPptPane::CloseWebView() {
+  pageThere_ = false;
+  const std::shared_ptr<WebView> view = std::exchange(webView, nullptr);
+  if (view == nullptr) return;
+  LogLine(u"PptPane WebView2 Close hr=" + HrText(view->Close()));
+}
+
+void CPptPane::OnWebMessageReceived(const Wide& text) {
+  if (shuttingDown != 0) return;
+  // The pane may lose its last holder inside the message.
+  const std::shared_ptr<CPptPane> self = shared_from_this();
+  try {
+    OnWebMessage(text);
+  } catch (const std::exception&) {
+    // Memory ran out: the message is dropped, as no action ever gets an error for an answer.
+  }
+}
+
+void CPptPane::OnNavigationStarting() {
+  if (shuttingDown == 0) transport_.FailAllPendingTranslate(u"webview_navigating");
+}
+
+void CPptPane::RunScript(const Wide& script) {
+  if (shuttingDown != 0) return;
+  if (const std::shared_ptr<WebView> view = webView) view->ExecuteScript(script);
+}
+
+void CPptPane::PostToPage(const Wide& json) {
+  if (shuttingDown != 0) return;
+  if (const std::shared_ptr<WebView> view = webView) view->PostWebMessageAsJson(json);
+}
+
+void CPptPane::CallPage(const char16_t* name, const Wide& payload) {
+  const Wide function = Wide(u"window.") + name;
+  RunScript(function + u"&&" + function + u"(" + payload + u")");
+}

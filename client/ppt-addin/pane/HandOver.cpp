@@ -1,0 +1,6 @@
+#include "pane/HandOver.h"
+
+HandOver& HandOverBlock() {
+  static HandOver block;
+  return block;
+}

@@ -1,0 +1,20 @@
+// What the connection to the host leaves for the next pane that is made: a host constructs panes by
+// their class alone. Host thread only; one block for the process.
+#pragma once
+
+#include <cstdint>
+
+#include "foundation/AutomationObject.h"
+#include "foundation/Wide.h"
+#include "foundation/WindowContext.h"
+
+struct HandOver {
+  ObjectRef app;     // the host's application
+  ObjectRef window;  // the document window that the pane is made for
+  WindowContext context;
+  std::int32_t paneId = 0;
+  Wide pendingPage;  // taken by the pane; empty leaves the pane's own
+  Wide pendingMode;
+};
+
+HandOver& HandOverBlock();

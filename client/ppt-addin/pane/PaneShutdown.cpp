@@ -1,0 +1,61 @@
+// The orderly end of a pane.
+#include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+#include "foundation/Log.h"
+#include "pane/CPptPane.h"
+
+namespace {
+
+// Panes whose window has gone and whose workers had not ended by then. Never destroyed: at the
+// process's end workers may still be busy.
+std::vector<std::shared_ptr<CPptPane>>& KeptPanes() {
+  static auto& panes = *std::make_unique<std::vector<std::shared_ptr<CPptPane>>>().release();
+  return panes;
+}
+
+}  // namespace
+
+void CPptPane::BeginShutdownEarly() {
+  const std::shared_ptr<CPptPane> self = shared_from_this();
+  if (shuttingDown.exchange(1) == 0) {
+    LogLine(u"PptPane BeginShutdownEarly");
+    DropDeferredStart();
+    StopFlags();
+    transport_.FailAllPendingTranslate(u"addin_shutdown");
+    if (controller != nullptr) {
+      if (controller->Abort()) {
+        EndRun();
+      } else {
+        LogLine(u"PptPane shutdown: run worker busy, object kept alive");
+      }
+    }
+  }
+  CloseWebView();
+}
+
+void CPptPane::OnDestroy() {
+  const std::shared_ptr<CPptPane> self = shared_from_this();
+  KillPaneTimer(kWidthTimer);
+  KillPaneTimer(kDeferredStartTimer);
+  KillPaneTimer(kRunTickTimer);
+  BeginShutdownEarly();
+  if (window != nullptr) window->Destroy();
+  windowHandle = 0;
+  CloseWebView();
+  if (runReference_ != nullptr) KeptPanes().push_back(std::move(runReference_));
+}
+
+std::size_t ReleaseEndedPanes() {
+  std::vector<std::shared_ptr<CPptPane>>& kept = KeptPanes();
+  const auto ended = std::stable_partition(kept.begin(), kept.end(), [](const auto& pane) {
+    return pane->controller != nullptr && pane->controller->WorkerRunning();
+  });
+  // Destroyed when the list is in order again: a pane's end may run anything.
+  const std::vector<std::shared_ptr<CPptPane>> released(std::make_move_iterator(ended),
+                                                        std::make_move_iterator(kept.end()));
+  kept.erase(ended, kept.end());
+  return kept.size();
+}

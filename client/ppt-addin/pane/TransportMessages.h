@@ -1,0 +1,13 @@
+// The messages that ask the page for something, as JSON text. Pure.
+#pragma once
+
+#include <vector>
+
+#include "foundation/Wide.h"
+#include "translate/TranslateConfig.h"
+
+Wide TranslateBatchMessage(const Wide& requestId, const TranslateBatchRequest& request);
+Wide TerminologyResolveMessage(const Wide& requestId, const std::vector<Wide>& glossaryIds,
+                               const Wide& instructionId, const std::vector<Wide>& corpusTexts);
+// Lets the page drop what it still has under way for a run.
+Wide AbortForRunMessage(std::uint64_t runId);

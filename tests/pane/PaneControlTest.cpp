@@ -1,0 +1,246 @@
+#include <gtest/gtest.h>
+
+#include "pane/HandOver.h"
+#include "pane/LivePanes.h"
+#include "pane/PaneHarness.h"
+#include "run/StaGate.h"
+#include "support/LogCapture.h"
+
+namespace {
+
+using test::LogCapture;
+using test::PaneHarness;
+
+ResultCode StockVerb() {
+  return kOk;
+}
+
+TEST(CPptPane, TakesTheHandOverBlockAndEmptiesItsPageAndMode) {
+  PaneHarness h;
+  HandOver& block = HandOverBlock();
+  block.app = h.host.Application();
+  block.context = {42, 7};
+  block.paneId = 5;
+  block.pendingPage = u"glossary";
+  block.pendingMode = u"lite";
+  ProcessAccessToken() = u"tok";
+  const auto pane = CPptPane::Create(h.Surroundings());
+  EXPECT_EQ(pane->windowContext.hwnd, 42);
+  EXPECT_EQ(pane->windowContext.id, 7U);
+  EXPECT_EQ(pane->paneId, 5);
+  EXPECT_EQ(pane->pendingPage, u"glossary");
+  EXPECT_EQ(pane->pendingMode, u"lite");
+  EXPECT_EQ(pane->accessToken, u"tok");
+  EXPECT_TRUE(pane->hostApp);
+  EXPECT_TRUE(block.pendingPage.empty());
+  EXPECT_TRUE(block.pendingMode.empty());
+  const auto next = CPptPane::Create(h.Surroundings());
+  EXPECT_EQ(next->pendingPage, u"translate");
+  EXPECT_EQ(next->pendingMode, u"full");
+  block = {};
+  ProcessAccessToken().clear();
+}
+
+TEST(CPptPane, IsListedWhileItLives) {
+  PaneHarness h;
+  const std::size_t before = LivePanes().size();
+  auto pane = CPptPane::Create(h.Surroundings());
+  EnterLivePane(pane.get(), pane);
+  EXPECT_EQ(LivePanes().size(), before + 1);
+  pane.reset();
+  EXPECT_EQ(LivePanes().size(), before);
+}
+
+TEST(CPptPane, DoVerbWithoutAParentAndAWindowDoesOnlyTheStockCall) {
+  PaneHarness h;
+  LogCapture log;
+  const auto pane = CPptPane::Create(h.Surroundings());
+  const int started = h.webViewsStarted;
+  int stock = 0;
+  EXPECT_EQ(pane->DoVerb(-1, 0,
+                         [&] {
+                           ++stock;
+                           return kFail;
+                         }),
+            kFail);
+  EXPECT_EQ(stock, 1);
+  EXPECT_FALSE(pane->HasWindow());
+  EXPECT_EQ(h.webViewsStarted, started);
+  EXPECT_TRUE(log.Has("CPptPane DoVerb verb=-1 parent=0x0000000000000000 hwnd=0x0000000000000000"));
+  EXPECT_TRUE(log.Has("CPptPane DoVerb done hr=0x80004005 hwnd=0x0000000000000000"));
+}
+
+TEST(CPptPane, TheFallbackMakesTheWindowOnceAndASecondVerbNoSecondWebView) {
+  PaneHarness h;
+  LogCapture log;
+  const auto pane = CPptPane::Create(h.Surroundings());
+  const int started = h.webViewsStarted;
+  pane->DoVerb(-1, 0x1234, StockVerb);
+  EXPECT_TRUE(pane->HasWindow());
+  EXPECT_EQ(h.webViewsStarted, started + 1);
+  pane->DoVerb(-1, 0x1234, StockVerb);
+  EXPECT_EQ(h.webViewsStarted, started + 1);
+  EXPECT_EQ(log.Count("CPptPane fallback create window"), 1);
+  EXPECT_EQ(log.Count("CPptPane fallback create OK hwnd=0x000000000000BEEF"), 1);
+  pane->OnDestroy();
+  pane->DoVerb(-1, 0x1234, StockVerb);
+  EXPECT_FALSE(pane->HasWindow());
+}
+
+TEST(CPptPane, AWindowThatCannotBeMadeShowsInTheLogAlone) {
+  PaneHarness h;
+  h.createsWindow = false;
+  LogCapture log;
+  const auto pane = CPptPane::Create(h.Surroundings());
+  const int started = h.webViewsStarted;
+  EXPECT_EQ(pane->DoVerb(-1, 1, StockVerb), kOk);
+  EXPECT_EQ(log.Count("CPptPane fallback create window"), 1);
+  EXPECT_EQ(log.CountContaining("create OK"), 0);
+  EXPECT_EQ(h.webViewsStarted, started);
+}
+
+TEST(CPptPane, TimerOneCallsTheWidthHookEvery300Ms) {
+  PaneHarness h;
+  int calls = 0;
+  SetPaneWidthHook([&](CPptPane& pane) { calls += &pane == h.pane.get() ? 1 : 100; });
+  h.thread.Advance(299);
+  h.thread.FireDueTimers();
+  EXPECT_EQ(calls, 0);
+  h.thread.Advance(1);
+  h.thread.FireDueTimers();
+  h.thread.Advance(300);
+  h.thread.FireDueTimers();
+  EXPECT_EQ(calls, 2);
+  SetPaneWidthHook({});
+  h.thread.Advance(300);
+  h.thread.FireDueTimers();
+  EXPECT_EQ(calls, 2);
+  h.pane->OnTimer(77);  // any other timer is ignored
+}
+
+TEST(CPptPane, ANewSizeReachesTheBrowserWhenThereIsOne) {
+  PaneHarness h;
+  h.pane->OnSize(320, 640);
+  EXPECT_EQ(h.page->width, 320);
+  EXPECT_EQ(h.page->height, 640);
+  h.pane->CloseWebView();
+  h.pane->OnSize(1, 1);
+  EXPECT_EQ(h.page->width, 320);
+}
+
+TEST(CPptPane, ShuttingDownTwiceEndsOnceAndClosesTheBrowserOnce) {
+  PaneHarness h;
+  LogCapture log;
+  h.page->closeResult = kFail;
+  h.pane->BeginShutdownEarly();
+  h.pane->BeginShutdownEarly();
+  EXPECT_EQ(log.Count("PptPane BeginShutdownEarly"), 1);
+  EXPECT_EQ(h.page->closed, 1);
+  EXPECT_TRUE(log.Has("PptPane WebView2 Close hr=0x80004005"));
+}
+
+TEST(CPptPane, AfterTheShutdownNoMessageIsHeardAndNothingIsSaid) {
+  PaneHarness h;
+  h.AddSlide(u"hello");
+  h.pane->BeginShutdownEarly();
+  h.pane->AttachWebView(h.page);
+  h.Say(R"({"action":"setAccessToken","accessToken":"t"})");
+  h.Start();
+  h.pane->CallPage(u"onReady", u"{}");
+  h.pane->StartRun(u"{\"action\":\"start\"}");
+  EXPECT_TRUE(h.pane->accessToken.empty());
+  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_TRUE(h.page->calls.empty());
+}
+
+TEST(CPptPane, TheWindowsEndKillsAllTimers) {
+  PaneHarness h;
+  h.AddSlide(u"hello");
+  h.pageAnswers = false;
+  h.Start();
+  EXPECT_EQ(h.thread.timersSet(), 2);
+  h.pane->OnDestroy();
+  EXPECT_EQ(h.thread.timersSet(), 0);
+  EXPECT_EQ(h.pane->runActive, 0);
+}
+
+TEST(CPptPane, AShutdownDropsADeferredStart) {
+  PaneHarness h;
+  h.thread.Advance(1000);
+  const int owner = 0;
+  const GateHold gate(&owner, h.thread);
+  h.Start();
+  ASSERT_TRUE(h.pane->deferredStartArmed);
+  h.pane->BeginShutdownEarly();
+  EXPECT_FALSE(h.pane->deferredStartArmed);
+  EXPECT_TRUE(h.pane->deferredStart.empty());
+  EXPECT_EQ(h.thread.timersSet(), 1);
+}
+
+TEST(CPptPane, AShutdownDuringARunEndsItAndItsRequests) {
+  PaneHarness h;
+  LogCapture log;
+  h.AddSlide(u"hello");
+  h.pageAnswers = false;
+  h.Start();
+  ASSERT_TRUE(h.WaitForRequests(1));
+  h.pane->BeginShutdownEarly();
+  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_EQ(h.pane->currentRunId, 0U);
+  EXPECT_EQ(h.pane->controller, nullptr);
+  EXPECT_TRUE(log.Has("PptPane run finished"));
+  ASSERT_EQ(h.records.size(), 1U);
+  EXPECT_EQ(h.records[0].outcome, RunOutcome::kAborted);
+}
+
+// The terminology wait is the one that a shutdown does not end.
+TEST(CPptPane, AWorkerThatHangsKeepsThePaneBeyondItsWindow) {
+  PaneHarness h;
+  LogCapture log;
+  h.MakePane(h.host.ContextOf(*h.host.windows.front()), 400);
+  h.OpenWindow();
+  h.AddSlide(u"hello");
+  h.pageAnswersTerms = false;
+  h.thread.sleepsAreInstant = true;
+  h.Start();
+  ASSERT_TRUE(h.RunUntil([&] { return h.Requests(u"terminologyResolveRequest").size() == 1; }));
+  const std::weak_ptr<CPptPane> weak = h.pane;
+  h.pane->OnDestroy();
+  EXPECT_TRUE(log.Has("PptPane shutdown: run worker busy, object kept alive"));
+  h.pane.reset();
+  EXPECT_FALSE(weak.expired());
+  EXPECT_EQ(ReleaseEndedPanes(), 1U);
+  const std::size_t said = h.page->calls.size();
+  ASSERT_TRUE(h.WaitForWorker());
+  EXPECT_EQ(h.page->calls.size(), said);  // its last posts found no window
+  EXPECT_EQ(ReleaseEndedPanes(), 0U);
+  EXPECT_TRUE(weak.expired());
+}
+
+TEST(CPptPane, AHungWorkerOfALivingWindowIsStillTickedToItsEnd) {
+  PaneHarness h;
+  h.MakePane(h.host.ContextOf(*h.host.windows.front()), 400);
+  h.OpenWindow();
+  h.AddSlide(u"hello");
+  h.pageAnswersTerms = false;
+  h.thread.sleepsAreInstant = true;
+  h.Start();
+  ASSERT_TRUE(h.RunUntil([&] { return h.Requests(u"terminologyResolveRequest").size() == 1; }));
+  h.pane->BeginShutdownEarly();
+  EXPECT_EQ(h.pane->runActive, 1);
+  h.Finish();
+  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_EQ(h.pane.use_count(), 1);
+}
+
+TEST(BroadcastUiLangChanged, ReachesEveryPageThatIsThere) {
+  PaneHarness a;
+  PaneHarness b(a, {});
+  const auto without = CPptPane::Create(a.Surroundings());
+  BroadcastUiLangChanged(u"pt-BR");
+  const std::vector<std::string> said = {R"({"action":"uiLangChanged","uiLang":"pt-BR"})"};
+  EXPECT_EQ(a.page->Messages(), said);
+  EXPECT_EQ(b.page->Messages(), said);
+}
+
+}  // namespace
