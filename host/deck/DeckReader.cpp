@@ -1,0 +1,369 @@
+// Opening a deck: follows the relationships from the package's root, refuses what the structure
+// lacks and names the leaves that are missing.
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <set>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "host/deck/Deck.h"
+#include "host/package/ReadAhead.h"
+#include "host/package/XmlText.h"
+
+namespace deck {
+namespace {
+
+constexpr XmlNamespace kP = XmlNamespace::kPresentation;
+constexpr std::int64_t kMaxSlideId = 2147483647;
+constexpr double kEmuPerPoint = 12700.0;
+constexpr std::size_t kMaxSlides = 20000;
+// Slides are read and checked on a second thread, this far ahead of the notes and relationships.
+constexpr std::size_t kLeastAhead = 8;
+constexpr std::size_t kMostAhead = 24;
+constexpr std::size_t kMostAheadBytes = 2 << 20;
+
+template <typename T>
+PackageResult<T> Refuse(std::string sentence) {
+  PackageResult<T> result;
+  result.error.sentence = std::move(sentence);
+  return result;
+}
+
+bool IsPresentationType(std::string_view type) {
+  constexpr std::string_view kTypes[] = {
+      "application/vnd.openxmlformats-officedocument.presentationml.presentation.main+xml",
+      "application/vnd.openxmlformats-officedocument.presentationml.template.main+xml",
+      "application/vnd.openxmlformats-officedocument.presentationml.slideshow.main+xml",
+      "application/vnd.ms-powerpoint.presentation.macroEnabled.main+xml",
+      "application/vnd.ms-powerpoint.template.macroEnabled.main+xml",
+      "application/vnd.ms-powerpoint.slideshow.macroEnabled.main+xml"};
+  return std::find(std::begin(kTypes), std::end(kTypes), type) != std::end(kTypes);
+}
+
+// The deck cannot be understood without what stands behind these.
+const char* StructureWord(RelationshipKind kind) {
+  switch (kind) {
+    case RelationshipKind::kSlideLayout:
+      return "slide layout";
+    case RelationshipKind::kSlideMaster:
+      return "slide master";
+    case RelationshipKind::kNotesSlide:
+      return "notes page";
+    case RelationshipKind::kNotesMaster:
+      return "notes master";
+    default:
+      return nullptr;
+  }
+}
+
+std::string LowerKey(std::string name) {
+  for (char& c : name) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return name;
+}
+
+}  // namespace
+
+class DeckReader {
+ public:
+  DeckReader(Deck& deck, std::vector<std::string>& warnings)
+      : deck_(deck), package_(*deck.package_), warnings_(warnings) {}
+
+  // Empty when all is well.
+  std::string Read();
+
+ private:
+  using Links = std::vector<Relationship>;
+  static constexpr std::uint64_t kNoAhead = ~std::uint64_t{0};
+  // The relationships of a part, read once; what they lack of the structure is the sentence.
+  std::string LinksOf(const std::string& part, const Links*& links);
+  // Reads a part that the structure needs and checks its root element.
+  std::string Load(const std::string& part, const char* rootName, pugi::xml_document& document,
+                   std::string& bytes);
+  // `slide` is its place in slideParts_, if it has one.
+  std::string CheckPart(const std::string& part, const char* rootName,
+                        std::uint64_t slide = kNoAhead);
+  void StartAhead(std::size_t slide);
+  std::string ReadPresentation();
+  std::string ReadSlide(const std::string& part, std::int64_t id);
+  std::string AddLayout(const std::string& part, std::uint32_t& index);
+  std::string AddMaster(const std::string& part);
+  std::string WalkLeaves();
+
+  Deck& deck_;
+  Package& package_;
+  std::vector<std::string>& warnings_;
+  std::unordered_map<std::string, std::uint32_t> layoutByPart_;
+  std::unordered_set<std::string> checked_;
+  std::unordered_map<std::string, Links> links_;
+  std::vector<const std::string*> slideParts_;  // that exist, in order
+  std::size_t started_ = 0;                     // of them, for reading ahead
+  ReadAhead<PackageResult<std::string>> ahead_{
+      kMostAheadBytes, [](const PackageResult<std::string>& read) { return read.value.size(); }};
+};
+
+std::string DeckReader::LinksOf(const std::string& part, const Links*& links) {
+  const auto [entry, fresh] = links_.try_emplace(LowerKey(part));
+  links = &entry->second;
+  if (!fresh) return {};
+  PackageResult<Links> read = package_.Relationships(part);
+  if (!read.ok) return read.error.sentence;
+  entry->second = std::move(read.value);
+  for (const Relationship& link : *links) {
+    if (link.external || package_.HasPart(link.target)) continue;
+    if (const char* const word = StructureWord(RelationshipKindOf(link.type))) {
+      return "The part " + link.target + " (a " + word + "), which " + part + " needs, is missing.";
+    }
+  }
+  return {};
+}
+
+std::string DeckReader::Load(const std::string& part, const char* rootName,
+                             pugi::xml_document& document, std::string& bytes) {
+  PackageResult<std::string> read = package_.ReadXmlPart(part);
+  if (!read.ok) return read.error.sentence;
+  bytes = std::move(read.value);
+  if (!ParseXml(document, bytes))
+    return "There is not enough memory to read the part " + part + ".";
+  const XmlNames names(bytes);
+  if (!names.Is(document.document_element(), kP, rootName)) {
+    return "The part " + part + " does not hold what it should: its root is not p:" + rootName +
+           ".";
+  }
+  return {};
+}
+
+void DeckReader::StartAhead(std::size_t slide) {
+  if (started_ >= slide + kLeastAhead) return;
+  std::vector<std::pair<std::uint64_t, std::function<PackageResult<std::string>()>>> pieces;
+  started_ = std::max(started_, slide + 1);
+  for (; started_ < std::min(slide + kMostAhead, slideParts_.size()); ++started_) {
+    const std::string& part = *slideParts_[started_];
+    pieces.emplace_back(started_, [this, &part] { return package_.ReadXmlPart(part); });
+  }
+  ahead_.Start(std::move(pieces));
+}
+
+std::string DeckReader::CheckPart(const std::string& part, const char* rootName,
+                                  std::uint64_t slide) {
+  if (!checked_.insert(LowerKey(part)).second) return {};
+  std::optional<PackageResult<std::string>> early;
+  if (slide != kNoAhead) early = ahead_.Take(slide);
+  const PackageResult<std::string> read = early ? *std::move(early) : package_.ReadXmlPart(part);
+  if (!read.ok) return read.error.sentence;
+  // The root's name is enough; the whole is parsed when it is needed.
+  const std::string_view bytes = read.value;
+  std::size_t at = 0;
+  while ((at = bytes.find('<', at)) != std::string_view::npos) {
+    const char next = at + 1 < bytes.size() ? bytes[at + 1] : '\0';
+    if (next != '?' && next != '!') break;
+    const bool comment = bytes.substr(at).starts_with("<!--");
+    at = bytes.find(comment ? "-->" : "?>", at + 2);
+  }
+  if (at == std::string_view::npos) return "The part " + part + " is empty.";
+  std::string_view name = bytes.substr(at + 1);
+  name = name.substr(0, name.find_first_of(" \t\r\n/>"));
+  if (const std::size_t colon = name.find(':'); colon != std::string_view::npos) {
+    name.remove_prefix(colon + 1);
+  }
+  if (name != rootName) {
+    return "The part " + part + " does not hold what it should: its root is not p:" + rootName +
+           ".";
+  }
+  return {};
+}
+
+std::string DeckReader::AddMaster(const std::string& part) {
+  if (checked_.contains(LowerKey(part))) return {};
+  std::string sentence = CheckPart(part, "sldMaster");
+  const Links* links = nullptr;
+  if (sentence.empty()) sentence = LinksOf(part, links);
+  return sentence;
+}
+
+std::string DeckReader::AddLayout(const std::string& part, std::uint32_t& index) {
+  const auto [entry, fresh] =
+      layoutByPart_.emplace(LowerKey(part), static_cast<std::uint32_t>(deck_.layouts_.size()));
+  index = entry->second;
+  if (!fresh) return {};
+  deck_.layouts_.emplace_back().part = part;
+  std::string sentence = CheckPart(part, "sldLayout");
+  const Links* links = nullptr;
+  if (sentence.empty()) sentence = LinksOf(part, links);
+  if (!sentence.empty()) return sentence;
+  for (const Relationship& link : *links) {
+    if (!sentence.empty()) break;
+    if (link.external || RelationshipKindOf(link.type) != RelationshipKind::kSlideMaster) continue;
+    deck_.layouts_[index].master = link.target;
+    sentence = AddMaster(link.target);
+  }
+  return sentence;
+}
+
+std::string DeckReader::ReadSlide(const std::string& part, std::int64_t id) {
+  SlideRecord slide;
+  slide.part = part;
+  slide.id = id >= 1 && id <= kMaxSlideId ? static_cast<std::int32_t>(id) : 0;
+  slide.layout = kNoLayout;
+  const std::size_t place = deck_.slides_.size();
+  StartAhead(place);
+  std::string sentence = CheckPart(part, "sld", place);
+  const Links* links = nullptr;
+  if (sentence.empty()) sentence = LinksOf(part, links);
+  if (!sentence.empty()) return sentence;
+  for (const Relationship& link : *links) {
+    if (!sentence.empty()) break;
+    if (link.external) continue;
+    const RelationshipKind kind = RelationshipKindOf(link.type);
+    if (kind == RelationshipKind::kSlideLayout && slide.layout == kNoLayout) {
+      sentence = AddLayout(link.target, slide.layout);
+    } else if (kind == RelationshipKind::kNotesSlide && slide.notesPart.empty()) {
+      slide.notesPart = link.target;
+      sentence = CheckPart(link.target, "notes");
+      const Links* notes = nullptr;
+      if (sentence.empty()) sentence = LinksOf(link.target, notes);
+    }
+  }
+  deck_.slides_.push_back(std::move(slide));
+  return sentence;
+}
+
+std::string DeckReader::ReadPresentation() {
+  const PackageResult<Links> roots = package_.Relationships("");
+  if (!roots.ok) return roots.error.sentence;
+  for (const Relationship& link : roots.value) {
+    if (!link.external && RelationshipKindOf(link.type) == RelationshipKind::kOfficeDocument) {
+      deck_.presentationPart_ = link.target;
+      break;
+    }
+  }
+  const std::string& part = deck_.presentationPart_;
+  if (part.empty()) return "There is no main document in the file, so it is no presentation.";
+  if (!package_.HasPart(part)) return "The part " + part + " (the presentation) is missing.";
+  const std::string type = package_.ContentType(part);
+  if (!IsPresentationType(type)) {
+    return "The part " + part + " is no presentation: its content type is " +
+           (type.empty() ? "not given" : "\"" + type + "\"") + ".";
+  }
+  pugi::xml_document document;
+  std::string bytes;
+  std::string sentence = Load(part, "presentation", document, bytes);
+  if (!sentence.empty()) return sentence;
+  const Links* links = nullptr;
+  sentence = LinksOf(part, links);
+  if (!sentence.empty()) return sentence;
+
+  std::unordered_map<std::string, const Relationship*> byId;
+  for (const Relationship& link : *links) {
+    byId.emplace(link.id, &link);
+    if (link.external) continue;
+    const RelationshipKind kind = RelationshipKindOf(link.type);
+    if (kind == RelationshipKind::kNotesMaster) deck_.notesMasterPart_ = link.target;
+    if (kind == RelationshipKind::kTableStyles) deck_.tableStylesPart_ = link.target;
+    if (kind == RelationshipKind::kSlideMaster) sentence = AddMaster(link.target);
+    if (!sentence.empty()) return sentence;
+  }
+  if (!deck_.notesMasterPart_.empty()) {
+    sentence = CheckPart(deck_.notesMasterPart_, "notesMaster");
+    if (!sentence.empty()) return sentence;
+  }
+
+  const XmlNames names(bytes);
+  const pugi::xml_node root = document.document_element();
+  if (const pugi::xml_node size = names.Child(root, kP, "sldSz")) {
+    deck_.slideWidth_ = static_cast<double>(WholeAttribute(size, "cx", 9144000)) / kEmuPerPoint;
+    deck_.slideHeight_ = static_cast<double>(WholeAttribute(size, "cy", 6858000)) / kEmuPerPoint;
+  }
+  deck_.firstSlideNumber_ = static_cast<std::int32_t>(
+      std::clamp<std::int64_t>(WholeAttribute(root, "firstSlideNum", 1), 0, 9999));
+  const pugi::xml_node text = names.Child(root, kP, "defaultTextStyle");
+  deck_.defaultText_ = ParseLevels(names, text);
+  deck_.defaultParagraphs_ = ParseParagraphLevels(names, text);
+
+  // A list with an entry that leads nowhere ends there, and so does reading ahead.
+  for (const pugi::xml_node entry : names.Child(root, kP, "sldIdLst").children()) {
+    if (entry.type() != pugi::node_element || !names.Is(entry, kP, "sldId")) continue;
+    const auto link = byId.find(std::string(names.RelationshipAttribute(entry, "id")));
+    if (link == byId.end() || link->second->external || slideParts_.size() >= kMaxSlides) break;
+    slideParts_.push_back(&link->second->target);
+  }
+  for (const pugi::xml_node entry : names.Child(root, kP, "sldIdLst").children()) {
+    if (entry.type() != pugi::node_element || !names.Is(entry, kP, "sldId")) continue;
+    if (deck_.slides_.size() >= kMaxSlides) {
+      return "The part " + part + " lists more than " + std::to_string(kMaxSlides) + " slides.";
+    }
+    const std::string id(names.RelationshipAttribute(entry, "id"));
+    const std::string number = std::to_string(deck_.slides_.size() + 1);
+    const auto link = byId.find(id);
+    if (link == byId.end() || link->second->external ||
+        RelationshipKindOf(link->second->type) != RelationshipKind::kSlide) {
+      return "The part " + part + " lists slide " + number + " by the relationship \"" + id +
+             "\", which leads to no slide.";
+    }
+    const std::string& target = link->second->target;
+    if (!package_.HasPart(target)) {
+      return "The part " + target + " (slide " + number + ") is missing.";
+    }
+    sentence = ReadSlide(target, WholeAttribute(entry, "id", 0));
+    if (!sentence.empty()) return sentence;
+  }
+  return {};
+}
+
+// Whatever else can be reached: pictures, charts with their workbooks, diagrams.
+std::string DeckReader::WalkLeaves() {
+  std::vector<std::string> waiting = {deck_.presentationPart_};
+  std::unordered_set<std::string> seen = {LowerKey(deck_.presentationPart_)};
+  std::set<std::string> missing;
+  while (!waiting.empty()) {
+    const std::string part = std::move(waiting.back());
+    waiting.pop_back();
+    const Links* links = nullptr;
+    std::string sentence = LinksOf(part, links);
+    if (!sentence.empty()) return sentence;
+    for (const Relationship& link : *links) {
+      if (link.external || link.target.empty()) continue;
+      if (!package_.HasPart(link.target)) {
+        // A jump inside the file names no part.
+        if (RelationshipKindOf(link.type) == RelationshipKind::kHyperlink) continue;
+        if (missing.insert(LowerKey(link.target)).second) {
+          warnings_.push_back("The part " + link.target + ", which " + part +
+                              " refers to, is missing; the reference is kept as it is.");
+        }
+        continue;
+      }
+      if (seen.insert(LowerKey(link.target)).second) waiting.push_back(link.target);
+    }
+  }
+  return {};
+}
+
+std::string DeckReader::Read() {
+  std::string sentence = ReadPresentation();
+  if (sentence.empty()) sentence = WalkLeaves();
+  return sentence;
+}
+
+PackageResult<std::unique_ptr<Deck>> Deck::Open(const std::string& path,
+                                                std::vector<std::string>& warnings) {
+  PackageResult<std::unique_ptr<Package>> package = Package::Open(path);
+  if (!package.ok) return Refuse<std::unique_ptr<Deck>>(std::move(package.error.sentence));
+  return Open(std::move(package.value), warnings);
+}
+
+PackageResult<std::unique_ptr<Deck>> Deck::Open(std::unique_ptr<Package> package,
+                                                std::vector<std::string>& warnings) {
+  std::unique_ptr<Deck> made(new Deck(std::move(package)));
+  std::string sentence = DeckReader(*made, warnings).Read();
+  if (!sentence.empty()) return Refuse<std::unique_ptr<Deck>>(std::move(sentence));
+  PackageResult<std::unique_ptr<Deck>> result;
+  result.value = std::move(made);
+  result.ok = true;
+  return result;
+}
+
+}  // namespace deck

@@ -1,0 +1,38 @@
+#include "host/package/ContentTypes.h"
+
+#include "host/package/Namespaces.h"
+#include "host/package/PartName.h"
+#include "host/package/XmlText.h"
+
+bool ContentTypes::Parse(std::string_view xml) {
+  pugi::xml_document document;
+  if (!ParseXml(document, xml)) return false;
+  const pugi::xml_node root = document.document_element();
+  if (LocalName(root.name()) != "Types" || NamespaceOf(root) != XmlNamespace::kContentTypes) {
+    return false;
+  }
+  overrides_.clear();
+  defaults_.clear();
+  for (const pugi::xml_node entry : root.children()) {
+    const std::string_view kind = LocalName(entry.name());
+    const char* const type = entry.attribute("ContentType").value();
+    if (kind == "Default") {
+      defaults_.emplace(PartKey(entry.attribute("Extension").value()), type);
+    } else if (kind == "Override") {
+      std::string_view name = entry.attribute("PartName").value();
+      if (name.starts_with('/')) name.remove_prefix(1);
+      overrides_.emplace(PartKey(name), type);
+    }
+  }
+  return true;
+}
+
+std::string ContentTypes::Of(std::string_view name) const {
+  const std::string key = PartKey(name);
+  const auto own = overrides_.find(key);
+  if (own != overrides_.end()) return own->second;
+  const std::size_t dot = key.find_last_of("./");
+  if (dot == std::string::npos || key[dot] != '.') return {};
+  const auto general = defaults_.find(key.substr(dot + 1));
+  return general == defaults_.end() ? std::string() : general->second;
+}

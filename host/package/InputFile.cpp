@@ -1,0 +1,46 @@
+#include "host/package/InputFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+InputFile::~InputFile() {
+  if (handle_ >= 0) close(handle_);
+}
+
+std::string InputFile::Open(const std::string& path) {
+  // Without O_NONBLOCK a named pipe would hold us until somebody writes to it.
+  handle_ = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (handle_ < 0) return std::string("The file cannot be opened: ") + std::strerror(errno) + ".";
+  struct stat status = {};
+  if (fstat(handle_, &status) != 0) {
+    return std::string("The file cannot be read: ") + std::strerror(errno) + ".";
+  }
+  if (S_ISDIR(status.st_mode)) return "It is a folder, not a file.";
+  if (!S_ISREG(status.st_mode)) return "It is not a regular file.";
+  if (status.st_size == 0) return "The file is empty.";
+  size_ = static_cast<std::uint64_t>(status.st_size);
+  return {};
+}
+
+bool InputFile::IsFileAt(const std::string& path) const {
+  struct stat ours = {};
+  struct stat theirs = {};
+  return fstat(handle_, &ours) == 0 && stat(path.c_str(), &theirs) == 0 &&
+         ours.st_dev == theirs.st_dev && ours.st_ino == theirs.st_ino;
+}
+
+std::size_t InputFile::ReadAt(std::uint64_t offset, void* to, std::size_t length) const {
+  std::size_t done = 0;
+  while (done < length) {
+    const ssize_t got = pread(handle_, static_cast<char*>(to) + done, length - done,
+                              static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}

@@ -1,0 +1,285 @@
+#include "host/package/Package.h"
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "host/package/CompoundFile.h"
+#include "host/package/ContentTypes.h"
+#include "host/package/InputFile.h"
+#include "host/package/OutputFile.h"
+#include "host/package/PartCompressor.h"
+#include "host/package/PartName.h"
+#include "host/package/Relationships.h"
+#include "host/package/Utf16Xml.h"
+#include "host/package/XmlCheck.h"
+#include "host/package/ZipArchive.h"
+
+namespace {
+
+template <typename T>
+PackageResult<T> Fault(std::string sentence) {
+  PackageResult<T> result;
+  result.error.sentence = std::move(sentence);
+  return result;
+}
+
+template <typename T>
+PackageResult<T> Value(T value) {
+  PackageResult<T> result;
+  result.value = std::move(value);
+  result.ok = true;
+  return result;
+}
+
+std::string PartSentence(std::string_view name, std::string_view why) {
+  return "The part " + std::string(name) + " cannot be read: " + std::string(why) + ".";
+}
+
+bool IsXmlName(std::string_view key) {
+  return key.ends_with(".xml") || key.ends_with(".rels") || key.ends_with(".vml");
+}
+
+class ZipPackage final : public Package {
+ public:
+  ZipPackage(const PackageLimits& limits) : limits_(limits), archive_(file_) {}
+
+  std::string Load(const std::string& path);
+
+  bool HasPart(std::string_view name) const override { return Find(name) != nullptr; }
+  std::vector<std::string> PartNames() const override;
+  PackageResult<std::string> ReadPart(std::string_view name) override;
+  PackageResult<std::string> ReadXmlPart(std::string_view name) override;
+  std::string ContentType(std::string_view name) const override { return types_.Of(name); }
+  PackageResult<std::vector<Relationship>> Relationships(std::string_view name) override;
+  void PutPart(std::string_view name, std::string bytes) override;
+  bool Edited() const override { return !edits_.empty(); }
+  PackageResult<bool> Save(const std::string& path) override;
+
+ private:
+  const std::size_t* Find(std::string_view name) const;
+  std::string CheckEntries();
+  std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
+  std::string Bytes(std::size_t entry, std::uint64_t limit, std::string& bytes);
+  bool IsOriginal(std::size_t entry, const std::string& bytes, std::uint32_t crc);
+
+  PackageLimits limits_;
+  InputFile file_;
+  ZipArchive archive_;
+  std::unordered_map<std::string, std::size_t> parts_;  // entry by PartKey
+  ContentTypes types_;
+  std::string putFault_;
+  PartCompressor compressor_;
+  // Guards both below against reads by other threads; the owner's own thread alone changes edits.
+  std::mutex mutex_;
+  std::unordered_map<std::size_t, XmlForm> utf16_;  // of the entries that were given as UTF-8
+  std::map<std::size_t, std::shared_ptr<PackingJob>> edits_;
+};
+
+std::string ZipPackage::Load(const std::string& path) {
+  std::string sentence = file_.Open(path);
+  if (sentence.empty()) sentence = CompoundFileSentence(file_);
+  if (sentence.empty()) sentence = archive_.Open(limits_.maxEntries);
+  if (sentence.empty()) sentence = CheckEntries();
+  if (!sentence.empty()) return sentence;
+
+  if (!HasPart(kContentTypesPart)) {
+    return "The part [Content_Types].xml is missing, so it is no .pptx file.";
+  }
+  const PackageResult<std::string> types = ReadXmlPart(kContentTypesPart);
+  if (!types.ok) return types.error.sentence;
+  if (!types_.Parse(types.value)) {
+    return PartSentence(kContentTypesPart, "it is no list of content types");
+  }
+  return {};
+}
+
+std::string ZipPackage::CheckBomb(const ZipEntry& entry, std::string_view key) const {
+  const std::uint64_t floor =
+      IsXmlName(key) ? limits_.ratioFloorBytes : limits_.mediaRatioFloorBytes;
+  if (entry.size <= floor || entry.size / limits_.maxRatio < entry.packed) return {};
+  return "The part " + entry.name + " would inflate to more than " +
+         std::to_string(limits_.maxRatio) + " times its size, as a zip bomb does.";
+}
+
+std::string ZipPackage::CheckEntries() {
+  std::uint64_t growth = 0;
+  const std::vector<ZipEntry>& entries = archive_.Entries();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const ZipEntry& entry = entries[i];
+    const std::string_view fault = EntryNameFault(entry.name);
+    if (!fault.empty()) {
+      return "The zip entry \"" + Printable(entry.name) + "\" " + std::string(fault) + ".";
+    }
+    if (entry.name.ends_with('/')) continue;
+    if (entry.encrypted) return "The part " + entry.name + " is encrypted.";
+    std::string key = PartKey(entry.name);
+    std::string bomb = CheckBomb(entry, key);
+    if (!bomb.empty()) return bomb;
+    if (entry.size > entry.packed) growth += entry.size - entry.packed;
+    if (entry.size > limits_.maxPackageBytes || growth > limits_.maxPackageBytes) {
+      return "The file would inflate to more than " +
+             std::to_string(limits_.maxPackageBytes >> 20) + " MB, as a zip bomb does.";
+    }
+    const auto [twin, fresh] = parts_.emplace(std::move(key), i);
+    if (!fresh) {
+      return "The parts " + entries[twin->second].name + " and " + entry.name +
+             " have the same name.";
+    }
+  }
+  return {};
+}
+
+const std::size_t* ZipPackage::Find(std::string_view name) const {
+  const auto found = parts_.find(PartKey(name));
+  return found == parts_.end() ? nullptr : &found->second;
+}
+
+std::vector<std::string> ZipPackage::PartNames() const {
+  std::vector<std::string> names;
+  for (const ZipEntry& entry : archive_.Entries()) {
+    if (!entry.name.ends_with('/')) names.push_back(entry.name);
+  }
+  return names;
+}
+
+// Why not, as the end of a sentence; empty when all is well.
+std::string ZipPackage::Bytes(std::size_t entry, std::uint64_t limit, std::string& bytes) {
+  std::shared_ptr<PackingJob> job;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto edit = edits_.find(entry);
+    if (edit != edits_.end()) job = edit->second;
+  }
+  if (job) {
+    const PackedPart* const packed = compressor_.Wait(job);
+    if (packed == nullptr) return "there is not enough memory";
+    return Inflate(packed->deflated, packed->size, bytes);
+  }
+  if (archive_.Entries()[entry].size > limit) {
+    return "it is larger than " + std::to_string(limit >> 20) + " MB";
+  }
+  return archive_.Read(entry, bytes);
+}
+
+PackageResult<std::string> ZipPackage::ReadPart(std::string_view name) {
+  const std::size_t* const entry = Find(name);
+  if (entry == nullptr) return Fault<std::string>("The part " + std::string(name) + " is missing.");
+  std::string bytes;
+  const std::string why = Bytes(*entry, limits_.maxPartBytes, bytes);
+  if (!why.empty()) return Fault<std::string>(PartSentence(name, why));
+  return Value(std::move(bytes));
+}
+
+PackageResult<std::string> ZipPackage::ReadXmlPart(std::string_view name) {
+  const std::size_t* const entry = Find(name);
+  if (entry == nullptr) return Fault<std::string>("The part " + std::string(name) + " is missing.");
+  std::string bytes;
+  const std::string why = Bytes(*entry, limits_.maxXmlBytes, bytes);
+  if (!why.empty()) return Fault<std::string>(PartSentence(name, why));
+  const XmlForm form = DetectXmlForm(bytes);
+  const bool wide = form.encoding != XmlEncoding::kUtf8;
+  if (wide) {
+    std::string utf8;
+    if (!Utf16ToUtf8(bytes, form, utf8)) {
+      return Fault<std::string>(PartSentence(name, "there are bytes that are not UTF-16"));
+    }
+    bytes = std::move(utf8);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    utf16_.insert_or_assign(*entry, form);
+  }
+  XmlLimits bounds;
+  bounds.maxNodes = limits_.maxXmlNodes;
+  bounds.maxDepth = limits_.maxXmlDepth;
+  const XmlVerdict verdict = CheckXml(bytes, bounds, wide);
+  if (verdict.fault != XmlFault::kNone) {
+    return Fault<std::string>(
+        PartSentence(name, "it is not good XML, " + DescribeXmlFault(verdict)));
+  }
+  return Value(std::move(bytes));
+}
+
+PackageResult<std::vector<Relationship>> ZipPackage::Relationships(std::string_view name) {
+  const std::string part = RelationshipsPartName(name);
+  std::vector<Relationship> relationships;
+  if (!HasPart(part)) return Value(std::move(relationships));
+  const PackageResult<std::string> xml = ReadXmlPart(part);
+  if (!xml.ok) return Fault<std::vector<Relationship>>(xml.error.sentence);
+  const std::string why = ParseRelationships(name, xml.value, relationships);
+  if (!why.empty()) return Fault<std::vector<Relationship>>(PartSentence(part, why));
+  return Value(std::move(relationships));
+}
+
+bool ZipPackage::IsOriginal(std::size_t entry, const std::string& bytes, std::uint32_t crc) {
+  const ZipEntry& original = archive_.Entries()[entry];
+  if (original.crc != crc || original.size != bytes.size()) return false;
+  std::string now;
+  return archive_.Read(entry, now).empty() && now == bytes;
+}
+
+void ZipPackage::PutPart(std::string_view name, std::string bytes) {
+  const std::size_t* const entry = Find(name);
+  if (entry == nullptr) {
+    if (putFault_.empty()) putFault_ = "The part " + std::string(name) + " is missing.";
+    return;
+  }
+  if (PartKey(name) == PartKey(kContentTypesPart)) types_.Parse(bytes);
+  std::optional<XmlForm> form;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const auto wide = utf16_.find(*entry);
+    if (wide != utf16_.end()) form = wide->second;
+  }
+  if (form) bytes = Utf8ToUtf16(bytes, *form);
+  const std::uint32_t crc = Crc32(bytes);
+  std::shared_ptr<PackingJob> job;
+  if (!IsOriginal(*entry, bytes, crc)) job = compressor_.Put(std::move(bytes), crc);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (job) {
+    edits_.insert_or_assign(*entry, std::move(job));
+  } else {
+    edits_.erase(*entry);
+  }
+}
+
+PackageResult<bool> ZipPackage::Save(const std::string& path) {
+  if (!putFault_.empty()) return Fault<bool>(putFault_);
+  OutputFile output;
+  std::string sentence = output.Open(path);
+  if (!sentence.empty()) return Fault<bool>(std::move(sentence));
+  if (edits_.empty()) {
+    if (output.Replaces(file_)) return Value(true);
+    output.CopyFrom(file_, file_.Size());
+  } else {
+    std::vector<ZipReplacement> replacements;
+    for (const auto& [entry, job] : edits_) {
+      const PackedPart* const part = compressor_.Wait(job);
+      if (part == nullptr) {
+        return Fault<bool>("There is not enough memory to write the part " +
+                           archive_.Entries()[entry].name + ".");
+      }
+      replacements.push_back({entry, part});
+    }
+    std::string reason;
+    if (!archive_.Write(replacements, output, reason)) {
+      sentence = output.Failure();
+      return Fault<bool>(sentence.empty() ? std::move(reason) : std::move(sentence));
+    }
+  }
+  sentence = output.Commit();
+  if (!sentence.empty()) return Fault<bool>(std::move(sentence));
+  return Value(true);
+}
+
+}  // namespace
+
+PackageResult<std::unique_ptr<Package>> Package::Open(const std::string& path,
+                                                      const PackageLimits& limits) {
+  auto package = std::make_unique<ZipPackage>(limits);
+  std::string sentence = package->Load(path);
+  if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
+  return Value<std::unique_ptr<Package>>(std::move(package));
+}
