@@ -1,0 +1,8 @@
+// A layout frame from one line of JSON, as frames.py writes it.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "host/layout/LayoutText.h"
+
+layout::LayoutFrame FrameOf(const nlohmann::json& record);

@@ -1,0 +1,31 @@
+// Lays out the text of a frame: fonts by Fontconfig, advances by HarfBuzz, lines by the Unicode
+// rules. Knows neither files nor automation.
+#pragma once
+
+#include <string>
+
+#include "host/layout/FontBook.h"
+#include "host/layout/LaidText.h"
+#include "host/layout/LayoutText.h"
+#include "host/layout/LineBreaks.h"
+#include "host/layout/WordAdvances.h"
+
+namespace layout {
+
+// Keeps fonts and shaped words from one text to the next. One thread at a time. The same frame
+// gives the same result on the same fonts, whatever the environment says.
+class TextLayout {
+ public:
+  // Linear in the text. A frame without paragraphs has no lines and no extent.
+  LaidText LayOut(const LayoutFrame& frame);
+
+  // Whether a font of this name, or one of the same metrics, is installed.
+  bool HasFont(const std::string& family) { return book_.Has(family); }
+
+ private:
+  FontBook book_;
+  WordAdvances words_;
+  LineBreaks breaks_;
+};
+
+}  // namespace layout
