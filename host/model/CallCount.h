@@ -1,0 +1,11 @@
+// How many calls the object model was asked, for measuring. Process-wide; host thread only.
+#pragma once
+
+#include <cstdint>
+
+struct CallCount {
+  std::uint64_t invokes = 0;
+  std::uint64_t nameLookups = 0;
+};
+
+CallCount& HostCallCount();

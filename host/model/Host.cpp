@@ -1,0 +1,67 @@
+#include "host/model/Host.h"
+
+#include "host/model/HostState.h"
+#include "host/model/Objects.h"
+
+namespace {
+
+// Window handles that no real window system would give out, and never 0.
+constexpr std::int32_t kFirstWindow = 0x51000;
+
+}  // namespace
+
+Host::Host(const Personality& personality) : state_(std::make_unique<State>()) {
+  state_->session->personality = personality;
+}
+
+Host::~Host() = default;
+
+PackageResult<bool> Host::Open(const std::string& path, std::vector<std::string>& warnings) {
+  PackageResult<bool> result;
+  PackageResult<std::unique_ptr<deck::Deck>> opened = deck::Deck::Open(path, warnings);
+  if (!opened.ok) {
+    result.error = std::move(opened.error);
+    return result;
+  }
+  model::Session& session = *state_->session;
+  auto open = std::make_unique<model::OpenDeck>();
+  open->path = path;
+  open->deck = std::move(opened.value);
+  open->window = kFirstWindow + static_cast<std::int32_t>(session.decks.size());
+  open->deck->SetFit([&session, deck = open->deck.get()](const deck::ShapeAddress& address) {
+    session.measure.Fit(*deck, address);
+  });
+  session.active = session.decks.size();
+  session.decks.push_back(std::move(open));
+  result.value = result.ok = true;
+  return result;
+}
+
+PackageResult<bool> Host::Save(const std::string& path) {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open != nullptr) return open->deck->Save(path);
+  PackageResult<bool> result;
+  result.error.sentence = "No presentation is open.";
+  return result;
+}
+
+bool Host::Edited() const {
+  const model::OpenDeck* const open = state_->session->Active();
+  return open != nullptr && open->deck->Edited();
+}
+
+std::int32_t Host::SlideCount() const {
+  const model::OpenDeck* const open = state_->session->Active();
+  return open == nullptr ? 0 : static_cast<std::int32_t>(open->deck->SlideCount());
+}
+
+bool Host::ShowSlide(std::int32_t index) {
+  model::OpenDeck* const open = state_->session->Active();
+  if (open == nullptr || index < 1 || index > SlideCount()) return false;
+  open->Show(static_cast<std::uint32_t>(index) - 1);
+  return true;
+}
+
+ObjectRef Host::application() const {
+  return model::Make<model::ApplicationObject>(state_->session);
+}

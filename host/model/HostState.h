@@ -1,0 +1,10 @@
+// What is behind a Host; for its own sources.
+#pragma once
+
+#include <memory>
+
+#include "host/model/Session.h"
+
+struct Host::State {
+  model::SessionRef session = std::make_shared<model::Session>();
+};

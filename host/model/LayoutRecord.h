@@ -1,0 +1,16 @@
+// A deck's text frame as the layout takes it: plain records with everything inherited looked up.
+#pragma once
+
+#include "host/deck/Deck.h"
+#include "host/layout/LayoutText.h"
+
+namespace model {
+
+// Where the text of a shape or cell may stand, insets included, in slide coordinates, unrotated.
+deck::ShapeBox TextArea(deck::Deck& deck, const deck::ShapeAddress& address);
+
+// The text and its frame, which is of the size of `area`.
+layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& address,
+                                 deck::TextBody& text, const deck::ShapeBox& area);
+
+}  // namespace model
