@@ -1,0 +1,11 @@
+// The input state of a host at which nobody sits.
+#pragma once
+
+#include "foundation/InputState.h"
+
+class IdleHands final : public InputState {
+ public:
+  bool LeftButtonDown() override { return false; }
+  bool HasCapture() override { return false; }
+  std::uint32_t QueueStatus(std::uint32_t) override { return 0; }
+};

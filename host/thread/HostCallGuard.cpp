@@ -1,0 +1,27 @@
+#include "host/thread/HostCallGuard.h"
+
+#include <atomic>
+
+#include "foundation/Automation.h"
+
+namespace {
+
+// The check is a plain function and may be asked by any thread.
+std::atomic<const HostThread*> guarded{nullptr};
+
+bool CallerMayTouchTheHost() {
+  const HostThread* thread = guarded.load();
+  return thread == nullptr || thread->OnHostThread();
+}
+
+}  // namespace
+
+HostCallGuard::HostCallGuard(const HostThread& thread) {
+  guarded = &thread;
+  SetHostThreadCheck(&CallerMayTouchTheHost);
+}
+
+HostCallGuard::~HostCallGuard() {
+  SetHostThreadCheck(nullptr);
+  guarded = nullptr;
+}

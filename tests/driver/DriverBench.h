@@ -1,0 +1,69 @@
+// A driver over the fake host, with a service on loopback whose engine the test scripts.
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "host/driver/RunDriver.h"
+#include "host/thread/HostCallGuard.h"
+#include "host/thread/LoopThread.h"
+#include "service/Service.h"
+#include "support/FakeHost.h"
+
+namespace test {
+
+// Puts "T(" and ")" around each text. Can be told to fail, and to hold its answers back.
+class HeldEngine final : public Engine {
+ public:
+  struct Control {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool hold = false;
+    int asked = 0;
+    EngineResult failure;  // given when its code is not empty
+    std::vector<EngineRequest> requests;
+  };
+  explicit HeldEngine(std::shared_ptr<Control> control) : control_(std::move(control)) {}
+  const char* name() const override { return "held"; }
+  EngineResult Translate(const EngineRequest& request, const std::atomic<bool>& stop) override;
+
+ private:
+  std::shared_ptr<Control> control_;
+};
+
+class DriverBench {
+ public:
+  explicit DriverBench(ClockMode mode = ClockMode::kUnpaced);
+  ~DriverBench();
+  DriverBench(const DriverBench&) = delete;
+  DriverBench& operator=(const DriverBench&) = delete;
+
+  FakePresentation& deck() { return *host.presentations.front(); }
+  // The token that the service wants unless the test changes the request.
+  RunRequest Request() const;
+  RunListener Listener();
+  void RunToEnd();
+  void RunToEnd(const RunRequest& request);
+  void Hold();
+  void WaitUntilAsked(int times);
+  void Release();
+  // Names alone, without scan and progress.
+  std::vector<std::string> MainEvents() const;
+
+  FakeHost host;
+  LoopThread loop;
+  HostCallGuard guard;
+  std::shared_ptr<HeldEngine::Control> engine = std::make_shared<HeldEngine::Control>();
+  std::unique_ptr<Service> service;
+  std::unique_ptr<RunDriver> driver;
+  std::vector<std::string> events;  // name and payload
+  std::vector<RunReport> reports;
+  std::function<void(const RunEvent&)> onEvent;
+};
+
+}  // namespace test
