@@ -1,0 +1,308 @@
+#include "service/HttpServer.h"
+
+#include <httplib.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <ctime>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "service/ClientConnection.h"
+#include "service/JsonText.h"
+#include "service/TokenTable.h"
+#include "service/TranslateRequest.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr char kTranslatePath[] = "/v1/translate";
+constexpr char kHealthPath[] = "/v1/health";
+constexpr std::size_t kLoggedPathLimit = 200;
+
+// What the log wants to know of the request that this thread is answering.
+struct RequestRecord {
+  std::string method;
+  std::string path;
+  int status = 0;
+  std::size_t texts = 0;
+  std::size_t chars = 0;
+  bool bodyUnread = false;
+};
+
+// The library hands its handlers no place for such a record; a request stays on one thread.
+thread_local RequestRecord* currentRequest = nullptr;
+
+// Answers where the connection was accepted: without the hand-over to another thread, which costs
+// more than a short answer does.
+class AnswerAtOnce : public httplib::TaskQueue {
+ public:
+  void enqueue(std::function<void()> answer) override { answer(); }
+  void shutdown() override {}
+};
+
+// The library's view of a connection.
+class ConnectionStream : public httplib::Stream {
+ public:
+  explicit ConnectionStream(ClientConnection& connection) : connection_(connection) {}
+  bool is_readable() const override { return true; }
+  bool is_writable() const override { return true; }
+  ssize_t read(char* to, std::size_t size) override { return connection_.Read(to, size); }
+  ssize_t write(const char* from, std::size_t size) override {
+    connection_.Write(from, size);
+    return static_cast<ssize_t>(size);
+  }
+  void get_remote_ip_and_port(std::string&, int&) const override {}
+  void get_local_ip_and_port(std::string&, int&) const override {}
+  socket_t socket() const override { return connection_.socket(); }
+
+ private:
+  ClientConnection& connection_;
+};
+
+bool ExpectsBody(const httplib::Request& request) {
+  return request.has_header("Transfer-Encoding") ||
+         (request.has_header("Content-Length") &&
+          request.get_header_value("Content-Length") != "0");
+}
+
+void Answer(httplib::Response& response, int status, const std::string& body) {
+  response.status = status;
+  response.set_content(body, "application/json");
+}
+
+std::string UtcNow() {
+  const auto now =
+      std::chrono::time_point_cast<std::chrono::milliseconds>(std::chrono::system_clock::now());
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  std::tm utc{};
+  gmtime_r(&seconds, &utc);
+  char text[48];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%03dZ", utc.tm_year + 1900,
+                utc.tm_mon + 1, utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec,
+                static_cast<int>(now.time_since_epoch().count() % 1000));
+  return text;
+}
+
+// A client chooses its path, so it may hold anything; a log line must stay one line.
+std::string Printable(const std::string& path) {
+  std::string out;
+  for (const char c : path.substr(0, kLoggedPathLimit)) {
+    out += c > ' ' && c < '\x7f' ? c : '?';
+  }
+  return out.empty() ? "-" : out;
+}
+
+class HttpServer : public Service, private httplib::Server {
+ public:
+  HttpServer(const ServiceOptions& options, int listeningSocket, std::uint16_t port,
+             std::unique_ptr<Engine> engine)
+      : options_(options), engine_(std::move(engine)), port_(port) {
+    svr_sock_ = listeningSocket;
+    stopFd_ = eventfd(0, EFD_CLOEXEC);
+  }
+
+  ~HttpServer() override {
+    HttpServer::Stop();
+    if (svr_sock_ != INVALID_SOCKET) close(svr_sock_);
+    if (stopFd_ >= 0) close(stopFd_);
+  }
+
+  bool Run(std::string& error);
+  std::uint16_t port() const override { return port_; }
+  void Stop() override;
+
+ private:
+  void SetRoutes();
+  HandlerResponse Route(const httplib::Request& request, httplib::Response& response);
+  void Translate(const httplib::Request& request, httplib::Response& response,
+                 const httplib::ContentReader& read);
+  void Log(const RequestRecord& record, Clock::duration took);
+  bool process_and_close_socket(socket_t socket) override;
+
+  ServiceOptions options_;
+  std::unique_ptr<Engine> engine_;
+  TokenTable tokens_;
+  TlsContext tls_;
+  std::uint16_t port_;
+  int stopFd_ = -1;
+  std::atomic<bool> stopping_{false};
+  std::mutex stopMutex_;
+  std::mutex logMutex_;
+  std::thread listen_;
+};
+
+bool HttpServer::Run(std::string& error) {
+  if (stopFd_ < 0) {
+    error = "The service can't start: no more files may be opened.";
+    return false;
+  }
+  if (!options_.tokenFile.empty() && !tokens_.AddFile(options_.tokenFile, error)) return false;
+  for (const std::string& token : options_.tokens) tokens_.Add(token);
+  if (options_.certificateFile.empty() != options_.keyFile.empty()) {
+    error = "TLS needs both a certificate file and a key file.";
+    return false;
+  }
+  if (!options_.certificateFile.empty()) {
+    tls_ = LoadTls(options_.certificateFile, options_.keyFile, error);
+    if (!tls_) return false;
+  }
+  SetRoutes();
+  new_task_queue = [threads = options_.threads]() -> httplib::TaskQueue* {
+    if (threads == 0) return std::make_unique<AnswerAtOnce>().release();
+    return std::make_unique<httplib::ThreadPool>(threads).release();
+  };
+  listen_ = std::thread([this] { listen_after_bind(); });
+  return true;
+}
+
+void HttpServer::Stop() {
+  const std::lock_guard lock(stopMutex_);
+  if (!listen_.joinable()) return;
+  stopping_ = true;
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = write(stopFd_, &one, sizeof one);
+  // Wakes the accept; the listening thread then closes the socket itself, after its last use.
+  shutdown(svr_sock_, SHUT_RDWR);
+  listen_.join();
+  svr_sock_ = INVALID_SOCKET;
+}
+
+void HttpServer::SetRoutes() {
+  // All paths but one are answered here: the library matches a route by a regular expression,
+  // whose recursion a long path would drive too deep.
+  set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+    return Route(request, response);
+  });
+  Post(kTranslatePath,
+       [this](const httplib::Request& request, httplib::Response& response,
+              const httplib::ContentReader& read) { Translate(request, response, read); });
+  // The library's own refusals come without a body.
+  set_error_handler([](const httplib::Request&, httplib::Response& response) {
+    if (!response.body.empty()) return;
+    const bool tooLarge = response.status == 413 || response.status == 414;
+    Answer(response, response.status,
+           response.status >= 500
+               ? ErrorJson("internal_error", "The service could not answer the request.")
+           : tooLarge ? ErrorJson("payload_too_large", "The request is too large.")
+                      : ErrorJson("bad_request", "The request is no valid HTTP request."));
+  });
+  set_exception_handler([](const httplib::Request&, httplib::Response& response,
+                           const std::exception_ptr&) {
+    Answer(response, 500, ErrorJson("internal_error", "The service could not answer the request."));
+  });
+  set_logger([](const httplib::Request& request, const httplib::Response& response) {
+    currentRequest->method = request.method;
+    currentRequest->path = request.path;
+    currentRequest->status = response.status;
+  });
+}
+
+httplib::Server::HandlerResponse HttpServer::Route(const httplib::Request& request,
+                                                   httplib::Response& response) {
+  const bool translate = request.path == kTranslatePath;
+  if (translate && request.method == "POST") return HandlerResponse::Unhandled;
+  currentRequest->bodyUnread = ExpectsBody(request);
+  const bool reading = request.method == "GET" || request.method == "HEAD";
+  if (request.path == kHealthPath && reading) {
+    std::string body = "{\"status\":\"ok\",\"engine\":";
+    AppendJsonString(body, engine_->name());
+    Answer(response, 200, body + "}");
+  } else if (translate || request.path == kHealthPath) {
+    response.set_header("Allow", translate ? "POST" : "GET");
+    Answer(response, 405,
+           ErrorJson("method_not_allowed", "This address does not take the request's method."));
+  } else {
+    Answer(response, 404, ErrorJson("not_found", "There is nothing at this address."));
+  }
+  return HandlerResponse::Handled;
+}
+
+void HttpServer::Translate(const httplib::Request& request, httplib::Response& response,
+                           const httplib::ContentReader& read) {
+  currentRequest->bodyUnread = ExpectsBody(request);
+  std::optional<std::size_t> token;
+  if (!tokens_.Open()) {
+    token = tokens_.Find(request.get_header_value("Authorization"));
+    if (!token) {
+      response.set_header("WWW-Authenticate", "Bearer");
+      return Answer(response, 401,
+                    ErrorJson("unauthorized", "The access token is missing or not valid."));
+    }
+  }
+  // The library would take a form apart and write its fields nowhere.
+  if (request.is_multipart_form_data()) {
+    return Answer(response, 400, ErrorJson("bad_request", "The body must be JSON."));
+  }
+  const auto tooLarge = [&] {
+    Answer(response, 413,
+           ErrorJson(
+               "payload_too_large",
+               "A request may hold " + std::to_string(options_.maxBodyBytes) + " bytes at most."));
+  };
+  const std::size_t announced = request.get_header_value<std::uint64_t>("Content-Length");
+  if (announced > options_.maxBodyBytes) return tooLarge();
+
+  std::string body;
+  body.reserve(announced);
+  bool over = false;
+  const bool complete = ExpectsBody(request) && read([&](const char* data, std::size_t size) {
+                          over = body.size() + size > options_.maxBodyBytes;
+                          if (!over) body.append(data, size);
+                          return !over;
+                        });
+  if (over) return tooLarge();
+  if (!complete) {
+    return Answer(response, 400, ErrorJson("bad_request", "The body is missing or incomplete."));
+  }
+  currentRequest->bodyUnread = false;
+
+  TranslateAnswer answer =
+      AnswerTranslate(body, options_.maxTexts, *engine_, tokens_, token, stopping_);
+  currentRequest->texts = answer.texts;
+  currentRequest->chars = answer.chars;
+  Answer(response, answer.status, answer.body);
+}
+
+bool HttpServer::process_and_close_socket(socket_t socket) {
+  const Clock::time_point start = Clock::now();
+  ClientConnection connection(socket, tls_.get(), stopFd_);
+  if (!connection.Handshake()) return false;
+  RequestRecord record;
+  currentRequest = &record;
+  ConnectionStream stream(connection);
+  bool closed = false;
+  process_request(stream, true, closed, [](httplib::Request&) {});
+  currentRequest = nullptr;
+  const bool sent = connection.Flush();
+  // Before the close, so that a client that saw the end of its answer finds its line.
+  if (record.status != 0) Log(record, Clock::now() - start);
+  connection.Close(record.bodyUnread || record.status == 400);
+  return sent;
+}
+
+void HttpServer::Log(const RequestRecord& record, Clock::duration took) {
+  if (!options_.requestLog) return;
+  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(took).count();
+  const std::string line = UtcNow() + " " + Printable(record.method) + " " +
+                           Printable(record.path) + " " + std::to_string(record.status) +
+                           " texts=" + std::to_string(record.texts) +
+                           " chars=" + std::to_string(record.chars) + " ms=" + std::to_string(ms);
+  const std::lock_guard lock(logMutex_);
+  options_.requestLog(line);
+}
+
+}  // namespace
+
+std::unique_ptr<Service> ServeHttp(const ServiceOptions& options, int listeningSocket,
+                                   std::uint16_t port, std::unique_ptr<Engine> engine,
+                                   std::string& error) {
+  auto server = std::make_unique<HttpServer>(options, listeningSocket, port, std::move(engine));
+  if (!server->Run(error)) return nullptr;
+  return server;
+}

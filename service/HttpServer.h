@@ -1,0 +1,13 @@
+// The HTTP side of the service: connections, routes, limits, the request log.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "service/Service.h"
+
+// Serves on a socket that is listening already, on threads of its own. Ready when it returns.
+// Owns the socket and the engine.
+std::unique_ptr<Service> ServeHttp(const ServiceOptions& options, int listeningSocket,
+                                   std::uint16_t port, std::unique_ptr<Engine> engine,
+                                   std::string& error);

@@ -1,0 +1,68 @@
+#include "service/Listener.h"
+
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr int kBacklog = 128;
+// A client speaks first, over TLS too, so a connection is handed over once its request is here: one
+// wake-up for a request instead of two, and a silent client occupies nobody meanwhile.
+constexpr int kSilentSeconds = 1;
+
+std::uint16_t BoundPort(int socket) {
+  sockaddr_storage address{};
+  socklen_t size = sizeof address;
+  if (getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) return 0;
+  if (address.ss_family == AF_INET6) {
+    return ntohs(reinterpret_cast<const sockaddr_in6&>(address).sin6_port);
+  }
+  return ntohs(reinterpret_cast<const sockaddr_in&>(address).sin_port);
+}
+
+int Listen(const addrinfo& where) {
+  const int fd = socket(where.ai_family, where.ai_socktype | SOCK_CLOEXEC, where.ai_protocol);
+  if (fd < 0) return -1;
+  const int on = 1;
+  setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
+  setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  setsockopt(fd, IPPROTO_TCP, TCP_DEFER_ACCEPT, &kSilentSeconds, sizeof kSilentSeconds);
+  if (bind(fd, where.ai_addr, where.ai_addrlen) == 0 && listen(fd, kBacklog) == 0) return fd;
+  const int reason = errno;
+  close(fd);
+  errno = reason;
+  return -1;
+}
+
+}  // namespace
+
+Listener OpenListener(const std::string& address, std::uint16_t port, std::string& error) {
+  addrinfo hints{};
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
+  addrinfo* found = nullptr;
+  const int failure = getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &found);
+  const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, &freeaddrinfo);
+  const std::string where = address + ":" + std::to_string(port);
+  if (failure != 0) {
+    error = "Can't listen on " + where + ": " + gai_strerror(failure) + ".";
+    return {};
+  }
+  Listener listener;
+  for (const addrinfo* next = found; next != nullptr && listener.socket < 0; next = next->ai_next) {
+    listener.socket = Listen(*next);
+  }
+  if (listener.socket < 0) {
+    error = "Can't listen on " + where + ": " + std::strerror(errno) + ".";
+    return {};
+  }
+  listener.port = BoundPort(listener.socket);
+  return listener;
+}

@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "service/TemporaryFolder.h"
+#include "service/engines/Engine.h"
+
+namespace {
+std::string Refusal(const EngineOptions& options) {
+  std::string error;
+  EXPECT_EQ(MakeEngine(options, error), nullptr);
+  return error;
+}
+}  // namespace
+
+TEST(MakeEngine, AnUnknownNameIsRefusedWithTheKnownOnes) {
+  EngineOptions options;
+  options.name = "magic";
+  EXPECT_NE(Refusal(options).find("auto, apertium, openai and pseudo"), std::string::npos);
+}
+
+TEST(MakeEngine, WithoutAnOfflinePackageTheUserIsToldWhatToDo) {
+  const TemporaryFolder folder;
+  EngineOptions options;
+  options.apertiumModes = folder.path("none");
+  for (const char* name : {"auto", "apertium"}) {
+    options.name = name;
+    EXPECT_NE(Refusal(options).find("apt-get install apertium apertium-eng-spa"),
+              std::string::npos);
+  }
+}
+
+TEST(MakeEngine, TheGrowthHasItsBounds) {
+  EngineOptions options;
+  options.name = "pseudo";
+  for (const double growth : {0.0, 0.5, -1.0, 21.0, std::numeric_limits<double>::quiet_NaN()}) {
+    options.growth = growth;
+    EXPECT_NE(Refusal(options), "") << growth;
+  }
+  options.growth = 1.5;
+  std::string error;
+  const std::unique_ptr<Engine> engine = MakeEngine(options, error);
+  ASSERT_NE(engine, nullptr) << error;
+  EXPECT_STREQ(engine->name(), "pseudo");
+  EngineRequest request;
+  request.texts = {"Plan", "B"};
+  const std::atomic<bool> stop{false};
+  EXPECT_EQ(engine->Translate(request, stop).translations,
+            (std::vector<std::string>{"⟦Plan P⟧", "⟦BB⟧"}));
+}

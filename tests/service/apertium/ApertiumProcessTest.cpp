@@ -1,0 +1,151 @@
+// The pipeline's keeper, over pipelines that crash, hang and lose step.
+#include "service/engines/ApertiumProcess.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <thread>
+
+#include "service/TemporaryFolder.h"
+#include "service/engines/Engine.h"
+
+namespace {
+
+using Outcome = ApertiumProcess::Outcome;
+using Strings = std::vector<std::string>;
+
+// Echoes what it gets up to each NUL. The text "die" ends it, "hang" makes it wait for ever,
+// "twice" is answered twice. Leaves its process's number in the file "pid".
+constexpr char kFake[] = R"(#!/usr/bin/env bash
+echo $$ >> "$(dirname "$0")/pid"
+while IFS= read -r -d '' text; do
+  case "$text" in
+    die*) exit 7;;
+    hang*) sleep 1000;;
+    twice*) printf '%s\0%s\0' "$text" "$text";;
+    *) printf '%s\0' "$text";;
+  esac
+done
+)";
+
+class Process : public testing::Test {
+ protected:
+  Process() {
+    const std::string program = folder.Write("fake", kFake);
+    chmod(program.c_str(), 0755);
+    mode = folder.Write("eng-spa.mode", program + "\n");
+  }
+  int Starts() const {
+    std::ifstream file(folder.path("pid"));
+    int count = 0;
+    for (std::string line; std::getline(file, line);) ++count;
+    return count;
+  }
+  pid_t LastPid() const {
+    std::ifstream file(folder.path("pid"));
+    pid_t last = 0;
+    for (pid_t pid = 0; file >> pid;) last = pid;
+    return last;
+  }
+  TemporaryFolder folder;
+  std::string mode;
+  std::atomic<bool> stop{false};
+  Strings out;
+};
+
+constexpr std::chrono::milliseconds kLong{20'000};
+
+}  // namespace
+
+TEST_F(Process, OneProcessServesManyRequests) {
+  ApertiumProcess process(mode, kLong);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(process.Translate({"a", "", "b c"}, out, stop), Outcome::kOk);
+    EXPECT_EQ(out, (Strings{"a", "", "b c"}));
+  }
+  EXPECT_EQ(Starts(), 1);
+}
+
+TEST_F(Process, NothingIsStartedBeforeTheFirstUse) {
+  { const ApertiumProcess process(mode, kLong); }
+  EXPECT_EQ(Starts(), 0);
+}
+
+TEST_F(Process, MoreThanAPipeHoldsGoesThrough) {
+  ApertiumProcess process(mode, kLong);
+  const Strings texts(20, std::string(50'000, 'x'));
+  EXPECT_EQ(process.Translate(texts, out, stop), Outcome::kOk);
+  EXPECT_EQ(out, texts);
+}
+
+TEST_F(Process, AfterACrashANewOneIsStarted) {
+  ApertiumProcess process(mode, kLong);
+  EXPECT_EQ(process.Translate({"a", "die", "b"}, out, stop), Outcome::kDied);
+  EXPECT_EQ(process.Translate({"c"}, out, stop), Outcome::kOk);
+  EXPECT_EQ(out, Strings{"c"});
+  EXPECT_EQ(Starts(), 2);
+}
+
+TEST_F(Process, ATextAnsweredTwiceIsNoticed) {
+  ApertiumProcess process(mode, kLong);
+  // The count alone would fit.
+  EXPECT_EQ(process.Translate({"twice", "b"}, out, stop), Outcome::kDied);
+  EXPECT_EQ(process.Translate({"c"}, out, stop), Outcome::kOk);
+  EXPECT_EQ(out, Strings{"c"});
+}
+
+TEST_F(Process, AHangTimesOutAndIsKilled) {
+  ApertiumProcess process(mode, std::chrono::milliseconds(200));
+  EXPECT_EQ(process.Translate({"hang"}, out, stop), Outcome::kTimedOut);
+  EXPECT_EQ(process.Translate({"c"}, out, stop), Outcome::kOk);
+}
+
+TEST_F(Process, AStopEndsAHang) {
+  ApertiumProcess process(mode, kLong);
+  EXPECT_EQ(process.Translate({"a"}, out, stop), Outcome::kOk);
+  std::thread stopper([this] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    stop = true;
+  });
+  EXPECT_EQ(process.Translate({"hang"}, out, stop), Outcome::kStopped);
+  stopper.join();
+}
+
+TEST_F(Process, ItEndsWithItsKeeper) {
+  pid_t pid = 0;
+  {
+    ApertiumProcess process(mode, kLong);
+    EXPECT_EQ(process.Translate({"a"}, out, stop), Outcome::kOk);
+    pid = LastPid();
+    EXPECT_EQ(kill(pid, 0), 0);
+  }
+  EXPECT_NE(kill(pid, 0), 0);
+}
+
+TEST_F(Process, AMissingModeDies) {
+  ApertiumProcess process(folder.path("none.mode"), kLong);
+  EXPECT_EQ(process.Translate({"a"}, out, stop), Outcome::kDied);
+}
+
+TEST_F(Process, TheEngineSurvivesAPipelineThatDiedSinceTheLastRequest) {
+  EngineOptions options;
+  options.name = "apertium";
+  options.apertiumModes = folder.path(".");
+  std::string error;
+  const std::unique_ptr<Engine> engine = MakeEngine(options, error);
+  ASSERT_NE(engine, nullptr) << error;
+  EngineRequest request;
+  request.sourceLang = "en";
+  request.targetLang = "es";
+  request.texts = {"a"};
+  EXPECT_TRUE(engine->Translate(request, stop).ok);
+  kill(LastPid(), SIGKILL);
+  EXPECT_TRUE(engine->Translate(request, stop).ok);
+  EXPECT_EQ(Starts(), 2);
+  request.texts = {"die"};
+  const EngineResult result = engine->Translate(request, stop);
+  EXPECT_FALSE(result.ok);
+  EXPECT_EQ(result.code, "engine_failed");
+  EXPECT_EQ(Starts(), 3);
+}
