@@ -1,0 +1,55 @@
+#include "host/cli/Backend.h"
+
+#include <sys/random.h>
+
+#include <array>
+#include <cstdint>
+
+#include "translate/Endpoint.h"
+#include "translate/HttpTransport.h"
+
+namespace {
+
+// Keeps every other process of the machine from using the embedded service.
+std::string RandomToken() {
+  std::array<std::uint8_t, 16> bytes{};
+  if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return {};
+  std::string token;
+  for (const std::uint8_t byte : bytes) {
+    constexpr const char* kDigits = "0123456789abcdef";
+    token += kDigits[byte >> 4];
+    token += kDigits[byte & 15];
+  }
+  return token;
+}
+
+}  // namespace
+
+std::unique_ptr<Backend> Backend::Make(const TranslateOptions& options, std::string& error) {
+  auto backend = std::make_unique<Backend>();
+  if (!options.ownService) {
+    ReplaceDefaultEndpoint(options.service);
+    if (!options.authorityFile.empty()) TrustAuthorityFile(options.authorityFile);
+    backend->accessToken_ = ToWide(options.accessToken);
+    return backend;
+  }
+
+  if (!EngineServesPair(options.engine, options.sourceLang, options.targetLang, error)) {
+    return nullptr;
+  }
+  std::unique_ptr<Engine> engine = MakeEngine(options.engine, error);
+  if (engine == nullptr) return nullptr;
+  const std::string token = RandomToken();
+  if (token.empty()) {
+    error = "the system gives no random numbers";
+    return nullptr;
+  }
+  ServiceOptions service;
+  service.tokens = {token};
+  service.threads = 0;
+  backend->service_ = Service::Start(service, std::move(engine), error);
+  if (backend->service_ == nullptr) return nullptr;
+  backend->accessToken_ = ToWide(token);
+  ReplaceDefaultEndpoint({u"127.0.0.1", backend->service_->port(), false});
+  return backend;
+}

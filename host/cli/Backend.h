@@ -1,0 +1,24 @@
+// Who translates for the command: a service named by the user, or one of its own on loopback with
+// an engine behind it.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "foundation/Wide.h"
+#include "host/cli/Options.h"
+#include "service/Service.h"
+
+class Backend {
+ public:
+  // Settles the process's endpoint, so it is called once and before the first run. Null with a
+  // sentence in `error` when there is no such engine, or none for the pair of languages.
+  static std::unique_ptr<Backend> Make(const TranslateOptions& options, std::string& error);
+
+  // What every run sends as its bearer token.
+  const Wide& accessToken() const { return accessToken_; }
+
+ private:
+  std::unique_ptr<Service> service_;
+  Wide accessToken_;
+};

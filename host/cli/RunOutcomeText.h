@@ -1,0 +1,25 @@
+// What a finished run's record says to a person, line by line.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/cli/OutputPlan.h"
+#include "host/driver/RunDriver.h"
+
+// Whether all translated text reached the deck.
+bool ReachedTheDeck(const RunRecord& record);
+
+// The line of a completed run: what was translated, what stayed as it was, what failed, and where
+// the deck is now.
+std::string OutcomeLine(const DeckJob& job, const RunRecord& record, double seconds);
+
+// One line for each text, and each slide, that the writes did not reach.
+std::vector<std::string> LostTextLines(const RunRecord& record);
+
+// Host calls for each unit, time by phase and the process's peak memory.
+struct DeckTimes {
+  double openMs = 0.0;
+  double saveMs = 0.0;
+};
+std::vector<std::string> StatsLines(const RunReport& report, const DeckTimes& times);

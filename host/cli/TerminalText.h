@@ -1,0 +1,19 @@
+// Text for people's terminals: any bytes in, one harmless line of known width out.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// The text as valid UTF-8 on one line: control characters, which could steer a terminal, become
+// blanks, bytes that are no UTF-8 the replacement character.
+std::string PlainLine(std::string_view bytes);
+
+// Columns that a terminal gives the text: 2 for wide East Asian characters and emoji, 0 for
+// combining marks, 1 for the rest.
+std::size_t DisplayWidth(std::string_view utf8);
+
+// The text, or as much of its beginning as fits with "..." behind it into `columns`.
+std::string Shorten(std::string_view utf8, std::size_t columns);
+// The same, keeping the end, which tells files apart.
+std::string ShortenFront(std::string_view utf8, std::size_t columns);

@@ -1,0 +1,8 @@
+// The bearer token for a service, from a file, so that it shows in no list of processes.
+#pragma once
+
+#include <string>
+
+// The first word of the file; the rest is not looked at. False with a sentence in `error` when the
+// file can't be read or the word can't stand in a request's header.
+bool ReadTokenFile(const std::string& path, std::string& token, std::string& error);

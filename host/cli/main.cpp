@@ -1,0 +1,36 @@
+#include <malloc.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+
+#include "host/cli/ExitCode.h"
+#include "host/cli/Options.h"
+#include "host/cli/TranslateCommand.h"
+
+namespace {
+
+// Parts of a deck come and go by the thousand: giving each one's pages back to the system and
+// asking for them again costs more than unpacking them.
+void KeepFreedPages() {
+  constexpr int kLargeBlock = 16 << 20;
+  mallopt(M_MMAP_THRESHOLD, kLargeBlock);
+  mallopt(M_TRIM_THRESHOLD, kLargeBlock);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A reader that went away is a failed write, not the end of the process.
+  std::signal(SIGPIPE, SIG_IGN);
+  KeepFreedPages();
+  try {
+    const CommandLine line = ReadCommandLine(argc, argv);
+    if (!line.error.empty()) std::fprintf(stderr, "quillmarch: %s\n", line.error.c_str());
+    std::fputs(line.output.c_str(), stdout);
+    return line.run ? RunTranslate(line.translate) : line.exitCode;
+  } catch (const std::exception& problem) {
+    std::fprintf(stderr, "quillmarch: %s\n", problem.what());
+    return kExitBadInput;
+  }
+}
