@@ -1,0 +1,94 @@
+// Any text whatever as a message of the panel's page: no crash, no hang, and no run is left behind.
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string_view>
+
+#include "pane/CPptPane.h"
+
+namespace {
+
+// Without a deck: every run is turned away in its start, so no worker ever lives.
+class FuzzThread final : public HostThread {
+ public:
+  std::uint64_t TickCount() override { return ++ticks_; }
+  void Sleep(std::uint32_t) override {}
+  bool PumpUntil(const std::function<bool()>& done, std::uint32_t) override { return done(); }
+  bool Post(Callable call) override {
+    posts_.push_back(std::move(call));
+    return true;
+  }
+  bool SetTimer(TimerId, std::uint32_t, Callable) override { return true; }
+  void KillTimer(TimerId) override {}
+  void OutsideWorkBegins() override {}
+  void OutsideWorkEnds() override {}
+  bool OnHostThread() const override { return true; }
+
+  void RunPosts() {
+    while (!posts_.empty()) {
+      const Callable call = std::move(posts_.front());
+      posts_.pop_front();
+      call();
+    }
+  }
+
+ private:
+  std::uint64_t ticks_ = 0;
+  std::deque<Callable> posts_;
+};
+
+class NoHands final : public InputState {
+ public:
+  bool LeftButtonDown() override { return false; }
+  bool HasCapture() override { return false; }
+  std::uint32_t QueueStatus(std::uint32_t) override { return 0; }
+};
+
+class TwoFonts final : public FontList {
+ public:
+  std::vector<Wide> FamilyNames() override { return {u"Arial", u"@Mincho"}; }
+};
+
+class DeafPage final : public WebView {
+ public:
+  void ExecuteScript(const Wide&) override {}
+  void PostWebMessageAsJson(const Wide&) override {}
+  void PutBounds(std::int32_t, std::int32_t) override {}
+  ResultCode Close() override { return kOk; }
+};
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+void Hear(CPptPane& pane, FuzzThread& thread, const Wide& text) {
+  pane.OnWebMessageReceived(text);
+  thread.RunPosts();
+  Require(pane.runActive == 0);
+  Require(pane.targetStyle.bold >= -1 && pane.targetStyle.bold <= 1);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static FuzzThread thread;
+  static NoHands hands;
+  static TwoFonts fonts;
+  const std::shared_ptr<CPptPane> pane = CPptPane::Create({thread, hands, fonts, {}, {}, {}});
+  pane->OnCreate(1);
+  pane->AttachWebView(std::make_shared<DeafPage>());
+  const Wide text = ToWide({reinterpret_cast<const char*>(data), size});
+  Hear(*pane, thread, text);
+  // The same text behind every action, so that each of them reads it.
+  for (const WideView action :
+       {u"start", u"startSelection", u"requestSelectionPreview", u"cancel", u"pause", u"resume",
+        u"setTargetStyle", u"setAccessToken", u"requestAccessToken", u"getFontList", u"trace",
+        u"translateBatchResult", u"terminologyResolveResult", u"docKeyGet"}) {
+    Hear(*pane, thread, u"{\"action\":\"" + Wide(action) + u"\"," + text);
+  }
+  pane->OnDestroy();
+  return 0;
+}

@@ -1,0 +1,52 @@
+// A run's state over a FakeHost with a selection, as far as the collection reads it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "run/CollectSelection.h"
+#include "support/RunHarness.h"
+
+namespace test {
+
+// Shapes are told apart by their Id, which the search for a selected one goes by.
+inline FakeShapeRef Numbered(FakeShapeRef shape, std::int32_t id) {
+  shape->id = id;
+  return shape;
+}
+
+// A table and its cells, numbered on from `id`.
+inline FakeShapeRef Numbers(FakeShapeRef table, std::int32_t id) {
+  table->id = id;
+  for (auto& row : table->table->cells) {
+    for (auto& cell : row) cell->id = ++id;
+  }
+  return table;
+}
+
+struct SelectionHarness {
+  SelectionHarness() {
+    run.windowContext = harness.params.windowContext;
+    run.sink = &harness.sink;
+  }
+
+  FakePresentation& deck() { return harness.deck(); }
+  FakeSelection& selection() { return *harness.window().selection; }
+
+  ResultCode Run() {
+    run.app = harness.host.Application();
+    return CollectSelection(run, message);
+  }
+
+  // For a second collection.
+  void Clear() {
+    run.units.clear();
+    run.sourceTexts.clear();
+    run.locators.clear();
+  }
+
+  RunHarness harness;
+  Wide message;
+  RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
+};
+
+}  // namespace test
