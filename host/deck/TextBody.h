@@ -107,7 +107,7 @@ class TextBody {
   // of an empty range for the place where text would be typed. Stops when it returns false.
   void VisitProps(TextSpan span, const std::function<bool(const CharProps&)>& visit);
   // Gives each run of the range the properties that `edit` makes of its a:rPr (raw, maybe empty);
-  // runs are split at the range's borders.
+  // runs are split at the range's borders. The mark of an empty paragraph counts as a run.
   using PropertiesEdit = std::function<std::string(std::string_view raw, std::string_view prefix)>;
   void EditProps(TextSpan span, const PropertiesEdit& edit);
 
@@ -131,7 +131,7 @@ class TextBody {
     std::size_t length = 0;    // without the mark
     std::size_t level = 0;     // 0-based
     std::vector<TextPiece> pieces;
-    std::shared_ptr<const OwnFormat> ownEnd;  // a:endParaRPr to be added, as raw a:rPr
+    std::shared_ptr<const OwnFormat> ownEnd;  // a:endParaRPr as edited or added, as raw a:rPr
     bool edited = false;
   };
 

@@ -310,6 +310,18 @@ void TextBody::EditProps(TextSpan range, const PropertiesEdit& edit) {
       }
       at = pieceEnd;
     }
+    // A mark that stands alone makes its line's height. Beside a text it shows nothing, and stays.
+    const bool alone = para.length == 0 && !HoldsOpaque(para, 0, 0);
+    if (alone && index + 1 < paragraphs_.size()) {
+      const std::string raw = para.ownEnd
+                                  ? para.ownEnd->raw
+                                  : RenamedElement(RawElement(EndNode(para)), prefix_ + "rPr");
+      std::string edited = edit(raw, prefix_);
+      if (edited != raw) {
+        para.ownEnd = MakeFormat(std::move(edited));
+        changed = true;
+      }
+    }
     if (changed)
       Touch(index);
     else

@@ -101,9 +101,11 @@ void TextBody::AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) 
     for (std::size_t i = head; i < count - tail; ++i) text += PieceXml(para.pieces[i]);
     edits.push_back({from, to - from, std::move(text)});
   }
-  if (para.ownEnd && !EndNode(para)) {
-    edits.push_back(
-        {element.contentEnd, 0, RenamedElement(para.ownEnd->raw, prefix_ + "endParaRPr")});
+  if (para.ownEnd) {
+    const ElementSpan end = SpanOf(bytes_, EndNode(para));
+    const std::size_t place = end.found ? end.begin : element.contentEnd;
+    edits.push_back({place, end.found ? end.end - end.begin : 0,
+                     RenamedElement(para.ownEnd->raw, prefix_ + "endParaRPr")});
   }
 }
 

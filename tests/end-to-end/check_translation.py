@@ -14,11 +14,8 @@ import sys
 
 from lxml import etree
 
-from deck_text import COMPATIBILITY, DRAWING, Deck, children, kind, paragraph_text
-
-
-class Fault(Exception):
-    pass
+from deck_text import COMPATIBILITY, DRAWING, SLIDES, Deck, children, has_math, kind, paragraph_text
+from frame_rules import Fault, Frame, Surroundings, canonical, put_back, without_sizes
 
 
 def pieces(data, root):
@@ -31,10 +28,6 @@ def pieces(data, root):
     start = b"<" + p + b"(?:\\s[^>]*)?"
     pattern = b"(" + start + b"/>|" + start + b"(?<!/)>.*?</" + p + b"\\s*>)"
     return re.split(pattern, data, flags=re.S)
-
-
-def canonical(node):
-    return b"" if node is None else etree.tostring(node, method="c14n", exclusive=True, with_tail=False)
 
 
 def one(node, name):
@@ -51,17 +44,19 @@ def holds_text(run):
     return not kind(run, DRAWING, "r") or bool(run.findtext("{*}t"))
 
 
-def look(run):
-    """The run's properties but for the speller's notes, which a new text makes void."""
+def look(run, but_for):
+    """The run's properties but for the speller's notes, which a new text makes void, and BUT_FOR."""
     properties = one(run, "rPr")
-    if properties is not None:
-        properties = copy.deepcopy(properties)
-        for note in ("dirty", "err"):
-            properties.attrib.pop(note, None)
-    return canonical(properties)
+    if properties is None:
+        return b""
+    properties = copy.deepcopy(properties)
+    for name in ("dirty", "err", *but_for):
+        properties.attrib.pop(name, None)
+    bare = "sz" in but_for and not properties.attrib and not len(properties)
+    return b"" if bare else canonical(properties)
 
 
-def check_marked(before, after):
+def check_marked(before, after, frame):
     """BEFORE is the source's paragraph, AFTER the result's node."""
     text = paragraph_text(after)
     if text != before.expected:
@@ -74,11 +69,38 @@ def check_marked(before, after):
         raise Fault(f"{before.text!r} came back in {len(runs)} runs")
     # A break at the front has properties too, but it is the first letters that a reader sees.
     first = next(run for run in run_like(before.node) if holds_text(run) and not kind(run, DRAWING, "br"))
-    if look(first) != look(runs[0]):
+    but_for = ("sz",) if frame and not frame.same_size(before.node, first, after, runs[0]) else ()
+    if look(first, but_for) != look(runs[0], but_for):
         raise Fault(f"{before.text!r} does not look like its first run")
     others = [child for child in before.node if child not in run_like(before.node)]
     if [child.tag for child in others] != [child.tag for child in after if child not in run_like(after)]:
         raise Fault(f"{before.text!r} lost something beside its runs")
+
+
+def sized(paragraph):
+    """What of PARAGRAPH may have another size after a fit: what shows text; a mark that stands alone,
+    if a paragraph follows."""
+    runs = [child for child in paragraph if kind(child, DRAWING, "br")
+            or (kind(child, DRAWING, "r") or kind(child, DRAWING, "fld")) and child.findtext("{*}t")]
+    others = any(kind(child, (COMPATIBILITY,), "AlternateContent") or has_math(child) for child in paragraph)
+    follows = any(kind(node, DRAWING, "p") for node in paragraph.itersiblings())
+    return [one(paragraph, "endParaRPr")] if not runs and not others and follows else runs
+
+
+def check_kept(before, after, old, new, frame):
+    """OLD and NEW are the bytes of both paragraphs."""
+    if frame is None:
+        if old != new:
+            raise Fault(f"{before.text!r} changed, and is none to translate")
+        return
+    old_sized, new_sized = sized(before.node), sized(after)
+    rest = [[canonical(child) for child in node if child not in those]
+            for node, those in ((before.node, old_sized), (after, new_sized))]
+    if without_sizes(old) != without_sizes(new) or rest[0] != rest[1]:
+        raise Fault(f"{before.text!r} changed in more than its size, and is none to translate")
+    same = [frame.same_size(before.node, was, after, now) for was, now in zip(old_sized, new_sized)]
+    if old != new and all(same):
+        raise Fault(f"{before.text!r} says its size anew")
 
 
 def shown(text):
@@ -121,8 +143,14 @@ class Check:
             if before != after:
                 raise Fault("changed, and holds no paragraph")
             return
-        old, new = pieces(before, part.root), pieces(after, etree.fromstring(after))
-        nodes = [node for node in etree.fromstring(after).iter() if kind(node, DRAWING, "p")]
+        after_root = etree.fromstring(after)
+        frames = self.written(part, after_root) if before != after else []
+        after = put_back([frame for frame, _ in frames], before, after, part.root, after_root, not part.is_notes)
+        if part.is_notes:
+            frames = []  # no fit sees them, so no size may change
+        frame_of = {id(paragraph): frame for frame, held in frames for paragraph in held}
+        old, new = pieces(before, part.root), pieces(after, after_root)
+        nodes = [node for node in after_root.iter() if kind(node, DRAWING, "p")]
         if len(old) != 2 * len(part.paragraphs) + 1 or len(new) != 2 * len(nodes) + 1:
             raise Fault("its paragraphs cannot be told apart")
         if len(nodes) != sum(paragraph.fate != "gone" for paragraph in part.paragraphs):
@@ -138,28 +166,37 @@ class Check:
                 first -= 1
             if new[2 * at] != gap and not (first < index and new[2 * at].strip() == gap.strip()):
                 raise Fault(f"the markup before {paragraph.text!r} changed")
-            self.check_paragraph(part.name, paragraph, raw, new[2 * at + 1], nodes[at])
+            try:
+                self.check_paragraph(paragraph, raw, new[2 * at + 1], nodes[at], frame_of.get(id(paragraph)))
+            except Fault as fault:
+                self.fault(part.name, fault)
             at += 1
         if new[-1] != old[-1]:
             raise Fault("the markup behind its last paragraph changed")
+        for frame, held in frames:
+            for fault in frame.faults():
+                self.fault(part.name, f"the shape of {held[0].text!r}: {fault}")
 
-    def check_paragraph(self, name, paragraph, old, new, node):
-        if paragraph.has_math and paragraph.fate in ("mark", "joined", "open"):
-            if old != new:
-                self.fault(name, f"the equation in {paragraph.text!r} was touched")
-            elif paragraph.fate != "open":
+    def written(self, part, after_root):
+        """The shapes, not cells, whose text was written, each with its paragraphs."""
+        shapes = [[node for node in root.iter() if kind(node, SLIDES, "sp")] for root in (part.root, after_root)]
+        if len(shapes[0]) != len(shapes[1]):
+            raise Fault("it has other shapes")
+        after = dict(zip(*shapes))
+        around = Surroundings(self.source, part.name, part.is_notes)
+        return [(Frame(shape, after[shape], around), held) for shape, in_table, held in part.bodies
+                if not in_table and any(p.fate in ("mark", "joined") and not p.has_math for p in held)]
+
+    def check_paragraph(self, paragraph, old, new, node, frame):
+        if paragraph.fate in ("keep", "open") or paragraph.has_math:
+            check_kept(paragraph, node, old, new, frame)
+            if paragraph.fate in ("mark", "joined"):
                 self.withheld.append(paragraph.text)
                 if shown(paragraph.text)[:40].rstrip() not in self.report:
-                    self.fault(name, f"{paragraph.text!r} was not written, and the command does not say so")
-        elif paragraph.fate in ("keep", "open"):
-            if old != new:
-                self.fault(name, f"{paragraph.text!r} changed, and is none to translate")
+                    raise Fault(f"{paragraph.text!r} was not written, and the command does not say so")
         else:
-            try:
-                check_marked(paragraph, node)
-                self.marked += 1
-            except Fault as fault:
-                self.fault(name, fault)
+            check_marked(paragraph, node, frame)
+            self.marked += 1
 
 
 if __name__ == "__main__":

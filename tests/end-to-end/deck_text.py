@@ -103,6 +103,7 @@ class Part:
     is_notes: bool
     root: object
     paragraphs: list = field(default_factory=list)
+    bodies: list = field(default_factory=list)  # (shape or cell, is a cell, its paragraphs)
 
 
 def paragraph_text(node):
@@ -171,6 +172,7 @@ def decide(part):
     tree = child_of(part.root, SLIDES, "cSld", "spTree")
     for body, in_table in frames(tree) if tree is not None else []:
         held = [known[node] for node in children(body, DRAWING, "p")]
+        part.bodies.append((body.getparent(), in_table, held))
         texts = [paragraph.text for paragraph in held]
         if not in_table and not part.is_notes and goes_out_whole(texts):
             for paragraph in held:

@@ -194,6 +194,26 @@ TEST_F(Font, AScaleOfStrictFilesOrOfNonsenseIsTakenForWhatItIs) {
   EXPECT_EQ(Single(FontOf(3), u"Size"), 18.0f);
 }
 
+TEST_F(Font, ASizePutOnAnEmptyParagraphGoesToItsMark) {
+  const std::string gap = "<a:p><a:endParaRPr lang=\"de\" sz=\"2800\"/></a:p>";
+  const std::string open = "<a:p><a:pPr lvl=\"1\"/></a:p>";
+  OpenSlide(Box(TextPara("x") + gap + open + "<a:p/>" + TextPara("y") + gap));
+  const ObjectRef text = Range(1);
+  for (int run = 2; run <= 4; ++run) {
+    const ObjectRef font = Get(Part(text, u"Runs", run, 1), u"Font");
+    ASSERT_EQ(PutValue(font, u"Size", Variant::R4(14.0f)), kOk);
+    EXPECT_EQ(Single(font, u"Size"), 14.0f) << run;
+  }
+  // The last paragraph's mark is no character of the text.
+  EXPECT_NE(Saved().find(TextPara("x") +
+                         "<a:p><a:endParaRPr lang=\"de\" sz=\"1400\"/></a:p>"
+                         "<a:p><a:pPr lvl=\"1\"/><a:endParaRPr sz=\"1400\"/></a:p>"
+                         "<a:p><a:endParaRPr sz=\"1400\"/></a:p>" +
+                         TextPara("y") + gap),
+            std::string::npos)
+      << Saved();
+}
+
 TEST_F(Font, TheFontOfAWriteIsTheFirstRuns) {
   OpenSlide(
       Box(Para(RunXml("a", "<a:rPr sz=\"1000\"/>") + RunXml("b", "<a:rPr sz=\"3000\" b=\"1\"/>"))));
