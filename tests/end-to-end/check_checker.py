@@ -166,6 +166,12 @@ def main(path):
             assert not check.faults and check.marked > 30, (name, check.faults)
             assert check.withheld == ["Energy and mass: "], check.withheld
         assert Check(path, result, "").faults, "a text over an equation that nobody named went through"
+        for old, new, good in ((b"level", b"level, a second level", True), (b"level", b"lev", False),
+                               (b"level" + CLOSE, b"level, a", False)):
+            parts = dict(right)
+            swap(FIRST, b"A second " + old, b"A second " + new)(parts)
+            faults = Check(path, saved(result, parts), said, grown=True).faults
+            assert bool(faults) != good, (new, faults)
         for name, change in WRONG.items():
             parts = dict(right)
             change(parts)

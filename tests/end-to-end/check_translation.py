@@ -2,9 +2,9 @@
 """Compares a deck with its translation by the pseudo engine, which puts each text between U+27E6
 and U+27E7, and finds every text that was missed, marked twice or changed otherwise:
 
-    check_translation.py SOURCE RESULT [--report FILE]
+    check_translation.py SOURCE RESULT [--report FILE] [--grown]
 
-FILE is what the command printed; a text over an equation may stay as it was only if it is named
+With --grown the texts may have become longer. FILE is what the command printed; a text over an equation may stay as it was only if it is named
 there. Prints one line for each fault; exits with 1 if there is any.
 """
 import argparse
@@ -56,10 +56,18 @@ def look(run, but_for):
     return b"" if bare else canonical(properties)
 
 
-def check_marked(before, after, frame):
+def reads_right(text, expected, grown):
+    """A text that grew goes on behind the source's words, before the closing mark."""
+    if not grown:
+        return text == expected
+    begin, end = expected[:-1].rstrip(), expected[-1]
+    return text.startswith(begin) and text.endswith(end) and text.count(end) == expected.count(end)
+
+
+def check_marked(before, after, frame, grown):
     """BEFORE is the source's paragraph, AFTER the result's node."""
     text = paragraph_text(after)
-    if text != before.expected:
+    if not reads_right(text, before.expected, grown):
         raise Fault(f"reads {text!r} and not {before.expected!r}")
     for name in ("pPr", "endParaRPr"):
         if canonical(one(before.node, name)) != canonical(one(after, name)):
@@ -109,9 +117,10 @@ def shown(text):
 
 
 class Check:
-    def __init__(self, source, result, report=""):
+    def __init__(self, source, result, report="", grown=False):
         self.source, self.result = Deck(source), Deck(result)
         self.report = shown(report)
+        self.grown = grown
         self.faults = []
         self.marked = 0
         self.edited = []   # names of parts that changed
@@ -195,7 +204,7 @@ class Check:
                 if shown(paragraph.text)[:40].rstrip() not in self.report:
                     raise Fault(f"{paragraph.text!r} was not written, and the command does not say so")
         else:
-            check_marked(paragraph, node, frame)
+            check_marked(paragraph, node, frame, self.grown)
             self.marked += 1
 
 
@@ -204,8 +213,9 @@ if __name__ == "__main__":
     parser.add_argument("source")
     parser.add_argument("result")
     parser.add_argument("--report")
+    parser.add_argument("--grown", action="store_true")
     options = parser.parse_args()
     said = open(options.report, encoding="utf-8").read() if options.report else ""
-    check = Check(options.source, options.result, said)
+    check = Check(options.source, options.result, said, options.grown)
     print("\n".join(check.faults) or f"{check.marked} texts marked, {len(check.withheld)} over an equation kept")
     sys.exit(1 if check.faults else 0)

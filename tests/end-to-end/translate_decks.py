@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """Translates decks with the pseudo engine and checks each result by an independent reader:
 
-    translate_decks.py --command PROGRAM --decks FOLDER --output FOLDER [--schemas FOLDER] [--only NAME...]
+    translate_decks.py --command PROGRAM --decks FOLDER --output FOLDER [--schemas FOLDER]
+        [--growth FACTOR] [--only NAME...]
 
 A deck must end with 0, or with 3 when a text over an equation had to stay. A slide or notes part
 that was valid by the published schemas must still be.
@@ -35,12 +36,12 @@ def check_schemas(folder, source, result, edited):
             yield f"{name}: is no longer valid: {schema.error_log.last_error.message[:200]}"
 
 
-def check_deck(command, deck, output, schemas):
+def check_deck(command, deck, output, schemas, growth):
     result = output / deck.name
-    outcome = command.run("translate", deck, "--to", "es", "--engine", "pseudo", "--output", result)
+    outcome = command.run("translate", deck, "--to", "es", "--engine", "pseudo", "--growth", growth, "--output", result)
     if not result.exists():
         return [f"ended with {outcome.code} and left no deck: {outcome.err.strip()[-2000:]}"], outcome, 0
-    check = Check(deck, result, outcome.out + outcome.err)
+    check = Check(deck, result, outcome.out + outcome.err, growth > 1)
     faults = list(check.faults)
     expected = 3 if check.withheld else 0
     if outcome.code != expected:
@@ -58,6 +59,7 @@ def main():
     parser.add_argument("--decks", required=True, type=pathlib.Path)
     parser.add_argument("--output", required=True, type=pathlib.Path)
     parser.add_argument("--schemas", type=pathlib.Path)
+    parser.add_argument("--growth", type=float, default=1)
     parser.add_argument("--only", nargs="+", metavar="NAME")
     options = parser.parse_args()
     options.output.mkdir(parents=True, exist_ok=True)
@@ -70,7 +72,7 @@ def main():
     failed = 0
     with tempfile.TemporaryDirectory() as home, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         command = Command(options.command, home)
-        checks = pool.map(lambda deck: check_deck(command, deck, options.output, options.schemas), decks)
+        checks = pool.map(lambda deck: check_deck(command, deck, options.output, options.schemas, options.growth), decks)
         for deck, (faults, outcome, marked) in zip(decks, checks):
             failed += bool(faults)
             print(f"{'FAILED' if faults else 'ok':6} {marked:5} texts {outcome.seconds:6.2f} s  {deck.name}")
