@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "foundation/JsonText.h"
 #include "host/cli/Backend.h"
 #include "host/cli/Console.h"
 #include "host/cli/ExitCode.h"
@@ -20,7 +21,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr HostThread::TimerId kProgressTimer = 50;
+// Beyond the numbers that the windows of panes take for their own timers.
+constexpr HostThread::TimerId kProgressTimer = 0xFFFF0000;
 constexpr std::uint32_t kProgressMs = 1000;
 
 double MsSince(Clock::time_point start) {
@@ -51,7 +53,7 @@ class Command {
   int TranslateDeck(const DeckJob& job, const std::string& shownName);
   RunReport DriveRun(Host& host, const std::string& shownName);
   int Finish(Host& host, const DeckJob& job, const RunReport& report, Clock::time_point start);
-  void OnEvent(const RunEvent& event);
+  void OnEvent(const PageCall& event);
   void ShowProgress();
   int Refuse(const DeckJob& job, const std::string& sentence);
 
@@ -142,14 +144,12 @@ RunReport Command::DriveRun(Host& host, const std::string& shownName) {
   request.targetFont = ToWide(options_.font);
   request.accessToken = backend_->accessToken();
   RunListener listener;
-  listener.onEvent = [this](const RunEvent& event) { OnEvent(event); };
+  listener.onEvent = [this](const PageCall& event) { OnEvent(event); };
   listener.onEnded = [&report, &ended](const RunReport& of) {
     report = of;
     ended = true;
   };
   driver.Start(request, std::move(listener));
-  // An interrupt that came before there was a worker found nothing to cancel.
-  if (interrupts_.Asked()) driver.Cancel();
   // Keeps the time left running while an answer takes long.
   loop_.SetTimer(kProgressTimer, kProgressMs, [this] { ShowProgress(); });
   loop_.RunUntil([&ended] { return ended; });
@@ -158,28 +158,27 @@ RunReport Command::DriveRun(Host& host, const std::string& shownName) {
   return report;
 }
 
-void Command::OnEvent(const RunEvent& event) {
+void Command::OnEvent(const PageCall& event) {
   if (options_.json) {
     // The page's object with the event's name put in front of its fields.
-    const std::string payload = ToUtf8(EventPayload(event));
     console_.Event(std::string("{\"event\":\"")
-                       .append(ToUtf8(EventName(event.kind)))
+                       .append(ToUtf8(event.name))
                        .append("\",")
-                       .append(payload, 1));
+                       .append(ToUtf8(event.payload.substr(1))));
   }
-  switch (event.kind) {
-    case RunEventKind::kOnScanProgress:
-      if (event.phase == u"slides") progress_.slides = event.total;
-      break;
-    case RunEventKind::kOnReady:
-      progress_.texts = event.total;
-      translatingSince_ = Clock::now();
-      break;
-    case RunEventKind::kOnProgress:
-      progress_.textsDone = event.current;
-      break;
-    default:
-      return;
+  if (event.name == u"onProgress") {
+    progress_.textsDone = NumberIn(event, u"wordIndex");
+  } else if (event.name == u"onScanProgress") {
+    if (JsonGetString(event.payload, u"phase") == u"slides") {
+      progress_.slides = NumberIn(event, u"total");
+    }
+  } else if (event.name == u"onReady") {
+    progress_.texts = NumberIn(event, u"total");
+    translatingSince_ = Clock::now();
+    // An interrupt that came before there was a worker found nothing to cancel.
+    if (interrupts_.Asked()) driver_->Cancel();
+  } else {
+    return;
   }
   ShowProgress();
 }

@@ -67,12 +67,15 @@ void LoopThread::Sleep(std::uint32_t ms) {
 }
 
 bool LoopThread::Post(Callable call) {
+  bool first = false;
   {
     std::lock_guard lock(mutex_);
     if (closed_) return false;
+    first = posts_.empty();
     posts_.push_back({++postings_, std::move(call)});
   }
-  wake_.notify_all();
+  // Whoever waits waits for the first post, and a worker posts thousands.
+  if (first) wake_.notify_all();
   return true;
 }
 

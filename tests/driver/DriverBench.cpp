@@ -53,9 +53,8 @@ RunRequest DriverBench::Request() const {
 
 RunListener DriverBench::Listener() {
   RunListener listener;
-  listener.onEvent = [this](const RunEvent& event) {
-    events.push_back(ToUtf8(EventName(event.kind)) + ToUtf8(EventPayload(event)));
-    if (onEvent) onEvent(event);
+  listener.onEvent = [this](const PageCall& event) {
+    events.push_back(ToUtf8(event.name) + ToUtf8(event.payload));
   };
   listener.onEnded = [this](const RunReport& report) { reports.push_back(report); };
   return listener;
@@ -76,9 +75,13 @@ void DriverBench::Hold() {
   engine->hold = true;
 }
 
-void DriverBench::WaitUntilAsked(int times) {
+bool DriverBench::StartHeld() {
+  Hold();
+  if (!driver->Start(Request(), Listener())) return false;
+  loop.PumpPending();
   std::unique_lock lock(engine->mutex);
-  engine->changed.wait(lock, [&] { return engine->asked >= times; });
+  engine->changed.wait(lock, [&] { return engine->asked >= 1; });
+  return true;
 }
 
 void DriverBench::Release() {

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -50,7 +49,8 @@ class DriverBench {
   void RunToEnd();
   void RunToEnd(const RunRequest& request);
   void Hold();
-  void WaitUntilAsked(int times);
+  // A run whose worker waits inside its first request.
+  bool StartHeld();
   void Release();
   // Names alone, without scan and progress.
   std::vector<std::string> MainEvents() const;
@@ -63,7 +63,6 @@ class DriverBench {
   std::unique_ptr<RunDriver> driver;
   std::vector<std::string> events;  // name and payload
   std::vector<RunReport> reports;
-  std::function<void(const RunEvent&)> onEvent;
 };
 
 }  // namespace test

@@ -100,7 +100,7 @@ TEST(RunDriver, ASecondStartIsIgnoredWhileOneRuns) {
   bench.deck().AddSlide({TextShape(u"Hello")});
   ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
   EXPECT_FALSE(bench.driver->Start(bench.Request(), bench.Listener()));
-  EXPECT_TRUE(log.Has("PptPane start ignored: run in progress"));
+  EXPECT_EQ(log.CountContaining("PptPane start action="), 1);
   bench.loop.RunUntil([&] { return !bench.reports.empty(); });
   EXPECT_EQ(bench.reports.size(), 1u);
 }
@@ -138,12 +138,14 @@ TEST(RunDriver, WithoutAWindowTheRunIsTurnedAwayWithItsCode) {
   EXPECT_EQ(bench.reports[0].errorCode, u"pane_window_unavailable");
 }
 
-TEST(RunDriver, TheActiveWindowOfTwoIsTranslated) {
+TEST(RunDriver, TheWindowThatWasActiveAtFirstIsTranslated) {
   DriverBench bench;
   bench.deck().AddSlide({TextShape(u"First")});
   test::FakePresentation& second = bench.host.AddPresentation();
   second.AddSlide({TextShape(u"Second")});
   bench.host.activeWindow = bench.host.windows[1];
+  bench.driver = std::make_unique<RunDriver>(bench.host.Application(), bench.loop);
+  bench.host.activeWindow = bench.host.windows[0];
   bench.RunToEnd();
   EXPECT_EQ(bench.deck().slides[0]->shapes()[0]->Text(), u"First");
   EXPECT_EQ(second.slides[0]->shapes()[0]->Text(), u"T(Second)");
@@ -198,9 +200,7 @@ TEST(RunDriver, CancelEndsTheRunOnceItsRequestIsAnswered) {
   DriverBench bench;
   bench.deck().AddSlide({TextShape(u"One")});
   bench.deck().AddSlide({TextShape(u"Two")});
-  bench.Hold();
-  ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
-  bench.WaitUntilAsked(1);
+  ASSERT_TRUE(bench.StartHeld());
   bench.loop.Post([&] {
     bench.driver->Cancel();
     bench.Release();
@@ -211,12 +211,35 @@ TEST(RunDriver, CancelEndsTheRunOnceItsRequestIsAnswered) {
   EXPECT_EQ(bench.deck().slides[1]->shapes()[0]->Text(), u"Two");
 }
 
-TEST(RunDriver, CancelAlsoWakesAPausedRun) {
+TEST(RunDriver, ACancelBeforeTheWorkerIsThereReachesNothing) {
+  DriverBench bench;
+  bench.deck().AddSlide({TextShape(u"One")});
+  ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
+  bench.driver->Cancel();
+  bench.loop.RunUntil([&] { return !bench.reports.empty(); });
+  EXPECT_THAT(bench.MainEvents(), ElementsAre("onRunStarted", "onReady", "onComplete"));
+}
+
+TEST(RunDriver, ACancelOnceTextsAreReadyEndsTheRun) {
   DriverBench bench;
   bench.deck().AddSlide({TextShape(u"One")});
   bench.Hold();
-  ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
-  bench.WaitUntilAsked(1);
+  RunListener listener = bench.Listener();
+  listener.onEvent = [&, tell = listener.onEvent](const PageCall& event) {
+    tell(event);
+    if (event.name != u"onReady") return;
+    bench.driver->Cancel();
+    bench.Release();
+  };
+  ASSERT_TRUE(bench.driver->Start(bench.Request(), listener));
+  bench.loop.RunUntil([&] { return !bench.reports.empty(); });
+  EXPECT_THAT(bench.MainEvents(), ElementsAre("onRunStarted", "onReady", "onCancelled"));
+}
+
+TEST(RunDriver, CancelAlsoWakesAPausedRun) {
+  DriverBench bench;
+  bench.deck().AddSlide({TextShape(u"One")});
+  ASSERT_TRUE(bench.StartHeld());
   bench.driver->Pause();
   bench.Release();
   bench.loop.SetTimer(99, 300, [&] { bench.driver->Cancel(); });
@@ -228,9 +251,7 @@ TEST(RunDriver, APausedRunGoesOnWhenResumed) {
   DriverBench bench;
   bench.deck().AddSlide({TextShape(u"One")});
   bench.deck().AddSlide({TextShape(u"Two")});
-  bench.Hold();
-  ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
-  bench.WaitUntilAsked(1);
+  ASSERT_TRUE(bench.StartHeld());
   bench.driver->Pause();
   bench.Release();
   int ticksWhilePaused = 0;
@@ -274,6 +295,8 @@ TEST(RunDriver, ADriverThatGoesWhileItsWorkerCanEndTellsNothingMore) {
   DriverBench bench;
   bench.deck().AddSlide({TextShape(u"Hello")});
   ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
+  bench.loop.PumpPending();
+  bench.events.clear();
   bench.driver.reset();
   bench.loop.PumpPending();
   EXPECT_TRUE(bench.events.empty());
@@ -284,9 +307,7 @@ TEST(RunDriver, ADriverThatGoesWhileItsWorkerHangsReallyWaitsAndKeepsTheRunAlive
   DriverBench bench;
   const test::LogCapture log;
   bench.deck().AddSlide({TextShape(u"Hello")});
-  bench.Hold();
-  ASSERT_TRUE(bench.driver->Start(bench.Request(), bench.Listener()));
-  bench.WaitUntilAsked(1);
+  ASSERT_TRUE(bench.StartHeld());
   const auto start = std::chrono::steady_clock::now();
   bench.driver.reset();
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1999));

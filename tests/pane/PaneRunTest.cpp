@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
+#include <thread>
+
 #include "foundation/JsonText.h"
 #include "pane/PaneHarness.h"
 #include "pane/RunId.h"
@@ -409,6 +413,23 @@ TEST(NewRunId, IsNeverZeroAndGrowsEvenWhenTheClockIsBehind) {
   const std::uint64_t second = NewRunId(first + 1000);
   EXPECT_EQ(second, first + 1001);
   EXPECT_EQ(NewRunId(5), second + 1);
+}
+
+TEST(NewRunId, NoTwoThreadsGetTheSame) {
+  std::vector<std::vector<std::uint64_t>> ids(4);
+  std::vector<std::thread> threads;
+  for (auto& mine : ids) {
+    threads.emplace_back([&mine] {
+      for (std::uint64_t i = 0; i < 1000; ++i) mine.push_back(NewRunId(i));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::set<std::uint64_t> all;
+  for (const auto& mine : ids) {
+    EXPECT_TRUE(std::is_sorted(mine.begin(), mine.end()));
+    all.insert(mine.begin(), mine.end());
+  }
+  EXPECT_EQ(all.size(), 4000U);
 }
 
 }  // namespace

@@ -180,5 +180,8 @@ void CPptPane::PostToPage(const Wide& json) {
 
 void CPptPane::CallPage(const char16_t* name, const Wide& payload) {
   const Wide function = Wide(u"window.") + name;
-  RunScript(function + u"&&" + function + u"(" + payload + u")");
+  Wide script;
+  script.reserve(2 * function.size() + payload.size() + 4);
+  (((((script += function) += u"&&") += function) += u'(') += payload) += u')';
+  RunScript(script);
 }

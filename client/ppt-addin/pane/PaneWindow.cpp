@@ -1,5 +1,6 @@
 #include "pane/PaneWindow.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <exception>
@@ -26,27 +27,30 @@ bool PaneWindow::Post(Callable call) {
     const std::lock_guard lock(mutex_);
     if (!lives_) return false;
     number = ++postings_;
-    waiting_.emplace(number, std::move(call));
+    waiting_.emplace_back(number, std::move(call));
   }
-  if (thread_.Post([window = weak_from_this(), number] {
-        if (const std::shared_ptr<PaneWindow> held = window.lock()) held->Run(number);
+  if (thread_.Post([window = weak_from_this()] {
+        if (const std::shared_ptr<PaneWindow> held = window.lock()) held->RunNext();
       })) {
     return true;
   }
-  decltype(waiting_)::node_type lost;  // destroyed outside the lock
+  Callable lost;  // destroyed outside the lock
   const std::lock_guard lock(mutex_);
-  lost = waiting_.extract(number);
+  const auto found = std::find_if(waiting_.begin(), waiting_.end(),
+                                  [number](const Waiting& one) { return one.first == number; });
+  if (found == waiting_.end()) return false;
+  lost = std::move(found->second);
+  waiting_.erase(found);
   return false;
 }
 
-void PaneWindow::Run(std::uint64_t number) {
+void PaneWindow::RunNext() {
   Callable call;
   {
     const std::lock_guard lock(mutex_);
-    const auto found = waiting_.find(number);
-    if (found == waiting_.end()) return;
-    call = std::move(found->second);
-    waiting_.erase(found);
+    if (waiting_.empty()) return;
+    call = std::move(waiting_.front().second);
+    waiting_.pop_front();
   }
   if (!call) std::abort();
   try {

@@ -3,10 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "foundation/HostThread.h"
 
@@ -37,15 +38,17 @@ class PaneWindow : public std::enable_shared_from_this<PaneWindow> {
   bool lives() const;
 
  private:
-  void Run(std::uint64_t number);
+  using Waiting = std::pair<std::uint64_t, Callable>;  // numbered in the order of posting
+
+  void RunNext();
   HostThread::TimerId HostTimer(std::uint32_t id) const;
 
   HostThread& thread_;
   const std::uint32_t timerBase_;
   mutable std::mutex mutex_;
-  bool lives_ = true;                          // guarded
-  std::uint64_t postings_ = 0;                 // guarded
-  std::map<std::uint64_t, Callable> waiting_;  // guarded, by order of posting
+  bool lives_ = true;            // guarded
+  std::uint64_t postings_ = 0;   // guarded
+  std::deque<Waiting> waiting_;  // guarded; each has its post on the thread
 };
 
 // The one road from any thread to a pane's window thread. A null window, or one that has gone,

@@ -1,0 +1,62 @@
+#include "host/driver/HostedPane.h"
+
+#include <utility>
+
+#include "foundation/Automation.h"
+#include "foundation/HostId.h"
+#include "host/driver/IdleHands.h"
+#include "host/layout/DesktopFonts.h"
+#include "pane/HandOver.h"
+
+namespace {
+
+// Handles that no real window system would give out.
+constexpr std::uintptr_t kFirstPaneWindow = 0x61000;
+
+WindowContext ContextOf(AutomationObject* window) {
+  WindowContext context;
+  Variant hwnd;
+  if (Succeeded(AutoGet(window, u"HWND", hwnd))) VariantToWhole(hwnd, context.hwnd);
+  context.id = window->Identity();
+  return context;
+}
+
+// A pane may outlive its host, so these outlive every pane.
+InputState& Hands() {
+  static IdleHands hands;
+  return hands;
+}
+FontList& Fonts() {
+  static DesktopFonts fonts;
+  return fonts;
+}
+
+}  // namespace
+
+HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_ptr<WebView> page,
+                       RunObserver observer) {
+  static std::int32_t panesMade = 0;
+  DetectHost(application.get());
+  HandOver& block = HandOverBlock();
+  if (AutoGetObject(application.get(), u"ActiveWindow", block.window)) {
+    block.context = ContextOf(block.window.get());
+  }
+  block.app = std::move(application);
+  block.paneId = panesMade++;
+  PaneSurroundings surroundings{.thread = thread,
+                                .input = Hands(),
+                                .fonts = Fonts(),
+                                .observer = std::move(observer),
+                                .startWebView = {},
+                                .createWindow = {}};
+  surroundings.startWebView = [page = std::move(page)](CPptPane& pane) {
+    pane.AttachWebView(page);
+  };
+  pane_ = CPptPane::Create(std::move(surroundings));
+  block = {};
+  pane_->OnCreate(kFirstPaneWindow + static_cast<std::uintptr_t>(pane_->paneId));
+}
+
+HostedPane::~HostedPane() {
+  pane_->OnDestroy();
+}

@@ -1,0 +1,30 @@
+// A pane in the host's active window, made as a host program makes one: by the hand-over block,
+// with a window of its own and a page. Host thread only.
+#pragma once
+
+#include <memory>
+
+#include "foundation/AutomationObject.h"
+#include "foundation/HostThread.h"
+#include "foundation/WebView.h"
+#include "pane/CPptPane.h"
+
+class HostedPane {
+ public:
+  // Identifies the host by its application object. `thread` outlives the pane, and the worker of a
+  // run that hung when the pane went. `observer` gets the record of each run's end; may be empty.
+  HostedPane(ObjectRef application, HostThread& thread, std::shared_ptr<WebView> page,
+             RunObserver observer);
+  // The window's end: a run that lasts is aborted, with a wait of up to 2000 ms for its worker.
+  ~HostedPane();
+  HostedPane(const HostedPane&) = delete;
+  HostedPane& operator=(const HostedPane&) = delete;
+
+  // A message of the page arrives.
+  void Say(const Wide& json) { pane_->OnWebMessageReceived(json); }
+
+  CPptPane& pane() { return *pane_; }
+
+ private:
+  std::shared_ptr<CPptPane> pane_;
+};

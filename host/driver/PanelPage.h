@@ -1,0 +1,35 @@
+// The panel's page where there is no browser: it runs no script, but reads which of the page's
+// functions the pane calls. Host thread only.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "foundation/WebView.h"
+
+// One call of a page function, such as onReady({"runId":7,...}).
+struct PageCall {
+  WideView name;
+  WideView payload;  // the JSON object, braces included
+};
+
+// A whole number among the payload's own fields, which stand before any text; 0 when it is absent.
+std::int32_t NumberIn(const PageCall& call, WideView field);
+
+// Reads "window.NAME&&window.NAME(PAYLOAD)"; false for any other script.
+bool ReadPageCall(WideView script, PageCall& call);
+
+class PanelPage final : public WebView {
+ public:
+  // Hears every call of a function; what it gets is good during the call only.
+  explicit PanelPage(std::function<void(const PageCall&)> onCall);
+
+  void ExecuteScript(const Wide& script) override;
+  // Nobody here answers requests.
+  void PostWebMessageAsJson(const Wide&) override {}
+  void PutBounds(std::int32_t, std::int32_t) override {}
+  ResultCode Close() override;
+
+ private:
+  std::function<void(const PageCall&)> onCall_;
+};

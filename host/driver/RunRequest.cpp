@@ -1,0 +1,39 @@
+#include "host/driver/RunRequest.h"
+
+#include "foundation/JsonText.h"
+
+namespace {
+
+const char16_t* PanelMode(Scope scope) {
+  switch (scope) {
+    case Scope::kCurrentSlide:
+      return u"slide";
+    case Scope::kSelection:
+      return u"selection";
+    default:
+      return u"full";
+  }
+}
+
+}  // namespace
+
+Wide StartMessage(const RunRequest& request) {
+  Wide json = u"{";
+  const auto add = [&json](const char16_t* name, const Wide& value) {
+    if (json.size() > 1) json += u",";
+    json += Wide(u"\"") + name + u"\":\"" + JsonEscape(value) + u"\"";
+  };
+  add(u"action", request.scope == Scope::kSelection ? u"startSelection" : u"start");
+  add(u"panelMode", PanelMode(request.scope));
+  if (!request.targetLang.empty()) add(u"targetLang", request.targetLang);
+  if (!request.sourceLang.empty()) add(u"sourceLang", request.sourceLang);
+  // Said also when it is empty: a message without the key gets a font of the pane's own.
+  add(u"targetFont", request.targetFont);
+  if (!request.accessToken.empty()) add(u"accessToken", request.accessToken);
+  if (request.viaPage) {
+    json += u",\"nativeTranslateViaJs\":true";
+  } else {
+    add(u"transport", u"native");
+  }
+  return json + u"}";
+}
