@@ -15,7 +15,8 @@ from package import write_deck  # noqa: E402
 
 DECKS = {
     "frames-and-groups": lambda: [every_shape.placeholders(), every_shape.groups(), every_shape.equation()],
-    "shapes-and-tables": lambda: [every_shape.simple_shapes(), every_shape.tables()],
+    "simple-shapes": lambda: [every_shape.simple_shapes()],
+    "tables": lambda: [every_shape.tables()],
     "scripts-and-charts": lambda: [many_scripts.headings(), every_shape.chart(), every_shape.hidden(),
                                    many_scripts.script_slide(*many_scripts.SCRIPTS[0])],
 }

@@ -6,6 +6,7 @@
 
 #include "foundation/JsonText.h"
 #include "pane/HandOver.h"
+#include "support/PageAnswers.h"
 
 namespace test {
 
@@ -111,7 +112,7 @@ bool PaneHarness::RunUntil(const std::function<bool()>& done) {
     RunPosts();
     if (done()) return true;
     if (std::chrono::steady_clock::now() > end) return false;
-    thread.WaitForOutsideWork(1);
+    thread.WaitForPostOrOutsideWork(1);
   }
 }
 
@@ -158,27 +159,10 @@ std::vector<Wide> PaneHarness::Requests(const char16_t* action) const {
   return requests;
 }
 
-Wide PaneHarness::Answer(const Wide& request) {
-  Wide json = u"{\"action\":\"translateBatchResult\",\"requestId\":\"" +
-              JsonGetString(request, u"requestId") + u"\",\"ok\":true,\"translations\":[";
-  const char16_t* comma = u"";
-  for (const Wide& text : JsonGetStringArray(request, u"texts")) {
-    json += comma;
-    json += u"\"T(" + JsonEscape(text) + u")\"";
-    comma = u",";
-  }
-  return json + u"]}";
-}
-
 void PaneHarness::OnMessage(const Wide& json) {
-  Wide answer;
-  if (JsonGetString(json, u"action") == u"translateBatchRequest" && pageAnswers) {
-    answer = Answer(json);
-  } else if (JsonGetString(json, u"action") == u"terminologyResolveRequest" && pageAnswersTerms) {
-    answer = u"{\"action\":\"terminologyResolveResult\",\"requestId\":\"" +
-             JsonGetString(json, u"requestId") + u"\",\"ok\":true,\"result\":{}}";
-  }
-  if (answer.empty()) return;
+  const bool terms = JsonGetString(json, u"action") == u"terminologyResolveRequest";
+  const Wide answer = AnswerTo(json);
+  if (answer.empty() || !(terms ? pageAnswersTerms : pageAnswers)) return;
   thread.Post([weak = std::weak_ptr(pane), answer] {
     if (const auto held = weak.lock()) held->OnWebMessageReceived(answer);
   });

@@ -57,8 +57,6 @@ class PaneHarness {
   std::vector<std::string> MainEvents() const;
   // The requests that the page got, as they came.
   std::vector<Wide> Requests(const char16_t* action = u"translateBatchRequest") const;
-  // The page's answer to a request message, every text as "T(text)".
-  static Wide Answer(const Wide& request);
 
   std::shared_ptr<FakeHost> hostRef;
   std::shared_ptr<ManualHostThread> threadRef;

@@ -9,10 +9,12 @@
 #include "pane/RunId.h"
 #include "run/StaGate.h"
 #include "support/LogCapture.h"
+#include "support/PageAnswers.h"
 #include "translate/Endpoint.h"
 
 namespace {
 
+using test::AnswerTo;
 using test::LogCapture;
 using test::PaneHarness;
 using Texts = std::vector<std::string>;
@@ -339,7 +341,7 @@ TEST(CancelRun, EndsTheRunAndTellsThePageToDropIt) {
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);
   EXPECT_EQ(shape->Text(), u"hello");
   // An answer that comes too late finds nobody.
-  h.SayWide(PaneHarness::Answer(h.Requests()[0]));
+  h.SayWide(AnswerTo(h.Requests()[0]));
   EXPECT_EQ(shape->Text(), u"hello");
 }
 
@@ -368,7 +370,7 @@ TEST(PauseAndResume, APausedRunSendsNothingUntilItIsResumed) {
   h.Say(R"({"action":"pause"})");
   ASSERT_NE(h.pane->runControl, nullptr);
   EXPECT_EQ(h.pane->runControl->paused, 1);
-  h.SayWide(PaneHarness::Answer(h.Requests()[0]));
+  h.SayWide(AnswerTo(h.Requests()[0]));
   h.pageAnswers = true;
   for (int i = 0; i < 50; ++i) h.Tick();
   EXPECT_EQ(h.Requests().size(), 1U);
@@ -385,7 +387,7 @@ TEST(PauseAndResume, ACancelWakesAPausedRun) {
   h.Say(R"({"action":"start"})");
   ASSERT_TRUE(h.WaitForRequests(1));
   h.Say(R"({"action":"pause"})");
-  h.SayWide(PaneHarness::Answer(h.Requests()[0]));
+  h.SayWide(AnswerTo(h.Requests()[0]));
   h.Say(R"({"action":"cancel"})");
   h.Finish();
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);

@@ -5,9 +5,11 @@
 #include "pane/PaneHarness.h"
 #include "run/StaGate.h"
 #include "support/LogCapture.h"
+#include "support/PageAnswers.h"
 
 namespace {
 
+using test::AnswerTo;
 using test::PaneHarness;
 
 struct Outcome {
@@ -116,7 +118,7 @@ TEST(Reentry, TheWindowsEndInsideATickLetsThatTickEndTheRun) {
   h.pageAnswers = false;
   h.Say(R"({"action":"start"})");
   ASSERT_TRUE(h.WaitForRequests(1));
-  h.SayWide(PaneHarness::Answer(h.Requests()[0]));
+  h.SayWide(AnswerTo(h.Requests()[0]));
   ASSERT_TRUE(h.WaitForRequests(2));  // the first slide is ready, the worker waits
   const std::weak_ptr<CPptPane> weak = h.pane;
   h.host.onCall = [&](const std::string&) {

@@ -44,6 +44,7 @@ bool ManualHostThread::Post(Callable call) {
   if (refusesPosts) return false;
   const std::lock_guard lock(mutex_);
   posts_.emplace_back(++postings_, std::move(call));
+  changed_.notify_all();
   return true;
 }
 
@@ -123,6 +124,12 @@ int ManualHostThread::outsideWork() {
 bool ManualHostThread::WaitForOutsideWork(std::uint32_t ms) {
   std::unique_lock lock(mutex_);
   return changed_.wait_for(lock, std::chrono::milliseconds(ms), [this] { return outside_ <= 0; });
+}
+
+void ManualHostThread::WaitForPostOrOutsideWork(std::uint32_t ms) {
+  std::unique_lock lock(mutex_);
+  changed_.wait_for(lock, std::chrono::milliseconds(ms),
+                    [this] { return outside_ <= 0 || !posts_.empty(); });
 }
 
 }  // namespace test

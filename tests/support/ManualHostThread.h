@@ -48,6 +48,8 @@ class ManualHostThread final : public HostThread {
   int outsideWork();
   // Blocks for at most `ms` of real time; true when no outside work is left.
   bool WaitForOutsideWork(std::uint32_t ms);
+  // The same, and a post that waits ends it too.
+  void WaitForPostOrOutsideWork(std::uint32_t ms);
 
   // What Sleep was asked for, in order.
   std::vector<std::uint32_t> sleeps;
