@@ -88,6 +88,18 @@ TEST(ReadSelectionPreview, CountsShapesAndInsideAGroupThoseAlone) {
   EXPECT_EQ(host.Read().fragments, 2);
 }
 
+TEST(ReadSelectionPreview, MembersOfAGroupThatCannotBeHadAreEmptyAndNotTheirGroup) {
+  SelectionHost host;
+  host.Select(2, u"ShapeRange", 2009, ppt::kShapeRange, 9, 1);
+  host.selection->Value(u"HasChildShapeRange", 2012, Variant::Bool(true));
+  host.selection->Fails(u"ChildShapeRange", 2011, kFail);
+  EXPECT_TRUE(host.Read().empty);
+  host.Select(2, u"ChildShapeRange", 2011, ppt::kShapeRange, 9, 0);
+  EXPECT_TRUE(host.Read().empty);
+  host.selection->Fails(u"HasChildShapeRange", 2012, kFail);
+  EXPECT_EQ(host.Read().fragments, 1);
+}
+
 TEST(ReadSelectionPreview, AnotherWindowOrNoneAndEveryFailureIsEmpty) {
   SelectionHost host;
   host.Select(1, u"SlideRange", 2008, ppt::kSlideRange, 11, 3);

@@ -33,16 +33,15 @@ std::int32_t CountOf(AutomationObject* selection, const TypedMember& range,
   return count < 0 ? 0 : count;
 }
 
-// A shape selected inside a group counts alone and not as its whole group.
+// Shapes selected inside a group count alone and not as their whole group. A host that cannot say
+// whether there are any has none.
 std::int32_t CountShapes(AutomationObject* selection) {
   std::int32_t hasChildren = 0;
-  ObjectRef children;
-  if (TypedGetWhole(selection, ppt::selection::kHasChildShapeRange, hasChildren) &&
-      hasChildren == kTrue &&
-      TypedGetObject(selection, ppt::selection::kChildShapeRange, children)) {
-    return CountOf(selection, ppt::selection::kChildShapeRange, ppt::shapeRange::kCount);
-  }
-  return CountOf(selection, ppt::selection::kShapeRange, ppt::shapeRange::kCount);
+  TypedGetWhole(selection, ppt::selection::kHasChildShapeRange, hasChildren);
+  return CountOf(
+      selection,
+      hasChildren == kTrue ? ppt::selection::kChildShapeRange : ppt::selection::kShapeRange,
+      ppt::shapeRange::kCount);
 }
 
 }  // namespace
