@@ -14,7 +14,8 @@ constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 
 }  // namespace
 
-SlidePart::SlidePart(std::string bytes) : bytes_(std::move(bytes)), names_(bytes_) {}
+SlidePart::SlidePart(std::string bytes)
+    : bytes_(std::move(bytes)), names_(bytes_), formats_(names_, bytes_) {}
 
 std::unique_ptr<SlidePart> SlidePart::Parse(std::string bytes) {
   std::unique_ptr<SlidePart> part(new SlidePart(std::move(bytes)));
@@ -29,7 +30,7 @@ std::unique_ptr<SlidePart> SlidePart::Parse(std::string bytes) {
 TextBody* SlidePart::Body(pugi::xml_node node) {
   if (!node) return nullptr;
   std::unique_ptr<TextBody>& body = bodies_[node.internal_object()];
-  if (!body) body = std::make_unique<TextBody>(names_, bytes_, node);
+  if (!body) body = std::make_unique<TextBody>(names_, bytes_, formats_, node);
   return body.get();
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/deck/FrameProps.h"
+#include "host/deck/RunFormats.h"
 #include "host/deck/ShapeTree.h"
 #include "host/deck/TableGrid.h"
 #include "host/deck/TextBody.h"
@@ -72,6 +73,7 @@ class SlidePart {
   XmlNames names_;
   pugi::xml_document document_;
   ShapeTree shapes_;
+  RunFormats formats_;
   std::unordered_map<const void*, std::unique_ptr<TextBody>> bodies_;
   std::vector<TextBody*> shapeTexts_;  // by shape, as far as they were asked for
   std::unordered_map<std::uint32_t, std::unique_ptr<TableGrid>> tables_;

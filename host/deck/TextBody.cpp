@@ -25,8 +25,9 @@ Wide RunText(const XmlNames& names, pugi::xml_node run) {
 
 }  // namespace
 
-TextBody::TextBody(const XmlNames& names, std::string_view bytes, pugi::xml_node node)
-    : names_(names), bytes_(bytes), node_(node) {
+TextBody::TextBody(const XmlNames& names, std::string_view bytes, RunFormats& formats,
+                   pugi::xml_node node)
+    : names_(names), bytes_(bytes), formats_(formats), node_(node) {
   for (const pugi::xml_node child : node.children()) {
     if (child.type() != pugi::node_element || names.SpaceOf(child) != kA) continue;
     if (prefix_.empty()) prefix_ = PrefixWithColon(child.name());
@@ -151,16 +152,26 @@ pugi::xml_node TextBody::EndNode(const Para& para) const {
   return names_.Child(para.node, kA, "endParaRPr");
 }
 
-CharProps TextBody::OwnProps(const TextPiece& piece) const {
-  return piece.own ? piece.own->props : ParseCharProps(names_, FormatNode(piece));
+const RunFormatRef& TextBody::FormatOf(const TextPiece& piece) const {
+  if (piece.own) return piece.own;
+  if (!piece.read) piece.read = formats_.OfElement(FormatNode(piece));
+  return piece.read;
 }
 
-CharProps TextBody::EndProps(const Para& para) const {
-  return para.ownEnd ? para.ownEnd->props : ParseCharProps(names_, EndNode(para));
+const RunFormatRef& TextBody::EndFormat(const Para& para) const {
+  if (para.ownEnd) return para.ownEnd;
+  if (!para.readEnd) para.readEnd = formats_.OfElement(EndNode(para));
+  return para.readEnd;
 }
 
-void TextBody::InheritLevel(const Para& para, CharProps& props) const {
-  if (style_ != nullptr) Inherit(props, style_->levels[para.level]);
+const CharProps& TextBody::ShownProps(const Para& para, const RunFormatRef& format) const {
+  if (style_ == nullptr) return format->props;
+  for (const ShownFormat& shown : shown_) {
+    if (shown.format == format && shown.level == para.level) return shown.props;
+  }
+  ShownFormat& made = shown_.emplace_back(ShownFormat{format, para.level, format->props});
+  Inherit(made.props, style_->levels[para.level]);
+  return made.props;
 }
 
 void TextBody::VisitProps(TextSpan span, const std::function<bool(const CharProps&)>& visit) {
@@ -177,19 +188,15 @@ void TextBody::VisitProps(TextSpan span, const std::function<bool(const CharProp
       const std::size_t behind = at + piece.text.size();
       if (piece.kind != TextPiece::Kind::kOpaque && !piece.text.empty()) {
         if (behind > start && at < end) {
-          CharProps props = OwnProps(piece);
-          InheritLevel(para, props);
           visited = true;
-          if (!visit(props)) return;
+          if (!visit(ShownProps(para, FormatOf(piece)))) return;
         }
         if (before == nullptr || behind <= start) before = &piece;
       }
       at = behind;
     }
     if (visited || (at < end && index + 1 < paragraphs_.size() && at + 1 < end)) continue;
-    CharProps props = before != nullptr ? OwnProps(*before) : EndProps(para);
-    InheritLevel(para, props);
-    visit(props);
+    visit(ShownProps(para, before != nullptr ? FormatOf(*before) : EndFormat(para)));
     return;
   }
 }
@@ -202,25 +209,23 @@ std::vector<TextSpan> TextBody::Runs(TextSpan span) {
        index < paragraphs_.size() && Paragraph(index).start < end; ++index) {
     const Para& para = paragraphs_[index];
     std::size_t at = Paragraph(index).start;
-    CharProps last;
-    bool open = false;
+    const RunFormat* last = nullptr;
     for (const TextPiece& piece : para.pieces) {
       const std::size_t from = std::max(at, span.start);
       const std::size_t to = std::min(at + piece.text.size(), end);
       at += piece.text.size();
       if (from >= to) continue;
-      CharProps props = OwnProps(piece);
-      if (open && props == last) {
+      const RunFormat* const format = FormatOf(piece).get();
+      if (last != nullptr && (format == last || format->props == last->props)) {
         runs.back().length += to - from;
       } else {
         runs.push_back({from, to - from});
       }
-      last = std::move(props);
-      open = true;
+      last = format;
     }
     // The mark belongs to the paragraph's last run, or stands alone.
     if (index + 1 < paragraphs_.size() && at >= span.start && at < end) {
-      if (open)
+      if (last != nullptr)
         ++runs.back().length;
       else
         runs.push_back({at, 1});

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <pugixml.hpp>
@@ -18,6 +19,7 @@
 #include "foundation/Wide.h"
 #include "host/deck/CharProps.h"
 #include "host/deck/ParagraphProps.h"
+#include "host/deck/RunFormats.h"
 #include "host/deck/XmlNames.h"
 #include "host/package/Splice.h"
 
@@ -44,21 +46,15 @@ struct TextSpan {
 // A paragraph as the layout takes it: what stands in it, with inheritance from the body's style
 // but for the properties that only a layout asks for.
 struct ShownPiece {
-  WideView text;  // good until the next edit
-  CharProps props;
-  TextExtras extras;  // as the run says, nothing inherited
+  WideView text;                       // good until the next edit, as are the two below
+  const CharProps* props = nullptr;    // never null
+  const TextExtras* extras = nullptr;  // as the run says, nothing inherited; never null
 };
 struct ShownParagraph {
   pugi::xml_node properties;  // its a:pPr, may be null
   std::size_t level = 0;      // 0-based
   std::vector<ShownPiece> pieces;
   ShownPiece mark;
-};
-
-// A run's properties as an edit left them.
-struct OwnFormat {
-  std::string raw;  // the whole a:rPr; empty for none
-  CharProps props;
 };
 
 // What stands in a paragraph, in order.
@@ -76,15 +72,17 @@ struct TextPiece {
   std::int32_t place = -1;
   pugi::xml_node node;
   Wide text;
-  std::shared_ptr<const OwnFormat> own;  // null: as in `node`
+  RunFormatRef own;           // as an edit left it; null: as in `node`
+  mutable RunFormatRef read;  // of `node`, once it was asked for
 
   bool Untouched() const { return !textChanged && !formatChanged && node; }
 };
 
 class TextBody {
  public:
-  // `names` and `bytes` belong to the part and outlive the body.
-  TextBody(const XmlNames& names, std::string_view bytes, pugi::xml_node node);
+  // `names`, `bytes` and `formats` belong to the part and outlive the body.
+  TextBody(const XmlNames& names, std::string_view bytes, RunFormats& formats,
+           pugi::xml_node node);
 
   std::size_t Length() const { return length_; }
   Wide Text(TextSpan span);
@@ -115,7 +113,10 @@ class TextBody {
   void VisitParagraphs(const std::function<void(const ShownParagraph&)>& visit) const;
 
   // Set once by the part's owner before properties are asked for.
-  void SetStyle(std::shared_ptr<const BodyStyle> style) { style_ = std::move(style); }
+  void SetStyle(std::shared_ptr<const BodyStyle> style) {
+    style_ = std::move(style);
+    shown_.clear();
+  }
   const BodyStyle* style() const { return style_.get(); }
   pugi::xml_node node() const { return node_; }
 
@@ -131,7 +132,8 @@ class TextBody {
     std::size_t length = 0;    // without the mark
     std::size_t level = 0;     // 0-based
     std::vector<TextPiece> pieces;
-    std::shared_ptr<const OwnFormat> ownEnd;  // a:endParaRPr as edited or added, as raw a:rPr
+    RunFormatRef ownEnd;           // a:endParaRPr as edited or added, as raw a:rPr
+    mutable RunFormatRef readEnd;  // of the node's a:endParaRPr, once it was asked for
     bool edited = false;
   };
 
@@ -140,15 +142,12 @@ class TextBody {
   void EnsureStarts(std::size_t index);
   TextSpan WholePairs(TextSpan span);
   void Touch(std::size_t paragraph);
-  CharProps OwnProps(const TextPiece& piece) const;
-  CharProps EndProps(const Para& para) const;
-  TextExtras ExtrasOf(const OwnFormat& format) const;
-  void InheritLevel(const Para& para, CharProps& props) const;
-  std::string RawFormat(const TextPiece& piece) const;
+  const RunFormatRef& FormatOf(const TextPiece& piece) const;
+  const RunFormatRef& EndFormat(const Para& para) const;
+  // With inheritance; good until the next edit.
+  const CharProps& ShownProps(const Para& para, const RunFormatRef& format) const;
   std::string RawElement(pugi::xml_node node) const;
-  std::shared_ptr<const OwnFormat> MakeFormat(std::string raw) const;
-  std::shared_ptr<const OwnFormat> FormatForText(const Para& para, std::size_t from,
-                                                 std::size_t to) const;
+  RunFormatRef FormatForText(const Para& para, std::size_t from, std::size_t to) const;
   static bool HoldsOpaque(const Para& para, std::size_t from, std::size_t to);
   void SplitAt(Para& para, std::size_t position);
   pugi::xml_node FormatNode(const TextPiece& piece) const;
@@ -158,8 +157,16 @@ class TextBody {
   std::string ParagraphXml(const Para& para) const;
   void AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) const;
 
+  // What a format comes to at one level.
+  struct ShownFormat {
+    RunFormatRef format;
+    std::size_t level = 0;
+    CharProps props;
+  };
+
   const XmlNames& names_;
   std::string_view bytes_;
+  RunFormats& formats_;
   pugi::xml_node node_;
   std::string prefix_;  // of the drawing namespace, with its colon
   std::vector<Para> paragraphs_;
@@ -170,6 +177,7 @@ class TextBody {
   bool edited_ = false;
   std::uint64_t revision_ = 0;
   std::shared_ptr<const BodyStyle> style_;
+  mutable std::deque<ShownFormat> shown_;  // its entries keep their places
 };
 
 }  // namespace deck

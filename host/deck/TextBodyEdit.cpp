@@ -53,8 +53,7 @@ std::vector<WideView> SplitParagraphs(WideView text) {
   }
 }
 
-void AppendPieces(WideView text, const std::shared_ptr<const OwnFormat>& format,
-                  std::vector<TextPiece>& pieces) {
+void AppendPieces(WideView text, const RunFormatRef& format, std::vector<TextPiece>& pieces) {
   while (!text.empty()) {
     TextPiece piece;
     piece.own = format;
@@ -76,20 +75,6 @@ std::string TextBody::RawElement(pugi::xml_node node) const {
   if (!node) return {};
   const ElementSpan span = FindElement(bytes_, static_cast<std::size_t>(node.offset_debug()));
   return span.found ? std::string(bytes_.substr(span.begin, span.end - span.begin)) : std::string();
-}
-
-std::string TextBody::RawFormat(const TextPiece& piece) const {
-  return piece.own ? piece.own->raw : RawElement(FormatNode(piece));
-}
-
-std::shared_ptr<const OwnFormat> TextBody::MakeFormat(std::string raw) const {
-  auto format = std::make_shared<OwnFormat>();
-  if (!raw.empty()) {
-    pugi::xml_document document;
-    if (ParseXml(document, raw)) format->props = ParseCharProps(names_, document.first_child());
-  }
-  format->raw = std::move(raw);
-  return format;
 }
 
 bool TextBody::HoldsOpaque(const Para& para, std::size_t from, std::size_t to) {
@@ -127,8 +112,7 @@ void TextBody::SplitAt(Para& para, std::size_t position) {
   }
 }
 
-std::shared_ptr<const OwnFormat> TextBody::FormatForText(const Para& para, std::size_t from,
-                                                         std::size_t to) const {
+RunFormatRef TextBody::FormatForText(const Para& para, std::size_t from, std::size_t to) const {
   const TextPiece* chosen = nullptr;
   const TextPiece* lineBreak = nullptr;
   const TextPiece* before = nullptr;
@@ -148,17 +132,10 @@ std::shared_ptr<const OwnFormat> TextBody::FormatForText(const Para& para, std::
     at = end;
   }
   if (chosen == nullptr) chosen = lineBreak != nullptr ? lineBreak : before;
-  if (chosen != nullptr) {
-    if (chosen->own && chosen->own->raw.empty()) return chosen->own;
-    auto format = std::make_shared<OwnFormat>();
-    format->raw = ForNewText(RawFormat(*chosen));
-    format->props = OwnProps(*chosen);
-    return format;
-  }
-  auto format = std::make_shared<OwnFormat>();
+  if (chosen != nullptr) return formats_.ForNewText(FormatOf(*chosen));
   if (para.ownEnd) return para.ownEnd;
-  format->raw = ForNewText(RenamedElement(RawElement(EndNode(para)), prefix_ + "rPr"));
-  format->props = EndProps(para);
+  auto format = std::make_shared<RunFormat>(*EndFormat(para));
+  format->raw = ForNewText(RenamedElement(format->raw, prefix_ + "rPr"));
   return format;
 }
 
@@ -209,7 +186,7 @@ bool TextBody::PutText(TextSpan& place, WideView text) {
     --last;
     to = paragraphs_[last].length;
   }
-  std::shared_ptr<const OwnFormat> format;
+  RunFormatRef format;
   for (std::size_t i = first; i <= last; ++i) {
     const Para& para = paragraphs_[i];
     const std::size_t partFrom = i == first ? from : 0;
@@ -300,10 +277,10 @@ void TextBody::EditProps(TextSpan range, const PropertiesEdit& edit) {
     for (TextPiece& piece : para.pieces) {
       const std::size_t pieceEnd = at + piece.text.size();
       if (piece.kind != TextPiece::Kind::kOpaque && pieceEnd > from && at < to) {
-        const std::string raw = RawFormat(piece);
+        const std::string& raw = FormatOf(piece)->raw;
         std::string edited = edit(raw, prefix_);
         if (edited != raw) {
-          piece.own = MakeFormat(std::move(edited));
+          piece.own = formats_.OfText(std::move(edited));
           piece.formatChanged = true;
           changed = true;
         }

@@ -96,7 +96,9 @@ XmlNames::XmlNames(std::string_view bytes) {
     }
     if (known) continue;
     const XmlNamespace space = NamespaceOf(uri);
-    bindings_.push_back({std::string(prefix), std::move(uri), space});
+    Binding binding{std::string(prefix), {}, std::move(uri), space};
+    if (!prefix.empty()) binding.qualifier.assign(prefix).append(":");
+    bindings_.push_back(std::move(binding));
   }
 }
 
@@ -123,19 +125,45 @@ XmlNamespace XmlNames::SpaceOfPrefix(pugi::xml_node node, std::string_view prefi
   return XmlNamespace::kOther;
 }
 
+bool XmlNames::Bears(const Binding& binding, const char* qualified) {
+  const std::string& qualifier = binding.qualifier;
+  if (qualifier.empty()) return std::strchr(qualified, ':') == nullptr;
+  return std::strncmp(qualified, qualifier.c_str(), qualifier.size()) == 0;
+}
+
 XmlNamespace XmlNames::SpaceOf(pugi::xml_node node) const {
-  std::string_view prefix = PrefixWithColon(node.name());
+  const char* const name = node.name();
+  if (!ambiguous_) {
+    for (const Binding& binding : bindings_) {
+      if (Bears(binding, name)) return binding.space;
+    }
+    return XmlNamespace::kOther;
+  }
+  std::string_view prefix = PrefixWithColon(name);
   if (!prefix.empty()) prefix.remove_suffix(1);
   return SpaceOfPrefix(node, prefix);
 }
 
 bool XmlNames::Is(pugi::xml_node node, XmlNamespace space, const char* local) const {
-  return std::strcmp(LocalName(node.name()), local) == 0 && SpaceOf(node) == space;
+  const char* const name = node.name();
+  if (ambiguous_ || space == XmlNamespace::kOther) {
+    return std::strcmp(LocalName(name), local) == 0 && SpaceOf(node) == space;
+  }
+  // The whole name is compared at once: it is looked for far more often than found.
+  for (const Binding& binding : bindings_) {
+    if (binding.space != space) continue;
+    const std::size_t size = binding.qualifier.size();
+    if (std::strncmp(name, binding.qualifier.c_str(), size) == 0 &&
+        std::strcmp(name + size, local) == 0) {
+      return true;
+    }
+  }
+  return false;
 }
 
 pugi::xml_node XmlNames::Child(pugi::xml_node parent, XmlNamespace space, const char* local) const {
   for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
-    if (child.type() == pugi::node_element && Is(child, space, local)) return child;
+    if (Is(child, space, local) && child.type() == pugi::node_element) return child;
   }
   return {};
 }

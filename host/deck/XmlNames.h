@@ -31,15 +31,20 @@ class XmlNames {
   pugi::xml_node Child(pugi::xml_node parent, XmlNamespace space, const char* local) const;
   // The value of r:id, r:embed and the like; empty when absent.
   std::string_view RelationshipAttribute(pugi::xml_node node, const char* local) const;
+  // Whether one prefix stands for two namespaces in different places.
+  bool Ambiguous() const { return ambiguous_; }
   // The URI that a prefix stands for at this node; empty when it is not bound.
   std::string UriOfPrefix(pugi::xml_node node, std::string_view prefix) const;
 
  private:
   struct Binding {
     std::string prefix;
+    std::string qualifier;  // the prefix with its colon
     std::string uri;
     XmlNamespace space;
   };
+  // Whether the name stands under the binding, not knowing of other places.
+  static bool Bears(const Binding& binding, const char* qualified);
   XmlNamespace SpaceOfPrefix(pugi::xml_node node, std::string_view prefix) const;
 
   std::vector<Binding> bindings_;

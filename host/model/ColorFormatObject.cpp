@@ -107,26 +107,27 @@ deck::TextBody* ColorFormatObject::Body() const {
   return body;
 }
 
-// The one plain colour of the range; false where it varies or is no plain colour.
-bool ColorFormatObject::Common(ColorSpec& color) const {
+// The one plain colour of the range, good until the next edit; null where it varies or is no plain
+// colour.
+const ColorSpec* ColorFormatObject::Common() const {
   deck::TextBody* const body = Body();
-  if (body == nullptr) return false;
-  bool any = false;
+  if (body == nullptr) return nullptr;
+  const ColorSpec* color = nullptr;
   bool same = true;
   body->VisitProps(span_, [&](const deck::CharProps& props) {
-    same = !any || props.color == color;
-    color = props.color;
-    any = true;
+    same = color == nullptr || color == &props.color || *color == props.color;
+    color = &props.color;
     return same;
   });
-  return any && same && color.kind != ColorSpec::Kind::kNoPlain;
+  const bool plain = color != nullptr && same && color->kind != ColorSpec::Kind::kNoPlain;
+  return plain ? color : nullptr;
 }
 
 ResultCode ColorFormatObject::Put(const ColorSpec& color) const {
-  ColorSpec now;
   deck::TextBody* const body = Body();
   if (body == nullptr || deck().PartOf(address_.page).empty()) return kHostException;
-  if (Common(now) && now == color) return kOk;
+  const ColorSpec* const now = Common();
+  if (now != nullptr && *now == color) return kOk;
   body->EditProps(span_, [&](std::string_view raw, std::string_view prefix) {
     return deck::WithSolidFill(raw, prefix, ColorXml(color, prefix));
   });
@@ -134,19 +135,19 @@ ResultCode ColorFormatObject::Put(const ColorSpec& color) const {
 }
 
 ResultCode ColorFormatObject::Type(Args, Variant& out) {
-  ColorSpec color;
   if (Body() == nullptr) return kHostException;
+  const ColorSpec* const color = Common();
   std::int32_t type = kTypeMixed;
-  if (Common(color)) type = color.kind == ColorSpec::Kind::kScheme ? kTypeScheme : kTypeRgb;
+  if (color != nullptr) type = color->kind == ColorSpec::Kind::kScheme ? kTypeScheme : kTypeRgb;
   out = Variant::I4(type);
   return kOk;
 }
 
 ResultCode ColorFormatObject::Rgb(Args, Variant& out) {
-  ColorSpec color;
-  if (!Common(color)) return kHostException;
+  const ColorSpec* const color = Common();
+  if (color == nullptr) return kHostException;
   const deck::BodyStyle& style = *Body()->style();
-  const std::uint32_t rgb = deck::ResolveColor(color, style.colorMap, style.colors);
+  const std::uint32_t rgb = deck::ResolveColor(*color, style.colorMap, style.colors);
   out = Variant::I4(static_cast<std::int32_t>(SwapRedAndBlue(rgb)));
   return kOk;
 }
@@ -161,10 +162,10 @@ ResultCode ColorFormatObject::PutRgb(const Variant& value) {
 }
 
 ResultCode ColorFormatObject::SchemeColor(Args, Variant& out) {
-  ColorSpec color;
-  if (!Common(color)) return kHostException;
-  const bool scheme = color.kind == ColorSpec::Kind::kScheme;
-  out = Variant::I4(scheme ? NumberOf(kSchemeColors, color.slot) : 0);
+  const ColorSpec* const color = Common();
+  if (color == nullptr) return kHostException;
+  const bool scheme = color->kind == ColorSpec::Kind::kScheme;
+  out = Variant::I4(scheme ? NumberOf(kSchemeColors, color->slot) : 0);
   return kOk;
 }
 
@@ -178,10 +179,10 @@ ResultCode ColorFormatObject::PutSchemeColor(const Variant& value) {
 }
 
 ResultCode ColorFormatObject::ObjectThemeColor(Args, Variant& out) {
-  ColorSpec color;
-  if (!Common(color)) return kHostException;
-  const bool scheme = color.kind == ColorSpec::Kind::kScheme;
-  out = Variant::I4(scheme ? NumberOf(kThemeColors, color.slot) : 0);
+  const ColorSpec* const color = Common();
+  if (color == nullptr) return kHostException;
+  const bool scheme = color->kind == ColorSpec::Kind::kScheme;
+  out = Variant::I4(scheme ? NumberOf(kThemeColors, color->slot) : 0);
   return kOk;
 }
 
@@ -196,10 +197,10 @@ ResultCode ColorFormatObject::PutObjectThemeColor(const Variant& value) {
 
 // From -1 (black) over 0 (the colour itself) to 1 (white).
 ResultCode ColorFormatObject::TintAndShade(Args, Variant& out) {
-  ColorSpec color;
-  if (!Common(color)) return kHostException;
+  const ColorSpec* const color = Common();
+  if (color == nullptr) return kHostException;
   double value = 0;
-  for (const deck::ColorModifier& modifier : color.modifiers) {
+  for (const deck::ColorModifier& modifier : color->modifiers) {
     const double share = static_cast<double>(modifier.value) / kFullShare;
     if (modifier.change == deck::ColorChange::kTint) value = 1 - share;
     if (modifier.change == deck::ColorChange::kShade) value = share - 1;
@@ -212,8 +213,9 @@ ResultCode ColorFormatObject::PutTintAndShade(const Variant& value) {
   double wanted = 0;
   if (!RealOf(value, wanted)) return kTypeMismatch;
   if (!(std::fabs(wanted) <= 1)) return kInvalidArgument;
-  ColorSpec color;
-  if (!Common(color)) return kHostException;
+  const ColorSpec* const common = Common();
+  if (common == nullptr) return kHostException;
+  ColorSpec color = *common;
   Variant now;
   TintAndShade(Args({}), now);
   // What the file holds need not be a whole thousandth of a per cent as a float.

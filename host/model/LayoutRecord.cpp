@@ -22,19 +22,19 @@ layout::Spacing SpacingOf(const deck::TextSpacing& spacing) {
 
 layout::LayoutRun RunOf(const deck::ShownPiece& piece, const deck::TextExtras& inherited,
                         const deck::BodyStyle& style) {
-  deck::TextExtras extras = piece.extras;
+  const deck::CharProps& props = *piece.props;
+  deck::TextExtras extras = *piece.extras;
   Inherit(extras, inherited);
   layout::LayoutRun run;
   run.text = piece.text;
-  run.fonts = {deck::ShownFace(piece.props.latin, style),
-               deck::ShownFace(piece.props.eastAsian, style),
-               deck::ShownFace(piece.props.complexScript, style), std::move(extras.symbol)};
+  run.fonts = {deck::ShownFace(props.latin, style), deck::ShownFace(props.eastAsian, style),
+               deck::ShownFace(props.complexScript, style), std::move(extras.symbol)};
   run.language = std::move(extras.language);
-  run.size = piece.props.size / kHundredths;
+  run.size = props.size / kHundredths;
   run.spacing = extras.spacing.value_or(0.0);
   run.baseline = extras.baseline.value_or(0.0);
-  run.bold = piece.props.bold == 1;
-  run.italic = piece.props.italic == 1;
+  run.bold = props.bold == 1;
+  run.italic = props.italic == 1;
   // Nothing said means that all sizes are kerned, a 0 that none is.
   run.kerning = !extras.kernFrom || (*extras.kernFrom > 0 && run.size >= *extras.kernFrom);
   run.caps = static_cast<layout::Caps>(extras.caps.value_or(deck::TextExtras::Caps::kNone));

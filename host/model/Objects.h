@@ -382,7 +382,7 @@ class ColorFormatObject final : public DeckObject {
 
  private:
   deck::TextBody* Body() const;
-  bool Common(deck::ColorSpec& color) const;
+  const deck::ColorSpec* Common() const;
   ResultCode Put(const deck::ColorSpec& color) const;
   deck::ShapeAddress address_;
   deck::TextSpan span_;
