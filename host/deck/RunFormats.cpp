@@ -37,8 +37,7 @@ RunFormatRef RunFormats::OfText(std::string raw) {
   pugi::xml_document document;
   if (!ParseXml(document, raw)) document.reset();
   std::string key = raw;
-  return known_.emplace(std::move(key), Read(std::move(raw), document.first_child()))
-      .first->second;
+  return known_.emplace(std::move(key), Read(std::move(raw), document.first_child())).first->second;
 }
 
 RunFormatRef RunFormats::ForNewText(const RunFormatRef& format) {

@@ -81,8 +81,7 @@ struct TextPiece {
 class TextBody {
  public:
   // `names`, `bytes` and `formats` belong to the part and outlive the body.
-  TextBody(const XmlNames& names, std::string_view bytes, RunFormats& formats,
-           pugi::xml_node node);
+  TextBody(const XmlNames& names, std::string_view bytes, RunFormats& formats, pugi::xml_node node);
 
   std::size_t Length() const { return length_; }
   Wide Text(TextSpan span);

@@ -36,7 +36,8 @@ std::string TextBody::PieceXml(const TextPiece& piece) const {
     if (!inner.found) return raw;
     return raw.substr(0, inner.begin) + piece.own->raw + raw.substr(inner.end);
   }
-  const std::string& format = piece.own ? piece.own->raw : formats_.ForNewText(FormatOf(piece))->raw;
+  const std::string& format =
+      piece.own ? piece.own->raw : formats_.ForNewText(FormatOf(piece))->raw;
   if (piece.kind == TextPiece::Kind::kBreak) {
     if (format.empty()) return "<" + prefix_ + "br/>";
     return "<" + prefix_ + "br>" + format + "</" + prefix_ + "br>";

@@ -4,9 +4,13 @@
 #include <hb.h>
 
 #include <string>
+#include <unordered_map>
 
 namespace layout {
 namespace {
+
+// Characters that a wished font lacks, for which another one was found.
+constexpr std::size_t kMostChosen = 4096;
 
 struct PatternDeleter {
   void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
@@ -58,11 +62,19 @@ double Metric(hb_font_t* font, hb_ot_metrics_tag_t tag) {
 
 struct FontBook::Candidates {
   FontSet fonts;
+  std::unordered_map<char32_t, const FontFace*> chosen;  // as far as they were looked for
 };
 
 bool FontFace::Shows(char32_t character) const {
-  hb_codepoint_t glyph = 0;
-  return hb_font_get_nominal_glyph(font, character, &glyph) != 0;
+  // The character behind a mark, so that an empty slot is no answer, in front of the answer.
+  constexpr std::uint32_t kAsked = 1u << 31;
+  std::uint32_t& slot = asked_[character % asked_.size()];
+  const std::uint32_t key = kAsked | static_cast<std::uint32_t>(character) << 1;
+  if ((slot & ~1u) != key) {
+    hb_codepoint_t glyph = 0;
+    slot = key | (hb_font_get_nominal_glyph(font, character, &glyph) != 0 ? 1u : 0u);
+  }
+  return (slot & 1u) != 0;
 }
 
 FontBook::FontBook() : config_(FcInitLoadConfigAndFonts()) {}
@@ -128,8 +140,16 @@ FontBook::Candidates& FontBook::Sorted(const FontWish& wish) {
 const FontFace& FontBook::FindFor(const FontWish& wish, char32_t character) {
   const FontFace& wished = Find(wish);
   if (wished.Shows(character)) return wished;
-  const Candidates& candidates = Sorted(wish);
+  Candidates& candidates = Sorted(wish);
   if (!candidates.fonts) return wished;
+  if (candidates.chosen.size() >= kMostChosen) candidates.chosen.clear();
+  const FontFace*& chosen = candidates.chosen[character];
+  if (chosen == nullptr) chosen = &Choose(candidates, character, wished);
+  return *chosen;
+}
+
+const FontFace& FontBook::Choose(const Candidates& candidates, char32_t character,
+                                 const FontFace& wished) {
   for (int i = 0; i < candidates.fonts->nfont; ++i) {
     const FcPattern* font = candidates.fonts->fonts[i];
     FcCharSet* characters = nullptr;

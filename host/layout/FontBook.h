@@ -4,6 +4,7 @@
 
 #include <fontconfig/fontconfig.h>
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -26,6 +27,10 @@ struct FontFace {
   std::string family;
 
   bool Shows(char32_t character) const;
+
+ private:
+  // What was asked last, by the character's low bits: a character and whether it shows.
+  mutable std::array<std::uint32_t, 256> asked_{};
 };
 
 struct FontWish {
@@ -37,6 +42,7 @@ struct FontWish {
     return std::tie(left.family, left.language, left.bold, left.italic) <
            std::tie(right.family, right.language, right.bold, right.italic);
   }
+  friend bool operator==(const FontWish&, const FontWish&) = default;
 };
 
 // One thread at a time. Faces live as long as the book.
@@ -61,6 +67,7 @@ class FontBook {
   const FontFace& Open(const std::string& file, int index, const std::string& family);
   const FontFace& Match(const FontWish& wish);
   Candidates& Sorted(const FontWish& wish);
+  const FontFace& Choose(const Candidates& candidates, char32_t character, const FontFace& wished);
 
   FcConfig* config_ = nullptr;
   std::map<std::pair<std::string, int>, std::unique_ptr<FontFace>> faces_;

@@ -67,7 +67,13 @@ struct Format {
 class Apart {
  public:
   Apart(const LayoutParagraph& paragraph, Direction direction, double scale, Fonts fonts)
-      : paragraph_(paragraph), direction_(direction), scale_(scale), fonts_(fonts) {}
+      : paragraph_(paragraph),
+        direction_(direction),
+        turnsNothingUpright_(direction != Direction::kStacked &&
+                             direction != Direction::kEastAsian &&
+                             direction != Direction::kMongolian),
+        scale_(scale),
+        fonts_(fonts) {}
 
   ParagraphText Do() {
     for (const LayoutRun& run : paragraph_.runs) AppendCased(run);
@@ -134,7 +140,9 @@ class Apart {
     for (std::size_t at = from; at < to;) {
       std::size_t next = at;
       char32_t character = CharacterAt(out_.text, at, next);
-      if (character == kTab || character == kLineBreak) {
+      if (Continues(run, character, format) && LevelAt(at) == LevelAt(pieceStart)) {
+        // Most of a text.
+      } else if (character == kTab || character == kLineBreak) {
         Close(format, pieceStart, at);
         Single(run, character, at);
         pieceStart = next;
@@ -150,6 +158,18 @@ class Apart {
       at = next;
     }
     Close(format, pieceStart, to);
+  }
+
+  // Whether a character is plainly of the format of the one before it, the quick way: FormatAt
+  // would say the same.
+  bool Continues(const LayoutRun& run, char32_t character, const Format& before) const {
+    if (character < U' ' || character > U'~' || before.run != &run || run.caps != Caps::kNone) {
+      return false;
+    }
+    const bool letter = (character | 0x20) >= U'a' && (character | 0x20) <= U'z';
+    return turnsNothingUpright_ && slot_ == FontSlot::kLatin && wishSlot_ == slot_ &&
+           wishScript_ == script_ && (!letter || script_ == kLatin_) &&
+           before.face == wishedFace_ && before.script == script_ && wishedFace_->Shows(character);
   }
 
   Format FormatAt(const LayoutRun& run, std::size_t runStart, std::size_t at, char32_t character,
@@ -176,14 +196,23 @@ class Apart {
   }
 
   // Looked up anew only where run, slot or script change: names are compared by their letters.
-  const FontFace* FaceFor(const LayoutRun& run, char32_t character) {
-    if (!wishedFace_ || wishRun_ != &run || wishSlot_ != slot_ || wishScript_ != script_) {
-      wishRun_ = &run;
-      wishSlot_ = slot_;
-      wishScript_ = script_;
-      wish_ = WishFor(run, slot_, script_);
+  const FontFace& Wished(const LayoutRun& run) {
+    if (wishedFace_ && wishRun_ == &run && wishSlot_ == slot_ && wishScript_ == script_) {
+      return *wishedFace_;
+    }
+    wishRun_ = &run;
+    wishSlot_ = slot_;
+    wishScript_ = script_;
+    FontWish wish = WishFor(run, slot_, script_);
+    if (!wishedFace_ || !(wish == wish_)) {
+      wish_ = std::move(wish);
       wishedFace_ = &fonts_.book.Find(wish_);
     }
+    return *wishedFace_;
+  }
+
+  const FontFace* FaceFor(const LayoutRun& run, char32_t character) {
+    Wished(run);
     // Fonts without a no-break space show their blank.
     if (wishedFace_->Shows(character == kNoBreakSpace ? U' ' : character)) return wishedFace_;
     return &fonts_.book.FindFor(wish_, character);
@@ -206,7 +235,7 @@ class Apart {
     piece.start = at;
     piece.end = at + 1;
     piece.level = out_.level;
-    SetHeights(run, fonts_.book.Find(WishFor(run, slot_, script_)), SizeOf(run), piece);
+    SetHeights(run, Wished(run), SizeOf(run), piece);
     out_.pieces.push_back(piece);
   }
 
@@ -254,22 +283,24 @@ class Apart {
   void SetMark() {
     const LayoutRun& mark = paragraph_.mark;
     TextPiece piece;
-    SetHeights(mark, fonts_.book.Find(WishFor(mark, slot_, script_)), SizeOf(mark), piece);
+    SetHeights(mark, Wished(mark), SizeOf(mark), piece);
     out_.markAscent = piece.ascent;
     out_.markDescent = piece.descent;
     if (out_.text.empty()) out_.largestSize = mark.size * scale_;
   }
 
   static const std::uint32_t kHan_;
+  static const std::uint32_t kLatin_;
 
   const LayoutParagraph& paragraph_;
   Direction direction_;
+  bool turnsNothingUpright_;
   double scale_;
   Fonts fonts_;
   ParagraphText out_;
   std::vector<std::uint8_t> levels_;
   FontSlot slot_ = FontSlot::kLatin;
-  std::uint32_t script_ = ScriptOf(U'a');
+  std::uint32_t script_ = kLatin_;
   const LayoutRun* wishRun_ = nullptr;
   FontSlot wishSlot_ = FontSlot::kNone;
   std::uint32_t wishScript_ = 0;
@@ -278,6 +309,7 @@ class Apart {
 };
 
 const std::uint32_t Apart::kHan_ = ScriptOf(0x4E00);
+const std::uint32_t Apart::kLatin_ = ScriptOf(U'a');
 
 }  // namespace
 

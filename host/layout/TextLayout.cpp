@@ -16,6 +16,8 @@ constexpr double kSpacingLine = 1.2;
 // Line spacing is never reduced below this share.
 constexpr double kLeastLineSpacing = 0.1;
 constexpr double kRounding = 0.02;
+// Of a longer text nothing is kept for the next one.
+constexpr std::size_t kMostUnitsKept = 1u << 16;
 
 double Points(const Spacing& spacing, double size) {
   return spacing.unit == Spacing::Unit::kPoints ? spacing.value
@@ -45,10 +47,47 @@ Area AreaOf(const LayoutFrame& frame) {
   return {};
 }
 
+}  // namespace
+
+// A paragraph and all that does not depend on the room that it gets.
+struct MeasuredParagraph {
+  LayoutParagraph paragraph;
+  Direction direction = Direction::kHorizontal;
+  LineHeight lineHeight = LineHeight::kOfSize;
+  double scale = 0.0;
+  ParagraphText text;
+  std::vector<bool> mayBreak;
+  double bulletWidth = 0.0;
+
+  bool IsOf(const LayoutParagraph& other, const LayoutFrame& frame, double wantedScale) const {
+    return scale == wantedScale && direction == frame.direction && lineHeight == frame.lineHeight &&
+           paragraph == other;
+  }
+};
+
+namespace {
+
+MeasuredParagraph Measure(const LayoutParagraph& paragraph, const LayoutFrame& frame, double scale,
+                          Fonts fonts, LineBreaks& breaks) {
+  MeasuredParagraph measured;
+  measured.paragraph = paragraph;
+  measured.direction = frame.direction;
+  measured.lineHeight = frame.lineHeight;
+  measured.scale = scale;
+  measured.text = TakeApart(paragraph, frame.direction, scale, fonts);
+  measured.mayBreak = breaks.Before(measured.text.text);
+  if (!paragraph.bullet.text.empty() && !measured.text.text.empty()) {
+    measured.bulletWidth = BulletWidth(paragraph.bullet, paragraph.runs.front(), scale, fonts);
+  }
+  return measured;
+}
+
 class Layouter {
  public:
-  Layouter(const LayoutFrame& frame, Fonts fonts, LineBreaks& breaks)
-      : frame_(frame), fonts_(fonts), breaks_(breaks), area_(AreaOf(frame)) {
+  // `measured` are paragraphs of an earlier frame, and become those of this one.
+  Layouter(const LayoutFrame& frame, Fonts fonts, LineBreaks& breaks,
+           std::vector<MeasuredParagraph>& measured)
+      : frame_(frame), fonts_(fonts), breaks_(breaks), measured_(measured), area_(AreaOf(frame)) {
     if (frame.autofit == Autofit::kTextToShape) {
       scale_ = frame.fontScale;
       reduction_ = frame.lineSpacingReduction;
@@ -72,9 +111,22 @@ class Layouter {
   }
 
  private:
+  const MeasuredParagraph& MeasuredAt(std::size_t index) {
+    const LayoutParagraph& paragraph = frame_.paragraphs[index];
+    if (index < measured_.size()) {
+      if (!measured_[index].IsOf(paragraph, frame_, scale_)) {
+        measured_[index] = Measure(paragraph, frame_, scale_, fonts_, breaks_);
+      }
+    } else {
+      measured_.push_back(Measure(paragraph, frame_, scale_, fonts_, breaks_));
+    }
+    return measured_[index];
+  }
+
   void AddParagraph(std::size_t index) {
     const LayoutParagraph& paragraph = frame_.paragraphs[index];
-    ParagraphText text = TakeApart(paragraph, frame_.direction, scale_, fonts_);
+    const MeasuredParagraph& measured = MeasuredAt(index);
+    const ParagraphText& text = measured.text;
     TabPlan tabs(paragraph, frame_.defaultTab);
     LineRoom room;
     room.start = std::max(0.0, paragraph.marginStart);
@@ -82,14 +134,12 @@ class Layouter {
     room.end = columnWidth_ - paragraph.marginEnd;
     room.wrap = frame_.wrap;
     if (!paragraph.bullet.text.empty() && !text.text.empty()) {
-      const LayoutRun& first = paragraph.runs.front();
-      double bulletEnd = room.firstStart + BulletWidth(paragraph.bullet, first, scale_, fonts_);
-      room.firstStart = std::max(bulletEnd, room.start);
+      room.firstStart = std::max(room.firstStart + measured.bulletWidth, room.start);
     }
     // Between paragraphs both spacings count, at the top and the bottom neither.
     if (index > 0) y_ += Points(paragraph.before, text.largestSize);
     std::vector<FilledLine> lines =
-        FillLines(text, breaks_.Before(text.text), tabs, room, paragraph.hangingPunctuation);
+        FillLines(text, measured.mayBreak, tabs, room, paragraph.hangingPunctuation);
     std::size_t piece = 0;
     for (std::size_t i = 0; i < lines.size(); ++i) {
       PlaceWish wish{columnWidth_, i == 0 ? room.firstStart : room.start, room.end,
@@ -188,6 +238,7 @@ class Layouter {
   const LayoutFrame& frame_;
   Fonts fonts_;
   LineBreaks& breaks_;
+  std::vector<MeasuredParagraph>& measured_;
   Area area_;
   double scale_ = 1.0;
   double reduction_ = 0.0;
@@ -203,8 +254,14 @@ class Layouter {
 
 }  // namespace
 
+TextLayout::TextLayout() = default;
+TextLayout::~TextLayout() = default;
+
 LaidText TextLayout::LayOut(const LayoutFrame& frame) {
-  return Layouter(frame, Fonts{book_, words_, frame.lineHeight}, breaks_).Do();
+  LaidText laid = Layouter(frame, Fonts{book_, words_, frame.lineHeight}, breaks_, measured_).Do();
+  measured_.resize(std::min(measured_.size(), frame.paragraphs.size()));
+  if (laid.length > kMostUnitsKept) measured_.clear();
+  return laid;
 }
 
 }  // namespace layout

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/layout/FontBook.h"
 #include "host/layout/LaidText.h"
@@ -12,10 +13,18 @@
 
 namespace layout {
 
-// Keeps fonts and shaped words from one text to the next. One thread at a time. The same frame
+struct MeasuredParagraph;
+
+// Keeps fonts and shaped words from one text to the next, and what its paragraphs measure from a
+// text to the same one in another frame. One thread at a time. The same frame
 // gives the same result on the same fonts, whatever the environment says.
 class TextLayout {
  public:
+  TextLayout();
+  ~TextLayout();
+  TextLayout(const TextLayout&) = delete;
+  TextLayout& operator=(const TextLayout&) = delete;
+
   // Linear in the text. A frame without paragraphs has no lines and no extent.
   LaidText LayOut(const LayoutFrame& frame);
 
@@ -26,6 +35,7 @@ class TextLayout {
   FontBook book_;
   WordAdvances words_;
   LineBreaks breaks_;
+  std::vector<MeasuredParagraph> measured_;  // of the last frame, in its order
 };
 
 }  // namespace layout

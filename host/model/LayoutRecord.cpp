@@ -83,7 +83,8 @@ deck::ShapeBox TextArea(deck::Deck& deck, const deck::ShapeAddress& address) {
 }
 
 layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& address,
-                                 deck::TextBody& text, const deck::ShapeBox& area) {
+                                 deck::TextBody& text, const deck::ShapeBox& area,
+                                 const layout::LayoutFrame* before) {
   layout::LayoutFrame frame;
   const deck::BodyStyle* const style = deck.Style(address, text);
   deck::SlidePart* const part = deck.Page(address.page);
@@ -106,6 +107,11 @@ layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& add
   frame.lineSpacingReduction =
       static_cast<double>(props.autofit->lineSpacingReduction) / deck::kWholeShare;
 
+  if (before != nullptr) {
+    frame.paragraphs = before->paragraphs;
+    frame.defaultTab = before->defaultTab;
+    return frame;
+  }
   const deck::ParagraphLevels levels = deck.Paragraphs(address, text);
   BulletNumbers numbers;
   text.VisitParagraphs([&](const deck::ShownParagraph& shown) {

@@ -9,8 +9,10 @@ namespace model {
 // Where the text of a shape or cell may stand, insets included, in slide coordinates, unrotated.
 deck::ShapeBox TextArea(deck::Deck& deck, const deck::ShapeAddress& address);
 
-// The text and its frame, which is of the size of `area`.
+// The text and its frame, which is of the size of `area`. `before` is null or an earlier record of
+// the same text, which has not been edited since; its frame may have been.
 layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& address,
-                                 deck::TextBody& text, const deck::ShapeBox& area);
+                                 deck::TextBody& text, const deck::ShapeBox& area,
+                                 const layout::LayoutFrame* before = nullptr);
 
 }  // namespace model

@@ -78,13 +78,16 @@ const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeA
   deck::TextBody* const text = deck.Text(address);
   if (text == nullptr) return nullptr;
   const deck::Deck::FrameVersion version = deck.Version(address);
+  const layout::LayoutFrame* before = nullptr;
   for (const Entry& entry : entries_) {
-    if (entry.deck == &deck && SamePlace(entry.address, address) && entry.version == version) {
-      return &entry;
-    }
+    if (entry.deck != &deck || !SamePlace(entry.address, address)) continue;
+    if (entry.version == version) return &entry;
+    const bool sameText =
+        entry.version.page == version.page && entry.version.text == version.text;
+    if (sameText) before = &entry.frame;
   }
   const deck::ShapeBox area = TextArea(deck, address);
-  layout::LayoutFrame frame = LayoutRecord(deck, address, *text, area);
+  layout::LayoutFrame frame = LayoutRecord(deck, address, *text, area, before);
   Entry* found = nullptr;
   for (Entry& entry : entries_) {
     if (entry.frame == frame) found = &entry;
