@@ -16,6 +16,9 @@ constexpr std::size_t kHeldPages = 4;
 constexpr std::uint32_t kLeastAhead = 3;
 constexpr std::uint32_t kMostAhead = 8;
 
+// What a parsed part holds in memory for each byte of it.
+constexpr std::size_t kTreeWeight = 6;
+
 std::uint64_t AheadKey(PageAddress page) {
   return std::uint64_t{page.slide} * 2 + (page.notes ? 1 : 0);
 }
@@ -133,12 +136,18 @@ void Deck::WriteBack(Held& held) {
   for (std::uint32_t shape = 0; fit_ && shape < held.part->shapes().Count(); ++shape) {
     if (NeedsFit({held.page, shape})) fit_({held.page, shape});
   }
-  package_->PutPart(PartOf(held.page), held.part->TakeBytes());
+  // A page that was edited is of no further use here, so another thread may take it apart.
+  const std::size_t weight = held.part->Size() * kTreeWeight;
+  package_->PutPartLater(PartOf(held.page), weight,
+                         [part = std::shared_ptr<SlidePart>(std::move(held.part))] {
+                           return part->TakeBytes();
+                         });
 }
 
-bool Deck::Edited() const {
+bool Deck::Edited() {
   const auto edited = [](const Held& held) { return held.part->Edited(); };
-  return package_->Edited() || std::any_of(held_.begin(), held_.end(), edited);
+  // Those held first: asking the package may take a while.
+  return std::any_of(held_.begin(), held_.end(), edited) || package_->Edited();
 }
 
 PackageResult<bool> Deck::Save(const std::string& path) {

@@ -106,7 +106,7 @@ class Deck {
   const std::string& PresentationPart() const { return presentationPart_; }
 
   // True when an edit was made since the deck was opened.
-  bool Edited() const;
+  bool Edited();
   // Saves atomically; without edits the file is a byte for byte copy.
   PackageResult<bool> Save(const std::string& path);
 

@@ -1,5 +1,6 @@
 #include "host/package/Package.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -56,7 +57,9 @@ class ZipPackage final : public Package {
   std::string ContentType(std::string_view name) const override { return types_.Of(name); }
   PackageResult<std::vector<Relationship>> Relationships(std::string_view name) override;
   void PutPart(std::string_view name, std::string bytes) override;
-  bool Edited() const override { return !edits_.empty(); }
+  void PutPartLater(std::string_view name, std::size_t weight,
+                    std::function<std::string()> make) override;
+  bool Edited() override;
   PackageResult<bool> Save(const std::string& path) override;
 
  private:
@@ -64,7 +67,7 @@ class ZipPackage final : public Package {
   std::string CheckEntries();
   std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
   std::string Bytes(std::size_t entry, std::uint64_t limit, std::string& bytes);
-  bool IsOriginal(std::size_t entry, const std::string& bytes, std::uint32_t crc);
+  bool IsOriginal(std::size_t entry, const PartBytes& part);
 
   PackageLimits limits_;
   InputFile file_;
@@ -72,11 +75,12 @@ class ZipPackage final : public Package {
   std::unordered_map<std::string, std::size_t> parts_;  // entry by PartKey
   ContentTypes types_;
   std::string putFault_;
-  PartCompressor compressor_;
   // Guards both below against reads by other threads; the owner's own thread alone changes edits.
   std::mutex mutex_;
   std::unordered_map<std::size_t, XmlForm> utf16_;  // of the entries that were given as UTF-8
   std::map<std::size_t, std::shared_ptr<PackingJob>> edits_;
+  // The last member: its thread makes parts, and looks at the archive for it.
+  PartCompressor compressor_;
 };
 
 std::string ZipPackage::Load(const std::string& path) {
@@ -155,9 +159,8 @@ std::string ZipPackage::Bytes(std::size_t entry, std::uint64_t limit, std::strin
     if (edit != edits_.end()) job = edit->second;
   }
   if (job) {
-    const PackedPart* const packed = compressor_.Wait(job);
-    if (packed == nullptr) return "there is not enough memory";
-    return Inflate(packed->deflated, packed->size, bytes);
+    if (!compressor_.Wait(job)) return "there is not enough memory";
+    if (!job->original) return Inflate(job->packed.deflated, job->packed.size, bytes);
   }
   if (archive_.Entries()[entry].size > limit) {
     return "it is larger than " + std::to_string(limit >> 20) + " MB";
@@ -213,36 +216,49 @@ PackageResult<std::vector<Relationship>> ZipPackage::Relationships(std::string_v
   return Value(std::move(relationships));
 }
 
-bool ZipPackage::IsOriginal(std::size_t entry, const std::string& bytes, std::uint32_t crc) {
+bool ZipPackage::IsOriginal(std::size_t entry, const PartBytes& part) {
   const ZipEntry& original = archive_.Entries()[entry];
-  if (original.crc != crc || original.size != bytes.size()) return false;
+  if (original.crc != part.crc || original.size != part.bytes.size()) return false;
   std::string now;
-  return archive_.Read(entry, now).empty() && now == bytes;
+  return archive_.Read(entry, now).empty() && now == part.bytes;
 }
 
 void ZipPackage::PutPart(std::string_view name, std::string bytes) {
+  if (PartKey(name) == PartKey(kContentTypesPart)) types_.Parse(bytes);
+  const std::size_t weight = bytes.size();
+  PutPartLater(name, weight, [held = std::move(bytes)]() mutable { return std::move(held); });
+}
+
+void ZipPackage::PutPartLater(std::string_view name, std::size_t weight,
+                              std::function<std::string()> make) {
   const std::size_t* const entry = Find(name);
   if (entry == nullptr) {
     if (putFault_.empty()) putFault_ = "The part " + std::string(name) + " is missing.";
     return;
   }
-  if (PartKey(name) == PartKey(kContentTypesPart)) types_.Parse(bytes);
   std::optional<XmlForm> form;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto wide = utf16_.find(*entry);
     if (wide != utf16_.end()) form = wide->second;
   }
-  if (form) bytes = Utf8ToUtf16(bytes, *form);
-  const std::uint32_t crc = Crc32(bytes);
-  std::shared_ptr<PackingJob> job;
-  if (!IsOriginal(*entry, bytes, crc)) job = compressor_.Put(std::move(bytes), crc);
+  std::shared_ptr<PackingJob> job =
+      compressor_.Put(weight, [this, entry = *entry, form, make = std::move(make)] {
+        PartBytes part;
+        part.bytes = make();
+        if (form) part.bytes = Utf8ToUtf16(part.bytes, *form);
+        part.crc = Crc32(part.bytes);
+        part.original = IsOriginal(entry, part);
+        return part;
+      });
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (job) {
-    edits_.insert_or_assign(*entry, std::move(job));
-  } else {
-    edits_.erase(*entry);
-  }
+  edits_.insert_or_assign(*entry, std::move(job));
+}
+
+bool ZipPackage::Edited() {
+  return std::any_of(edits_.begin(), edits_.end(), [this](const auto& edit) {
+    return !compressor_.Wait(edit.second) || !edit.second->original;
+  });
 }
 
 PackageResult<bool> ZipPackage::Save(const std::string& path) {
@@ -250,18 +266,17 @@ PackageResult<bool> ZipPackage::Save(const std::string& path) {
   OutputFile output;
   std::string sentence = output.Open(path);
   if (!sentence.empty()) return Fault<bool>(std::move(sentence));
-  if (edits_.empty()) {
+  if (!Edited()) {
     if (output.Replaces(file_)) return Value(true);
     output.CopyFrom(file_, file_.Size());
   } else {
     std::vector<ZipReplacement> replacements;
     for (const auto& [entry, job] : edits_) {
-      const PackedPart* const part = compressor_.Wait(job);
-      if (part == nullptr) {
+      if (!compressor_.Wait(job)) {
         return Fault<bool>("There is not enough memory to write the part " +
                            archive_.Entries()[entry].name + ".");
       }
-      replacements.push_back({entry, part});
+      if (!job->original) replacements.push_back({entry, &job->packed});
     }
     std::string reason;
     if (!archive_.Write(replacements, output, reason)) {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -75,7 +76,12 @@ class Package {
   // bytes take the edit back. Bytes of a part that ReadXmlPart gave from UTF-16 are put as UTF-8
   // too and stand in the file as before. A part that does not exist makes Save fail.
   virtual void PutPart(std::string_view name, std::string bytes) = 0;
-  virtual bool Edited() const = 0;
+  // As PutPart, with bytes that `make` gives when it is called, once and on any thread. `weight` is
+  // about how many bytes of memory it holds until then.
+  virtual void PutPartLater(std::string_view name, std::size_t weight,
+                            std::function<std::string()> make) = 0;
+  // Waits for what was put, as bytes that turn out to be the original's are no edit.
+  virtual bool Edited() = 0;
 
   // Writes the package to `path` atomically: a temporary file in the same folder, flushed, then
   // renamed. Parts without an edit keep their compressed bytes, order and times; without any edit

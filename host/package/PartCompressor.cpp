@@ -2,7 +2,7 @@
 
 #include <libdeflate.h>
 
-#include <new>
+#include <exception>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -11,6 +11,10 @@ namespace {
 
 constexpr int kLevel = 6;
 constexpr std::size_t kKeptScratchBytes = 4 << 20;
+// A sleeping worker is woken for this many parts at once, since waking it costs about as much as
+// packing one. Fewer wait for more, or for whoever asks for them.
+constexpr std::size_t kWakeParts = 6;
+constexpr std::size_t kWakeBytes = 512 << 10;
 
 struct FreeCompressor {
   void operator()(libdeflate_compressor* compressor) const {
@@ -46,7 +50,7 @@ PartCompressor::~PartCompressor() {
     const std::lock_guard<std::mutex> lock(mutex_);
     stop_ = true;
   }
-  changed_.notify_all();
+  work_.notify_all();
   if (worker_.joinable()) worker_.join();
 }
 
@@ -54,40 +58,54 @@ PartCompressor::~PartCompressor() {
 void PartCompressor::Pack(PackingJob& job) {
   bool failed = false;
   try {
-    job.packed.size = job.bytes.size();
-    failed = !Deflate(job.bytes, job.packed.deflated);
-  } catch (const std::bad_alloc&) {
+    PartBytes part = job.make();
+    job.original = part.original;
+    if (!part.original) {
+      job.packed.size = part.bytes.size();
+      job.packed.crc = part.crc;
+      failed = !Deflate(part.bytes, job.packed.deflated);
+    }
+  } catch (const std::exception&) {
     failed = true;
   }
-  std::string().swap(job.bytes);
+  job.make = nullptr;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     job.failed = failed;
     job.done = true;
   }
-  changed_.notify_all();
+  done_.notify_all();
+}
+
+void PartCompressor::Take(PackingJob& job) {
+  job.taken = true;
+  waitingBytes_ -= job.weight;
 }
 
 void PartCompressor::Work() {
   std::unique_lock<std::mutex> lock(mutex_);
   while (true) {
-    changed_.wait(lock, [&] { return stop_ || !waiting_.empty(); });
+    work_.wait(lock, [&] {
+      return stop_ || waiting_.size() >= kWakeParts || waitingBytes_ >= kWakeBytes;
+    });
+    while (!stop_ && !waiting_.empty()) {
+      const std::shared_ptr<PackingJob> job = std::move(waiting_.front());
+      waiting_.pop_front();
+      if (job->taken) continue;
+      Take(*job);
+      lock.unlock();
+      Pack(*job);
+      lock.lock();
+    }
     if (stop_) return;
-    const std::shared_ptr<PackingJob> job = std::move(waiting_.front());
-    waiting_.pop_front();
-    if (job->taken) continue;
-    job->taken = true;
-    waitingBytes_ -= job->bytes.size();
-    lock.unlock();
-    Pack(*job);
-    lock.lock();
   }
 }
 
-std::shared_ptr<PackingJob> PartCompressor::Put(std::string bytes, std::uint32_t crc) {
+std::shared_ptr<PackingJob> PartCompressor::Put(std::size_t weight,
+                                                std::function<PartBytes()> make) {
   auto job = std::make_shared<PackingJob>();
-  job->bytes = std::move(bytes);
-  job->packed.crc = crc;
+  job->make = std::move(make);
+  job->weight = weight;
   if (!worker_.joinable()) {
     try {
       worker_ = std::thread([this] { Work(); });
@@ -99,33 +117,34 @@ std::shared_ptr<PackingJob> PartCompressor::Put(std::string bytes, std::uint32_t
     }
   }
   bool ours = false;
+  bool wake = false;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    ours = waitingBytes_ + job->bytes.size() > kMostWaitingBytes;
+    ours = waitingBytes_ + weight > kMostWaitingBytes;
     if (ours) {
       job->taken = true;
     } else {
-      waitingBytes_ += job->bytes.size();
+      waitingBytes_ += weight;
       waiting_.push_back(job);
+      wake = waiting_.size() >= kWakeParts || waitingBytes_ >= kWakeBytes;
     }
   }
   if (ours) {
     Pack(*job);
-  } else {
-    changed_.notify_all();
+  } else if (wake) {
+    work_.notify_one();
   }
   return job;
 }
 
-const PackedPart* PartCompressor::Wait(const std::shared_ptr<PackingJob>& job) {
+bool PartCompressor::Wait(const std::shared_ptr<PackingJob>& job) {
   std::unique_lock<std::mutex> lock(mutex_);
   if (!job->taken) {
-    job->taken = true;
-    waitingBytes_ -= job->bytes.size();
+    Take(*job);
     lock.unlock();
     Pack(*job);
     lock.lock();
   }
-  changed_.wait(lock, [&] { return job->done; });
-  return job->failed ? nullptr : &job->packed;
+  done_.wait(lock, [&] { return job->done; });
+  return !job->failed;
 }

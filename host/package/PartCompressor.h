@@ -1,10 +1,11 @@
-// Deflates edited parts as they are put, on a thread of its own beside the caller's.
+// Makes and deflates edited parts as they are put, on a thread of its own beside the caller's.
 #pragma once
 
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -17,10 +18,19 @@ struct PackedPart {
   std::uint32_t crc = 0;
 };
 
+// A part's bytes before they are packed.
+struct PartBytes {
+  std::string bytes;
+  std::uint32_t crc = 0;  // CRC-32
+  bool original = false;  // they are what the archive holds already, and nothing is packed
+};
+
 // One part on its way; handed back and forth by PartCompressor alone.
 struct PackingJob {
-  std::string bytes;  // emptied once packed
+  std::function<PartBytes()> make;  // emptied once packed
+  std::size_t weight = 0;
   PackedPart packed;
+  bool original = false;
   bool taken = false;
   bool done = false;
   bool failed = false;  // memory ran out
@@ -34,21 +44,24 @@ class PartCompressor {
   // Drops what is still waiting.
   ~PartCompressor();
 
-  // Queues the part. While more waits than kMostWaitingBytes the caller's own thread packs, so
-  // memory stays bounded and neither processor idles. `crc` is the CRC-32 of `bytes`.
-  std::shared_ptr<PackingJob> Put(std::string bytes, std::uint32_t crc);
-  // The part once packed; null when memory ran out. The calling thread packs it itself when no
-  // other has begun.
-  const PackedPart* Wait(const std::shared_ptr<PackingJob>& job);
+  // Queues the part. `make` is called once, on any thread; `weight` is about how many bytes of
+  // memory it holds until then. While more waits than kMostWaitingBytes the caller's own thread
+  // packs, so memory stays bounded and neither processor idles.
+  std::shared_ptr<PackingJob> Put(std::size_t weight, std::function<PartBytes()> make);
+  // Returns once the part is packed, or found to be the original; false when memory ran out. The
+  // calling thread packs it itself when no other has begun.
+  bool Wait(const std::shared_ptr<PackingJob>& job);
 
   static constexpr std::size_t kMostWaitingBytes = 2 << 20;
 
  private:
   void Work();
   void Pack(PackingJob& job);
+  void Take(PackingJob& job);
 
   std::mutex mutex_;
-  std::condition_variable changed_;
+  std::condition_variable work_;  // for the worker
+  std::condition_variable done_;  // for who waits for a part
   std::deque<std::shared_ptr<PackingJob>> waiting_;
   std::size_t waitingBytes_ = 0;
   bool stop_ = false;
