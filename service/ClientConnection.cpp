@@ -53,8 +53,6 @@ ClientConnection::ClientConnection(int socket, ssl_ctx_st* tls, int stopFd)
       stopFd_(stopFd),
       tls_(tls != nullptr ? SSL_new(tls) : nullptr, &SSL_free),
       readDeadline_(Clock::now() + kRequestLimit) {
-  fcntl(socket_, F_SETFL, fcntl(socket_, F_GETFL) | O_NONBLOCK);
-  fcntl(socket_, F_SETFD, FD_CLOEXEC);
   if (tls_) {
     SSL_set_fd(tls_.get(), socket_);
   } else if (tls != nullptr) {
@@ -189,8 +187,8 @@ void ClientConnection::Close(bool unread) {
     ERR_clear_error();
     SSL_shutdown(tls_.get());
   }
-  shutdown(socket_, SHUT_WR);
   if (!unread) return;
+  shutdown(socket_, SHUT_WR);
   readDeadline_ = std::min(readDeadline_, Clock::now() + kDrainLimit);
   char dropped[4096];
   while (Clock::now() < readDeadline_) {

@@ -20,7 +20,7 @@ TlsContext LoadTls(const std::string& certificateFile, const std::string& keyFil
 // Used by one thread. Nothing throws; after a failure the connection is only good for Close.
 class ClientConnection {
  public:
-  // Owns the socket. `tls` is null for plain HTTP. From the moment that `stopFd` becomes readable
+  // Owns the socket, which does not block. `tls` is null for plain HTTP. From the moment that `stopFd` becomes readable
   // on, every wait for the client's bytes fails at once, and what is being sent has
   // kStopGrace left.
   ClientConnection(int socket, ssl_ctx_st* tls, int stopFd);

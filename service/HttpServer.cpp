@@ -1,6 +1,9 @@
 #include "service/HttpServer.h"
 
+#include <fcntl.h>
 #include <httplib.h>
+#include <poll.h>
+#include <sched.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -37,6 +40,10 @@ struct RequestRecord {
 
 // The library hands its handlers no place for such a record; a request stays on one thread.
 thread_local RequestRecord* currentRequest = nullptr;
+
+// How long the next connection is waited for awake where one client asks again and again: going to
+// sleep and being woken takes longer than the client does between two requests.
+constexpr std::chrono::microseconds kAwakeTime{500};
 
 // Answers where the connection was accepted: without the hand-over to another thread, which costs
 // more than a short answer does.
@@ -124,6 +131,8 @@ class HttpServer : public Service, private httplib::Server {
                  const httplib::ContentReader& read);
   void Log(const RequestRecord& record, Clock::duration took);
   bool process_and_close_socket(socket_t socket) override;
+  bool AnswerConnection(int socket);
+  int NextConnection() const;
 
   ServiceOptions options_;
   std::unique_ptr<Engine> engine_;
@@ -270,6 +279,32 @@ void HttpServer::Translate(const httplib::Request& request, httplib::Response& r
 }
 
 bool HttpServer::process_and_close_socket(socket_t socket) {
+  fcntl(socket, F_SETFL, fcntl(socket, F_GETFL) | O_NONBLOCK);
+  fcntl(socket, F_SETFD, FD_CLOEXEC);
+  bool sent = AnswerConnection(socket);
+  if (options_.threads > 0) return sent;
+  for (int next = NextConnection(); next >= 0; next = NextConnection()) {
+    sent = AnswerConnection(next);
+  }
+  return sent;
+}
+
+// -1 when none came while awake; the library goes on accepting then.
+int HttpServer::NextConnection() const {
+  const Clock::time_point sleepsFrom = Clock::now() + kAwakeTime;
+  pollfd listening{svr_sock_, POLLIN, 0};
+  while (!stopping_) {
+    if (poll(&listening, 1, 0) > 0) {
+      return accept4(svr_sock_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+    }
+    if (Clock::now() >= sleepsFrom) break;
+    // Where there is one processor, the client needs it.
+    sched_yield();
+  }
+  return -1;
+}
+
+bool HttpServer::AnswerConnection(int socket) {
   const Clock::time_point start = Clock::now();
   ClientConnection connection(socket, tls_.get(), stopFd_);
   if (!connection.Handshake()) return false;

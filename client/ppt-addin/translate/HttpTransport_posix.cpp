@@ -1,5 +1,6 @@
 #include <curl/curl.h>
 #include <fcntl.h>
+#include <sched.h>
 
 #include <climits>
 #include <fstream>
@@ -14,11 +15,20 @@
 namespace {
 
 constexpr long kFirstFinalStatus = 200;
+// An answer that comes within this time is waited for awake: from a service on the same machine it
+// takes less than going to sleep and being woken does.
+constexpr std::chrono::microseconds kAwakeTime{300};
+constexpr int kSleepMs = 1000;  // until the limits are looked at again
 
 struct CloseHandle {
   void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
 };
 using Handle = std::unique_ptr<CURL, CloseHandle>;
+
+struct CloseMulti {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+using Multi = std::unique_ptr<CURLM, CloseMulti>;
 
 struct FreeHeaders {
   void operator()(curl_slist* list) const { curl_slist_free_all(list); }
@@ -114,18 +124,6 @@ Endpoint WithBrackets(const Endpoint& endpoint) {
   return result;
 }
 
-// The thread's handle, with every setting of an earlier call taken back: making one costs more than
-// a request over loopback does. Its connections are not kept.
-const Handle& ThreadHandle() {
-  static thread_local Handle handle(curl_easy_init());
-  if (handle) {
-    curl_easy_reset(handle.get());
-  } else {
-    handle.reset(curl_easy_init());
-  }
-  return handle;
-}
-
 Headers MakeHeaders(const Wide* bearerToken) {
   Headers headers;
   const auto add = [&headers](const std::string& line) {
@@ -151,47 +149,86 @@ bool Set(CURL* handle, CURLoption option, Value value) {
   return curl_easy_setopt(handle, option, value) == CURLE_OK;
 }
 
-bool PrepareAddress(CURL* handle, const Endpoint& endpoint, WideView path) {
-  const std::string url = ToUtf8(BuildUrl(WithBrackets(endpoint), path));
-  return Set(handle, CURLOPT_URL, url.c_str()) && Set(handle, CURLOPT_PATH_AS_IS, 1L) &&
-         Set(handle, CURLOPT_PROTOCOLS_STR, "http,https") &&
+// What is the same for every call.
+bool PrepareAlways(CURL* handle) {
+  return Set(handle, CURLOPT_PATH_AS_IS, 1L) && Set(handle, CURLOPT_PROTOCOLS_STR, "http,https") &&
          // No proxy, and the variables that name one are not looked at.
-         Set(handle, CURLOPT_PROXY, "") && Set(handle, CURLOPT_NOPROXY, "*");
-}
-
-bool PrepareRequest(CURL* handle, std::string_view body, curl_slist* headers) {
-  return Set(handle, CURLOPT_POST, 1L) && Set(handle, CURLOPT_POSTFIELDS, body.data()) &&
-         Set(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size())) &&
-         Set(handle, CURLOPT_HTTPHEADER, headers) &&
-         Set(handle, CURLOPT_USERAGENT, "Quillmarch/1.0") &&
+         Set(handle, CURLOPT_PROXY, "") && Set(handle, CURLOPT_NOPROXY, "*") &&
+         Set(handle, CURLOPT_POST, 1L) && Set(handle, CURLOPT_USERAGENT, "Quillmarch/1.0") &&
          Set(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1)) &&
          // A connection of its own: a request is never sent again because a kept connection turned
          // out to be dead.
          Set(handle, CURLOPT_FRESH_CONNECT, 1L) && Set(handle, CURLOPT_FORBID_REUSE, 1L) &&
          // The body and the token go to the address asked for and to no other.
-         Set(handle, CURLOPT_FOLLOWLOCATION, 0L);
+         Set(handle, CURLOPT_FOLLOWLOCATION, 0L) && Set(handle, CURLOPT_NOSIGNAL, 1L) &&
+         Set(handle, CURLOPT_NOPROGRESS, 0L) && Set(handle, CURLOPT_SOCKOPTFUNCTION, &OnSocket) &&
+         Set(handle, CURLOPT_PREREQFUNCTION, &OnConnected) &&
+         Set(handle, CURLOPT_XFERINFOFUNCTION, &OnProgress) &&
+         Set(handle, CURLOPT_HEADERFUNCTION, &OnHeader) &&
+         Set(handle, CURLOPT_WRITEFUNCTION, &OnData) &&
+         // The library's own limit counts the name's resolving in; TransferTimes does not.
+         Set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(INT_MAX));
+}
+
+bool PrepareAddress(CURL* handle, const Endpoint& endpoint, WideView path) {
+  const std::string url = ToUtf8(BuildUrl(WithBrackets(endpoint), path));
+  return Set(handle, CURLOPT_URL, url.c_str());
 }
 
 bool PrepareTrust(CURL* handle) {
   std::string& authorities = TrustedAuthorities();
-  if (authorities.empty()) return true;
+  if (authorities.empty()) return Set<curl_blob*>(handle, CURLOPT_CAINFO_BLOB, nullptr);
   curl_blob blob{authorities.data(), authorities.size(), CURL_BLOB_NOCOPY};
   return Set(handle, CURLOPT_CAINFO_BLOB, &blob);
 }
 
-bool PrepareCallbacks(CURL* handle, Transfer& transfer) {
-  return Set(handle, CURLOPT_NOSIGNAL, 1L) && Set(handle, CURLOPT_NOPROGRESS, 0L) &&
-         Set(handle, CURLOPT_SOCKOPTFUNCTION, &OnSocket) &&
-         Set(handle, CURLOPT_SOCKOPTDATA, &transfer) &&
-         Set(handle, CURLOPT_PREREQFUNCTION, &OnConnected) &&
-         Set(handle, CURLOPT_PREREQDATA, &transfer) &&
-         Set(handle, CURLOPT_XFERINFOFUNCTION, &OnProgress) &&
+bool PrepareRequest(CURL* handle, std::string_view body, curl_slist* headers, Transfer& transfer) {
+  return Set(handle, CURLOPT_POSTFIELDS, body.data()) &&
+         Set(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size())) &&
+         Set(handle, CURLOPT_HTTPHEADER, headers) && PrepareTrust(handle) &&
+         Set(handle, CURLOPT_SOCKOPTDATA, &transfer) && Set(handle, CURLOPT_PREREQDATA, &transfer) &&
          Set(handle, CURLOPT_XFERINFODATA, &transfer) &&
-         Set(handle, CURLOPT_HEADERFUNCTION, &OnHeader) &&
-         Set(handle, CURLOPT_HEADERDATA, &transfer) &&
-         Set(handle, CURLOPT_WRITEFUNCTION, &OnData) && Set(handle, CURLOPT_WRITEDATA, &transfer) &&
-         // The library's own limit counts the name's resolving in; TransferTimes does not.
-         Set(handle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(INT_MAX));
+         Set(handle, CURLOPT_HEADERDATA, &transfer) && Set(handle, CURLOPT_WRITEDATA, &transfer);
+}
+
+// One thread's handles: making them costs more than a request over loopback does. No connection is
+// kept, and each call sets whatever differs between calls.
+class Client {
+ public:
+  Client() : multi_(curl_multi_init()), easy_(curl_easy_init()) {
+    if (easy_ && !PrepareAlways(easy_.get())) easy_.reset();
+  }
+  bool Ready() const { return multi_ && easy_; }
+  CURL* handle() const { return easy_.get(); }
+  CURLcode Perform();
+
+ private:
+  Multi multi_;
+  Handle easy_;  // goes before the other
+};
+
+CURLcode Client::Perform() {
+  if (curl_multi_add_handle(multi_.get(), easy_.get()) != CURLM_OK) return CURLE_OUT_OF_MEMORY;
+  const auto sleepsFrom = Now() + kAwakeTime;
+  int running = 1;
+  bool failed = false;
+  while (!failed) {
+    failed = curl_multi_perform(multi_.get(), &running) != CURLM_OK;
+    if (failed || running == 0) break;
+    if (Now() < sleepsFrom) {
+      // Where there is one processor, whoever has to answer needs it.
+      sched_yield();
+    } else {
+      failed = curl_multi_poll(multi_.get(), nullptr, 0, kSleepMs, nullptr) != CURLM_OK;
+    }
+  }
+  CURLcode result = CURLE_OUT_OF_MEMORY;
+  int left = 0;
+  while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    if (message->msg == CURLMSG_DONE) result = message->data.result;
+  }
+  curl_multi_remove_handle(multi_.get(), easy_.get());
+  return result;
 }
 
 Wide Fail(Wide* outError, const char16_t* text) {
@@ -209,19 +246,18 @@ Wide HttpPostJson(const Endpoint& endpoint, WideView path, std::string_view body
   if (!HoldWhilePaused(cancelFlag, pauseFlag)) return Fail(outError, u"Cancelled");
   if (!LibraryReady()) return Fail(outError, u"WinHttpOpen failed");
 
-  const Handle& handle = ThreadHandle();
-  if (!handle) return Fail(outError, u"WinHttpOpen failed");
-  if (endpoint.host.empty() || !PrepareAddress(handle.get(), endpoint, path)) {
+  static thread_local Client client;
+  if (!client.Ready()) return Fail(outError, u"WinHttpOpen failed");
+  if (endpoint.host.empty() || !PrepareAddress(client.handle(), endpoint, path)) {
     return Fail(outError, u"WinHttpConnect failed");
   }
-  Transfer transfer(handle.get(), bodyUtf8.size(), cancelFlag, pauseFlag);
+  Transfer transfer(client.handle(), bodyUtf8.size(), cancelFlag, pauseFlag);
   const Headers headers = MakeHeaders(bearerToken);
-  if (!headers || !PrepareRequest(handle.get(), bodyUtf8, headers.get()) ||
-      !PrepareTrust(handle.get()) || !PrepareCallbacks(handle.get(), transfer)) {
+  if (!headers || !PrepareRequest(client.handle(), bodyUtf8, headers.get(), transfer)) {
     return Fail(outError, u"WinHttpOpenRequest failed");
   }
 
-  const CURLcode result = curl_easy_perform(handle.get());
+  const CURLcode result = client.Perform();
   if (outStatus != nullptr) *outStatus = static_cast<std::uint32_t>(transfer.status);
   if (result == CURLE_URL_MALFORMAT) return Fail(outError, u"WinHttpConnect failed");
   if (result != CURLE_OK || transfer.answer.empty()) {
