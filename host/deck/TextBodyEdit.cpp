@@ -295,7 +295,7 @@ void TextBody::EditProps(TextSpan range, const PropertiesEdit& edit) {
                                   : RenamedElement(RawElement(EndNode(para)), prefix_ + "rPr");
       std::string edited = edit(raw, prefix_);
       if (edited != raw) {
-        para.ownEnd = MakeFormat(std::move(edited));
+        para.ownEnd = formats_.OfText(std::move(edited));
         changed = true;
       }
     }

@@ -11,6 +11,10 @@ namespace {
 // What Windows makes of a shorter period. A timer of 0 would never let an unpaced clock get ahead.
 constexpr std::uint32_t kShortestPeriodMs = 10;
 
+// A worker posts more often than a thread can be woken for less than the posts cost. What it posts
+// sooner than this behind the last ones waits for the rest.
+constexpr std::chrono::microseconds kNapTime{500};
+
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
 
 using SteadyClock = std::chrono::steady_clock;
@@ -67,15 +71,24 @@ void LoopThread::Sleep(std::uint32_t ms) {
 }
 
 bool LoopThread::Post(Callable call) {
+<<<<<<< HEAD
   bool first = false;
+=======
+  bool wake = false;
+>>>>>>> cab29cb (Bundle a worker's posts while it works)
   {
     std::lock_guard lock(mutex_);
     if (closed_) return false;
     first = posts_.empty();
     posts_.push_back({++postings_, std::move(call)});
+    wake = !napping_;
   }
+<<<<<<< HEAD
   // Whoever waits waits for the first post, and a worker posts thousands.
   if (first) wake_.notify_all();
+=======
+  if (wake) wake_.notify_all();
+>>>>>>> cab29cb (Bundle a worker's posts while it works)
   return true;
 }
 
@@ -144,6 +157,7 @@ bool LoopThread::RunPass(const std::function<bool()>* done) {
       posts_.pop_front();
     }
     if (call) call();
+    ranPosts_ = SteadyClock::now();
     if (done != nullptr && (*done)()) return true;
   }
 
@@ -182,10 +196,18 @@ const LoopThread::Timer* LoopThread::NextTimer() const {
   return next;
 }
 
+void LoopThread::Nap(std::unique_lock<std::mutex>& lock) {
+  const auto until = ranPosts_ + kNapTime;
+  napping_ = true;
+  while (outsideWork_ > 0 && SteadyClock::now() < until) wake_.wait_until(lock, until);
+  napping_ = false;
+}
+
 void LoopThread::WaitForWork(std::uint64_t limit) {
   const Timer* next = NextTimer();
   const std::uint64_t wakeAt = next == nullptr ? limit : std::min(next->due, limit);
   std::unique_lock lock(mutex_);
+  Nap(lock);
   while (posts_.empty()) {
     if (wakeAt == kNoLimit) {
       wake_.wait(lock);

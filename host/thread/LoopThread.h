@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -75,6 +76,7 @@ class LoopThread final : public HostThread {
   bool Closed();
   std::uint64_t Now() const;
   const Timer* NextTimer() const;
+  void Nap(std::unique_lock<std::mutex>& lock);
 
   const ClockMode mode_;
   const std::thread::id hostThread_;
@@ -82,6 +84,8 @@ class LoopThread final : public HostThread {
 
   std::map<TimerId, Timer> timers_;  // host thread only
   std::uint64_t armings_ = 0;        // host thread only
+  // When posts ran last; host thread only.
+  std::chrono::steady_clock::time_point ranPosts_{};
 
   std::mutex mutex_;
   std::condition_variable wake_;
@@ -90,4 +94,5 @@ class LoopThread final : public HostThread {
   std::uint64_t postings_ = 0;
   std::uint32_t outsideWork_ = 0;
   bool closed_ = false;
+  bool napping_ = false;  // the host thread looks for posts by itself soon
 };
