@@ -19,7 +19,6 @@ constexpr milliseconds kRequestLimit{60'000};  // from the accept to the body's 
 constexpr milliseconds kIdleLimit{5'000};      // without a byte in either direction
 constexpr milliseconds kStopGrace{700};        // for an answer on its way when the service stops
 constexpr milliseconds kDrainLimit{1'000};
-constexpr std::size_t kInputSize = 16 * 1024;
 
 // Smaller answers go out in one piece; a bigger one is sent as it grows.
 constexpr std::size_t kOutputLimit = 1024 * 1024;
@@ -129,17 +128,16 @@ ssize_t ClientConnection::Receive(char* to, std::size_t size) {
 
 ssize_t ClientConnection::Read(char* to, std::size_t size) {
   if (failed_ || (!output_.empty() && !Flush())) return -1;
-  if (inputUsed_ == input_.size()) {
-    input_.resize(kInputSize);
-    inputUsed_ = 0;
+  if (inputUsed_ == inputEnd_) {
     const ssize_t got = Receive(input_.data(), input_.size());
-    input_.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+    inputUsed_ = 0;
+    inputEnd_ = got > 0 ? static_cast<std::size_t>(got) : 0;
     if (got <= 0) {
       failed_ = got < 0;
       return got;
     }
   }
-  const std::size_t count = std::min(size, input_.size() - inputUsed_);
+  const std::size_t count = std::min(size, inputEnd_ - inputUsed_);
   std::memcpy(to, input_.data() + inputUsed_, count);
   inputUsed_ += count;
   return static_cast<ssize_t>(count);

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <memory>
@@ -20,9 +21,9 @@ TlsContext LoadTls(const std::string& certificateFile, const std::string& keyFil
 // Used by one thread. Nothing throws; after a failure the connection is only good for Close.
 class ClientConnection {
  public:
-  // Owns the socket, which does not block. `tls` is null for plain HTTP. From the moment that `stopFd` becomes readable
-  // on, every wait for the client's bytes fails at once, and what is being sent has
-  // kStopGrace left.
+  // Owns the socket, which does not block. `tls` is null for plain HTTP. From the moment that
+  // `stopFd` becomes readable on, every wait for the client's bytes fails at once, and what is
+  // being sent has kStopGrace left.
   ClientConnection(int socket, ssl_ctx_st* tls, int stopFd);
   ~ClientConnection();
   ClientConnection(const ClientConnection&) = delete;
@@ -56,8 +57,10 @@ class ClientConnection {
   int stopFd_;
   std::unique_ptr<ssl_st, void (*)(ssl_st*)> tls_;
   Clock::time_point readDeadline_;
-  std::string input_;
+  static constexpr std::size_t kInputSize = 16 * 1024;
+  std::array<char, kInputSize> input_;  // good from inputUsed_ to inputEnd_
   std::size_t inputUsed_ = 0;
+  std::size_t inputEnd_ = 0;
   std::string output_;
   bool failed_ = false;
   bool stopping_ = false;

@@ -62,9 +62,29 @@ std::string ValidUtf8(std::string_view text) {
 
 std::size_t Utf16Length(std::string_view text) {
   std::size_t length = 0;
-  for (std::size_t at = 0; at < text.size();) length += NextCharacter(text, at) >= 0x10000 ? 2 : 1;
+  for (std::size_t at = 0; at < text.size();) {
+    if (static_cast<unsigned char>(text[at]) < 0x80) {
+      ++at;
+      ++length;
+    } else {
+      length += NextCharacter(text, at) >= 0x10000 ? 2 : 1;
+    }
+  }
   return length;
 }
+
+namespace {
+
+// `begin` is where the blanks in front end.
+TrimmedText TrimmedForwards(std::string_view text, std::size_t begin) {
+  std::size_t end = begin;
+  for (std::size_t at = begin; at < text.size();) {
+    if (!IsBlank(NextCharacter(text, at))) end = at;
+  }
+  return {text.substr(0, begin), text.substr(begin, end - begin), text.substr(end)};
+}
+
+}  // namespace
 
 bool IsBlank(char32_t c) {
   return c == 0x20 || (c >= 0x09 && c <= 0x0D) || c == 0x85 || c == 0xA0 ||
@@ -72,14 +92,17 @@ bool IsBlank(char32_t c) {
 }
 
 TrimmedText TrimBlanks(std::string_view text) {
-  std::size_t begin = text.size();
+  std::size_t begin = 0;
+  for (std::size_t next = 0; begin < text.size(); begin = next) {
+    if (!IsBlank(NextCharacter(text, next))) break;
+  }
+  if (begin == text.size()) return {text, {}, {}};
+  // From the end as long as there is plain ASCII: the rest is told apart forwards alone.
   std::size_t end = text.size();
-  bool inside = false;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t here = at;
-    if (IsBlank(NextCharacter(text, at))) continue;
-    if (!inside) begin = here;
-    inside = true;
+  while (end > begin) {
+    const std::size_t at = end - 1;
+    if (static_cast<unsigned char>(text[at]) >= 0x80) return TrimmedForwards(text, begin);
+    if (!IsBlank(static_cast<unsigned char>(text[at]))) break;
     end = at;
   }
   return {text.substr(0, begin), text.substr(begin, end - begin), text.substr(end)};

@@ -138,10 +138,9 @@ void Deck::WriteBack(Held& held) {
   }
   // A page that was edited is of no further use here, so another thread may take it apart.
   const std::size_t weight = held.part->Size() * kTreeWeight;
-  package_->PutPartLater(PartOf(held.page), weight,
-                         [part = std::shared_ptr<SlidePart>(std::move(held.part))] {
-                           return part->TakeBytes();
-                         });
+  package_->PutPartLater(
+      PartOf(held.page), weight,
+      [part = std::shared_ptr<SlidePart>(std::move(held.part))] { return part->TakeBytes(); });
 }
 
 bool Deck::Edited() {

@@ -20,10 +20,62 @@ constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 constexpr std::int64_t kMaxSlideId = 2147483647;
 constexpr double kEmuPerPoint = 12700.0;
 constexpr std::size_t kMaxSlides = 20000;
-// Slides are read and checked on a second thread, this far ahead of the notes and relationships.
+// Slides are read and checked on a second thread, this far ahead.
 constexpr std::size_t kLeastAhead = 8;
 constexpr std::size_t kMostAhead = 24;
-constexpr std::size_t kMostAheadBytes = 2 << 20;
+
+using Links = std::vector<Relationship>;
+
+// A part that the structure needs, as it was read.
+struct ReadPart {
+  std::string name;   // empty: not read
+  std::string fault;  // a sentence; empty when all is well
+  PackageResult<Links> links;
+};
+
+// A slide with its notes page.
+struct SlideParts {
+  ReadPart slide;
+  ReadPart notes;
+};
+
+// Whether the part is good XML with that root element: a sentence if not.
+std::string FaultOf(Package& package, const std::string& part, const char* rootName) {
+  const PackageResult<std::string> read = package.ReadXmlPart(part);
+  if (!read.ok) return read.error.sentence;
+  // The root's name is enough; the whole is parsed when it is needed.
+  const std::string_view bytes = read.value;
+  std::size_t at = 0;
+  while ((at = bytes.find('<', at)) != std::string_view::npos) {
+    const char next = at + 1 < bytes.size() ? bytes[at + 1] : '\0';
+    if (next != '?' && next != '!') break;
+    const bool comment = bytes.substr(at).starts_with("<!--");
+    at = bytes.find(comment ? "-->" : "?>", at + 2);
+  }
+  if (at == std::string_view::npos) return "The part " + part + " is empty.";
+  std::string_view name = bytes.substr(at + 1);
+  name = name.substr(0, name.find_first_of(" \t\r\n/>"));
+  if (const std::size_t colon = name.find(':'); colon != std::string_view::npos) {
+    name.remove_prefix(colon + 1);
+  }
+  if (name == rootName) return {};
+  return "The part " + part + " does not hold what it should: its root is not p:" + rootName + ".";
+}
+
+ReadPart ReadOne(Package& package, const std::string& part, const char* rootName) {
+  return {part, FaultOf(package, part, rootName), package.Relationships(part)};
+}
+
+// Any thread.
+SlideParts ReadSlideParts(Package& package, const std::string& part) {
+  SlideParts parts{ReadOne(package, part, "sld"), {}};
+  for (const Relationship& link : parts.slide.links.value) {
+    if (link.external || RelationshipKindOf(link.type) != RelationshipKind::kNotesSlide) continue;
+    if (package.HasPart(link.target)) parts.notes = ReadOne(package, link.target, "notes");
+    break;
+  }
+  return parts;
+}
 
 template <typename T>
 PackageResult<T> Refuse(std::string sentence) {
@@ -77,16 +129,13 @@ class DeckReader {
   std::string Read();
 
  private:
-  using Links = std::vector<Relationship>;
-  static constexpr std::uint64_t kNoAhead = ~std::uint64_t{0};
   // The relationships of a part, read once; what they lack of the structure is the sentence.
-  std::string LinksOf(const std::string& part, const Links*& links);
+  // `early` is the part as it was read ahead, null or of another part when it was not.
+  std::string LinksOf(const std::string& part, const Links*& links, ReadPart* early = nullptr);
   // Reads a part that the structure needs and checks its root element.
   std::string Load(const std::string& part, const char* rootName, pugi::xml_document& document,
                    std::string& bytes);
-  // `slide` is its place in slideParts_, if it has one.
-  std::string CheckPart(const std::string& part, const char* rootName,
-                        std::uint64_t slide = kNoAhead);
+  std::string CheckPart(const std::string& part, const char* rootName, ReadPart* early = nullptr);
   void StartAhead(std::size_t slide);
   std::string ReadPresentation();
   std::string ReadSlide(const std::string& part, std::int64_t id);
@@ -102,15 +151,16 @@ class DeckReader {
   std::unordered_map<std::string, Links> links_;
   std::vector<const std::string*> slideParts_;  // that exist, in order
   std::size_t started_ = 0;                     // of them, for reading ahead
-  ReadAhead<PackageResult<std::string>> ahead_{
-      kMostAheadBytes, [](const PackageResult<std::string>& read) { return read.value.size(); }};
+  // What is kept of a slide is small, so its number is bound enough.
+  ReadAhead<SlideParts> ahead_{kMostAhead, [](const SlideParts&) { return std::size_t{1}; }};
 };
 
-std::string DeckReader::LinksOf(const std::string& part, const Links*& links) {
+std::string DeckReader::LinksOf(const std::string& part, const Links*& links, ReadPart* early) {
   const auto [entry, fresh] = links_.try_emplace(LowerKey(part));
   links = &entry->second;
   if (!fresh) return {};
-  PackageResult<Links> read = package_.Relationships(part);
+  const bool known = early != nullptr && early->name == part;
+  PackageResult<Links> read = known ? std::move(early->links) : package_.Relationships(part);
   if (!read.ok) return read.error.sentence;
   entry->second = std::move(read.value);
   for (const Relationship& link : *links) {
@@ -139,42 +189,19 @@ std::string DeckReader::Load(const std::string& part, const char* rootName,
 
 void DeckReader::StartAhead(std::size_t slide) {
   if (started_ >= slide + kLeastAhead) return;
-  std::vector<std::pair<std::uint64_t, std::function<PackageResult<std::string>()>>> pieces;
+  std::vector<std::pair<std::uint64_t, std::function<SlideParts()>>> pieces;
   started_ = std::max(started_, slide + 1);
   for (; started_ < std::min(slide + kMostAhead, slideParts_.size()); ++started_) {
     const std::string& part = *slideParts_[started_];
-    pieces.emplace_back(started_, [this, &part] { return package_.ReadXmlPart(part); });
+    pieces.emplace_back(started_, [this, &part] { return ReadSlideParts(package_, part); });
   }
   ahead_.Start(std::move(pieces));
 }
 
-std::string DeckReader::CheckPart(const std::string& part, const char* rootName,
-                                  std::uint64_t slide) {
+std::string DeckReader::CheckPart(const std::string& part, const char* rootName, ReadPart* early) {
   if (!checked_.insert(LowerKey(part)).second) return {};
-  std::optional<PackageResult<std::string>> early;
-  if (slide != kNoAhead) early = ahead_.Take(slide);
-  const PackageResult<std::string> read = early ? *std::move(early) : package_.ReadXmlPart(part);
-  if (!read.ok) return read.error.sentence;
-  // The root's name is enough; the whole is parsed when it is needed.
-  const std::string_view bytes = read.value;
-  std::size_t at = 0;
-  while ((at = bytes.find('<', at)) != std::string_view::npos) {
-    const char next = at + 1 < bytes.size() ? bytes[at + 1] : '\0';
-    if (next != '?' && next != '!') break;
-    const bool comment = bytes.substr(at).starts_with("<!--");
-    at = bytes.find(comment ? "-->" : "?>", at + 2);
-  }
-  if (at == std::string_view::npos) return "The part " + part + " is empty.";
-  std::string_view name = bytes.substr(at + 1);
-  name = name.substr(0, name.find_first_of(" \t\r\n/>"));
-  if (const std::size_t colon = name.find(':'); colon != std::string_view::npos) {
-    name.remove_prefix(colon + 1);
-  }
-  if (name != rootName) {
-    return "The part " + part + " does not hold what it should: its root is not p:" + rootName +
-           ".";
-  }
-  return {};
+  const bool known = early != nullptr && early->name == part;
+  return known ? early->fault : FaultOf(package_, part, rootName);
 }
 
 std::string DeckReader::AddMaster(const std::string& part) {
@@ -211,9 +238,11 @@ std::string DeckReader::ReadSlide(const std::string& part, std::int64_t id) {
   slide.layout = kNoLayout;
   const std::size_t place = deck_.slides_.size();
   StartAhead(place);
-  std::string sentence = CheckPart(part, "sld", place);
+  std::optional<SlideParts> early = ahead_.Take(place);
+  if (!early) early = ReadSlideParts(package_, part);
+  std::string sentence = CheckPart(part, "sld", &early->slide);
   const Links* links = nullptr;
-  if (sentence.empty()) sentence = LinksOf(part, links);
+  if (sentence.empty()) sentence = LinksOf(part, links, &early->slide);
   if (!sentence.empty()) return sentence;
   for (const Relationship& link : *links) {
     if (!sentence.empty()) break;
@@ -223,9 +252,9 @@ std::string DeckReader::ReadSlide(const std::string& part, std::int64_t id) {
       sentence = AddLayout(link.target, slide.layout);
     } else if (kind == RelationshipKind::kNotesSlide && slide.notesPart.empty()) {
       slide.notesPart = link.target;
-      sentence = CheckPart(link.target, "notes");
+      sentence = CheckPart(link.target, "notes", &early->notes);
       const Links* notes = nullptr;
-      if (sentence.empty()) sentence = LinksOf(link.target, notes);
+      if (sentence.empty()) sentence = LinksOf(link.target, notes, &early->notes);
     }
   }
   deck_.slides_.push_back(std::move(slide));

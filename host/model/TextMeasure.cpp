@@ -82,8 +82,7 @@ const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeA
   for (const Entry& entry : entries_) {
     if (entry.deck != &deck || !SamePlace(entry.address, address)) continue;
     if (entry.version == version) return &entry;
-    const bool sameText =
-        entry.version.page == version.page && entry.version.text == version.text;
+    const bool sameText = entry.version.page == version.page && entry.version.text == version.text;
     if (sameText) before = &entry.frame;
   }
   const deck::ShapeBox area = TextArea(deck, address);

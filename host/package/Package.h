@@ -1,6 +1,6 @@
 // An Open Packaging (OPC) file: its parts, content types and relationships, read through libzip
-// and written without touching what was not edited. One thread at a time, but for ReadPart and
-// ReadXmlPart, which any thread may call at any time.
+// and written without touching what was not edited. One thread at a time, but for HasPart,
+// ReadPart, ReadXmlPart and Relationships, which any thread may call at any time.
 #pragma once
 
 #include <cstddef>

@@ -15,13 +15,13 @@
 #include <utility>
 #include <vector>
 
-// All members but the work itself are for one thread.
+// All members but the work itself are for one thread, which may do some of the work too.
 template <typename T>
 class ReadAhead {
  public:
   using Work = std::function<T()>;
   // While results of more than `mostBytes` wait to be taken, no further work is begun. `bytesOf`
-  // is called on the thread that works.
+  // is called on the thread that did the work.
   ReadAhead(std::size_t mostBytes, std::function<std::size_t(const T&)> bytesOf)
       : mostBytes_(mostBytes), bytesOf_(std::move(bytesOf)) {}
   ReadAhead(const ReadAhead&) = delete;
@@ -31,7 +31,7 @@ class ReadAhead {
       const std::lock_guard<std::mutex> lock(mutex_);
       stop_ = true;
     }
-    changed_.notify_all();
+    wake_.notify_all();
     if (worker_.joinable()) worker_.join();
   }
 
@@ -49,39 +49,50 @@ class ReadAhead {
       const std::lock_guard<std::mutex> lock(mutex_);
       for (auto& [key, work] : pieces) jobs_.push_back({key, std::move(work)});
     }
-    changed_.notify_all();
+    wake_.notify_one();
   }
 
-  // What was started under `key`, waited for if it is under way. Nothing when it was never started,
-  // has not been begun (it then never will be) or threw: the caller does it itself.
+  // What was started under `key`. While it is under way the caller does other pieces that wait,
+  // and sleeps when there are none. Nothing when it was never started, has not been begun (it then
+  // never will be) or threw: the caller does it itself.
   std::optional<T> Take(std::uint64_t key) {
     std::unique_lock<std::mutex> lock(mutex_);
     const auto job = Find(key);
     if (job == jobs_.end()) return std::nullopt;
-    changed_.wait(lock, [&] { return job->state != State::kRunning; });
+    while (job->state == State::kRunning) {
+      const auto other = Next();
+      if (other == jobs_.end()) {
+        done_.wait(lock, [&] { return job->state != State::kRunning; });
+      } else {
+        Do(*other, lock);
+      }
+    }
     std::optional<T> result = std::move(job->result);
     const bool full = readyBytes_ > mostBytes_;
     readyBytes_ -= job->bytes;
     jobs_.erase(job);
+    const bool mayGoOn = full && Next() != jobs_.end();
     lock.unlock();
-    if (full) changed_.notify_all();
+    if (mayGoOn) wake_.notify_one();
     return result;
   }
 
   // Forgets everything started under a smaller key.
   void DropBelow(std::uint64_t key) {
     std::unique_lock<std::mutex> lock(mutex_);
+    const bool full = readyBytes_ > mostBytes_;
     for (auto job = jobs_.begin(); job != jobs_.end();) {
       if (job->key >= key) {
         ++job;
         continue;
       }
-      changed_.wait(lock, [&] { return job->state != State::kRunning; });
+      done_.wait(lock, [&] { return job->state != State::kRunning; });
       readyBytes_ -= job->bytes;
       job = jobs_.erase(job);
     }
+    const bool mayGoOn = full && Next() != jobs_.end();
     lock.unlock();
-    changed_.notify_all();
+    if (mayGoOn) wake_.notify_one();
   }
 
  private:
@@ -107,35 +118,40 @@ class ReadAhead {
     return job;
   }
 
+  // The lock is let go of while the piece is done.
+  void Do(Job& job, std::unique_lock<std::mutex>& lock) {
+    job.state = State::kRunning;
+    lock.unlock();
+    std::optional<T> result;
+    std::size_t bytes = 0;
+    try {
+      result.emplace(job.work());
+      bytes = bytesOf_(*result);
+    } catch (const std::exception&) {
+      result.reset();
+    }
+    lock.lock();
+    job.result = std::move(result);
+    job.bytes = bytes;
+    readyBytes_ += bytes;
+    job.state = State::kDone;
+  }
+
   void Run() {
     std::unique_lock<std::mutex> lock(mutex_);
     while (true) {
-      changed_.wait(lock, [&] { return stop_ || Next() != jobs_.end(); });
+      wake_.wait(lock, [&] { return stop_ || Next() != jobs_.end(); });
       if (stop_) return;
-      const auto job = Next();
-      job->state = State::kRunning;
-      lock.unlock();
-      std::optional<T> result;
-      std::size_t bytes = 0;
-      try {
-        result.emplace(job->work());
-        bytes = bytesOf_(*result);
-      } catch (const std::exception&) {
-        result.reset();
-      }
-      lock.lock();
-      job->result = std::move(result);
-      job->bytes = bytes;
-      readyBytes_ += bytes;
-      job->state = State::kDone;
-      changed_.notify_all();
+      Do(*Next(), lock);
+      done_.notify_one();
     }
   }
 
   const std::size_t mostBytes_;
   const std::function<std::size_t(const T&)> bytesOf_;
   std::mutex mutex_;
-  std::condition_variable changed_;
+  std::condition_variable wake_;  // for the worker
+  std::condition_variable done_;  // for who asks for a result
   Jobs jobs_;
   std::size_t readyBytes_ = 0;  // of results not yet taken
   bool stop_ = false;

@@ -19,6 +19,22 @@ namespace {
 // A deflated part is hardly larger than its content; what is far larger is padded with nothing.
 constexpr std::uint64_t kPackedSlackBytes = 64 << 10;
 
+// How often a thread looks whether another one is done with libzip before it sleeps: that takes a
+// few microseconds, being put to sleep and woken many times more.
+constexpr int kLooks = 2000;
+
+// Held while libzip is used.
+class Turn {
+ public:
+  explicit Turn(std::mutex& mutex) : lock_(mutex, std::try_to_lock) {
+    for (int i = 0; i < kLooks && !lock_.owns_lock(); ++i) static_cast<void>(lock_.try_lock());
+    if (!lock_.owns_lock()) lock_.lock();
+  }
+
+ private:
+  std::unique_lock<std::mutex> lock_;
+};
+
 struct FreeDecompressor {
   void operator()(libdeflate_decompressor* decompressor) const {
     libdeflate_free_decompressor(decompressor);
@@ -136,7 +152,7 @@ std::string ZipArchive::Open(std::size_t maxEntries) {
 }
 
 std::string ZipArchive::State::ReadPacked(std::size_t entry, char* to, std::size_t length) {
-  const std::lock_guard<std::mutex> lock(mutex);
+  const Turn turn(mutex);
   if (EnsureOpen(ZIP_CHECKCONS) != 0) return "the file has changed since it was opened";
   const std::unique_ptr<zip_file_t, CloseEntry> opened(
       zip_fopen_index(archive, entry, ZIP_FL_COMPRESSED));

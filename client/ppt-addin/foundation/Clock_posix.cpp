@@ -7,8 +7,13 @@
 LocalTime LocalTimeNow() {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
-  std::tm fields{};
-  ::localtime_r(&now.tv_sec, &fields);
+  // Within a second the fields stay; looking the time zone up costs more than all the rest.
+  thread_local std::time_t known = -1;
+  thread_local std::tm fields{};
+  if (now.tv_sec != known) {
+    ::localtime_r(&now.tv_sec, &fields);
+    known = now.tv_sec;
+  }
   LocalTime t;
   t.year = static_cast<unsigned>(fields.tm_year + 1900);
   t.month = static_cast<unsigned>(fields.tm_mon + 1);

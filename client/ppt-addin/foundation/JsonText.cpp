@@ -46,10 +46,13 @@ std::size_t SkipAny(WideView json, std::size_t at, WideView units) {
 Wide ReadStringValue(WideView json, std::size_t& at) {
   Wide value;
   for (; at < json.size(); ++at) {
-    const char16_t unit = json[at];
-    if (unit == u'"') break;
-    if (unit != u'\\' || at + 1 == json.size()) {
-      value.push_back(unit);
+    std::size_t plain = at;
+    while (plain < json.size() && json[plain] != u'"' && json[plain] != u'\\') ++plain;
+    value.append(json, at, plain - at);
+    at = plain;
+    if (at == json.size() || json[at] == u'"') break;
+    if (at + 1 == json.size()) {
+      value.push_back(json[at]);
       continue;
     }
     ++at;
@@ -130,9 +133,15 @@ double ReadNumber(WideView text) {
 
 Wide JsonEscape(WideView text) {
   static constexpr WideView kHex = u"0123456789abcdef";
+  const auto plain = [](char16_t unit) { return unit >= 0x20 && unit != u'"' && unit != u'\\'; };
   Wide out;
   out.reserve(text.size() + kEscapeReserve);
-  for (const char16_t unit : text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::size_t run = at;
+    while (at < text.size() && plain(text[at])) ++at;
+    out.append(text, run, at - run);
+    if (at == text.size()) break;
+    const char16_t unit = text[at];
     switch (unit) {
       case u'\t':
         out += u"\\t";
@@ -149,13 +158,9 @@ Wide JsonEscape(WideView text) {
         out += unit;
         break;
       default:
-        if (unit < 0x20) {
-          out += u"\\u00";
-          out += kHex[unit >> 4];
-          out += kHex[unit & 0xF];
-        } else {
-          out += unit;
-        }
+        out += u"\\u00";
+        out += kHex[unit >> 4];
+        out += kHex[unit & 0xF];
     }
   }
   return out;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdio>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -15,6 +16,21 @@ static_assert(std::endian::native == std::endian::little);
 
 std::string_view BytesOf(WideView text) {
   return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t)};
+}
+
+constexpr std::size_t kUsualPrefix = 48;
+
+// `before` and the number, with noughts in front up to `width` digits.
+void AppendNumber(Wide& out, WideView before, std::uint32_t number, std::size_t width) {
+  char16_t digits[10];  // 32 bits have no more
+  std::size_t at = std::size(digits);
+  do {
+    digits[--at] = static_cast<char16_t>(u'0' + number % 10);
+    number /= 10;
+  } while (number != 0);
+  out += before;
+  for (std::size_t count = std::size(digits) - at; count < width; ++count) out += u'0';
+  out.append(digits + at, std::size(digits) - at);
 }
 
 bool IsLogFile(const FileFacts& file) {
@@ -122,12 +138,20 @@ void MaintainFolder(WideView dir, WideView fileName) {
 }
 
 void AppendLogLine(WideView path, const LocalTime& now, std::uint32_t thread, WideView text) {
-  char prefix[96];
-  const int length =
-      std::snprintf(prefix, sizeof prefix, "[%04u-%02u-%02u %02u:%02u:%02u.%03u tid=%lu] ",
-                    now.year, now.month, now.day, now.hour, now.minute, now.second, now.millisecond,
-                    static_cast<unsigned long>(thread));
-  AppendToFile(path, BytesOf(Wide(prefix, prefix + length)));
+  // "[%04u-%02u-%02u %02u:%02u:%02u.%03u tid=%lu] ", put together by hand: a line costs little
+  // beside it.
+  Wide prefix;
+  prefix.reserve(kUsualPrefix);
+  AppendNumber(prefix, u"[", now.year, 4);
+  AppendNumber(prefix, u"-", now.month, 2);
+  AppendNumber(prefix, u"-", now.day, 2);
+  AppendNumber(prefix, u" ", now.hour, 2);
+  AppendNumber(prefix, u":", now.minute, 2);
+  AppendNumber(prefix, u":", now.second, 2);
+  AppendNumber(prefix, u".", now.millisecond, 3);
+  AppendNumber(prefix, u" tid=", thread, 1);
+  prefix += u"] ";
+  AppendToFile(path, BytesOf(prefix));
   AppendToFile(path, BytesOf(text));
   AppendToFile(path, BytesOf(u"\r\n"));
 }

@@ -1,9 +1,10 @@
 #include <sys/random.h>
 #include <sys/utsname.h>
 
-#include <algorithm>
-#include <cstdio>
+#include <array>
+#include <charconv>
 #include <cstring>
+#include <system_error>
 
 #include "foundation/SystemIdentity.h"
 
@@ -23,12 +24,22 @@ Wide MachineWord() {
 
 bool ReadOsVersion(OsVersion& version) {
   utsname info{};
-  unsigned major = 0;
-  unsigned minor = 0;
-  unsigned build = 0;
   if (::uname(&info) != 0) return false;
-  if (std::sscanf(info.release, "%u.%u.%u", &major, &minor, &build) < 2) return false;
-  version = {major, minor, build};
+  // "6.1.0-13-amd64": two numbers at least.
+  std::array<unsigned, 3> numbers{};
+  const char* at = info.release;
+  const char* const end = at + std::strlen(at);
+  std::size_t read = 0;
+  while (read < numbers.size()) {
+    const auto [behind, error] = std::from_chars(at, end, numbers[read]);
+    if (error != std::errc()) break;
+    ++read;
+    at = behind;
+    if (at == end || *at != '.') break;
+    ++at;
+  }
+  if (read < 2) return false;
+  version = {numbers[0], numbers[1], numbers[2]};
   return true;
 }
 

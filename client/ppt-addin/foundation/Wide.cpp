@@ -1,6 +1,7 @@
 #include "foundation/Wide.h"
 
 #include <charconv>
+#include <cstring>
 
 namespace {
 
@@ -51,6 +52,32 @@ Sequence SequenceOf(unsigned char lead) {
   return s;
 }
 
+// Where the plain ASCII that begins at `from` ends. Most texts are nothing else, so it is looked
+// for eight bytes at a time.
+template <typename Unit>
+std::size_t AsciiEnd(std::basic_string_view<Unit> text, std::size_t from) {
+  constexpr std::size_t kStep = sizeof(std::uint64_t) / sizeof(Unit);
+  constexpr std::uint64_t kBeyond = sizeof(Unit) == 1 ? 0x8080808080808080u : 0xFF80FF80FF80FF80u;
+  std::size_t at = from;
+  for (; at + kStep <= text.size(); at += kStep) {
+    std::uint64_t units = 0;
+    std::memcpy(&units, text.data() + at, sizeof units);
+    if ((units & kBeyond) != 0) break;
+  }
+  while (at < text.size() && text[at] >= 0 && text[at] < 0x80) ++at;
+  return at;
+}
+
+// Appends ASCII, unit by unit.
+template <typename Text, typename Unit>
+void AppendAscii(Text& out, std::basic_string_view<Unit> text) {
+  const std::size_t at = out.size();
+  out.resize(at + text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    out[at + i] = static_cast<typename Text::value_type>(text[i]);
+  }
+}
+
 template <typename Number>
 Wide DecimalOf(Number value) {
   char digits[24];
@@ -66,12 +93,14 @@ Wide ToWide(std::string_view utf8) {
   out.reserve(utf8.size());
   std::size_t i = 0;
   while (i < utf8.size()) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    ++i;
-    if (lead < 0x80) {
-      out.push_back(static_cast<char16_t>(lead));
+    const std::size_t plain = AsciiEnd(utf8, i);
+    if (plain > i) {
+      AppendAscii(out, utf8.substr(i, plain - i));
+      i = plain;
       continue;
     }
+    const auto lead = static_cast<unsigned char>(utf8[i]);
+    ++i;
     Sequence s = SequenceOf(lead);
     bool whole = s.trailing != 0;
     for (unsigned k = 0; whole && k < s.trailing; ++k) {
@@ -103,6 +132,12 @@ std::string ToUtf8(WideView text) {
   out.reserve(text.size() + text.size() / 2);
   const auto put = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
   for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t plain = AsciiEnd(text, i);
+    if (plain > i) {
+      AppendAscii(out, text.substr(i, plain - i));
+      i = plain - 1;
+      continue;
+    }
     std::uint32_t point = text[i];
     if (IsHigh(text[i]) && i + 1 < text.size() && IsLow(text[i + 1])) {
       point = 0x10000 + ((point - 0xD800) << 10) + (text[i + 1] - 0xDC00u);
@@ -110,9 +145,7 @@ std::string ToUtf8(WideView text) {
     } else if (IsHigh(text[i]) || IsLow(text[i])) {
       point = kReplacement;
     }
-    if (point < 0x80) {
-      put(point);
-    } else if (point < 0x800) {
+    if (point < 0x800) {
       put(0xC0 | (point >> 6));
       put(0x80 | (point & 0x3F));
     } else if (point < 0x10000) {

@@ -186,7 +186,8 @@ bool PrepareRequest(CURL* handle, std::string_view body, curl_slist* headers, Tr
   return Set(handle, CURLOPT_POSTFIELDS, body.data()) &&
          Set(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size())) &&
          Set(handle, CURLOPT_HTTPHEADER, headers) && PrepareTrust(handle) &&
-         Set(handle, CURLOPT_SOCKOPTDATA, &transfer) && Set(handle, CURLOPT_PREREQDATA, &transfer) &&
+         Set(handle, CURLOPT_SOCKOPTDATA, &transfer) &&
+         Set(handle, CURLOPT_PREREQDATA, &transfer) &&
          Set(handle, CURLOPT_XFERINFODATA, &transfer) &&
          Set(handle, CURLOPT_HEADERDATA, &transfer) && Set(handle, CURLOPT_WRITEDATA, &transfer);
 }

@@ -4,6 +4,10 @@
 
 namespace {
 
+// Of a body without its texts, and of what stands around each: only what is set aside at first.
+constexpr std::size_t kUsualSize = 640;
+constexpr std::size_t kAroundText = 8;
+
 void AppendText(Wide& body, WideView text) {
   body += u'"';
   body += JsonEscape(text);
@@ -59,6 +63,9 @@ void AppendTrace(Wide& body, const TranslateBatchRequest& request) {
 
 Wide BuildRequestBody(const TranslateBatchRequest& request) {
   Wide body;
+  std::size_t size = kUsualSize;
+  for (const Wide& text : request.texts) size += text.size() + kAroundText;
+  body.reserve(size);
   AppendTexts(body, u"{\"texts\":", request.texts);
   if (!request.unitIds.empty()) AppendTexts(body, u",\"unitIds\":", request.unitIds);
   // The language codes are trusted and go in as they stand.

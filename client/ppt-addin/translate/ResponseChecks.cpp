@@ -120,6 +120,9 @@ Wide ReadErrorMessage(WideView body) {
 std::int32_t CountPlaceholders(WideView text) {
   std::int32_t count = 0;
   while (text.size() >= kShortestPlaceholder) {
+    const std::size_t bracket = text.find(u'[');
+    if (bracket == WideView::npos) break;
+    text.remove_prefix(bracket);
     const std::size_t length = PlaceholderLength(text);
     if (length > 0) ++count;
     text.remove_prefix(length > 0 ? length : 1);
