@@ -34,11 +34,17 @@ function(quillmarch_sources out)
   set(${out} ${found} PARENT_SCOPE)
 endfunction()
 
-# One room of the house: a static library of the folder's sources.
-#   quillmarch_room(NAME LINK lib...)
+# One room of the house: a static library of the folder's sources, or of those that ONLY names, or
+# of all but those that EXCEPT names; both are regular expressions over file names.
+#   quillmarch_room(NAME LINK lib... [ONLY regex] [EXCEPT regex])
 function(quillmarch_room name)
-  cmake_parse_arguments(ROOM "" "" "LINK" ${ARGN})
+  cmake_parse_arguments(ROOM "" "ONLY;EXCEPT" "LINK" ${ARGN})
   quillmarch_sources(sources)
+  if(ROOM_ONLY)
+    list(FILTER sources INCLUDE REGEX "/(${ROOM_ONLY})(_win|_posix)?\\.cpp$")
+  elseif(ROOM_EXCEPT)
+    list(FILTER sources EXCLUDE REGEX "/(${ROOM_EXCEPT})(_win|_posix)?\\.cpp$")
+  endif()
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC ${ROOM_LINK} PRIVATE quillmarch_options)
 endfunction()

@@ -54,10 +54,14 @@ class TwoFonts final : public FontList {
 
 class DeafPage final : public WebView {
  public:
+  std::shared_ptr<WebViewSettings> Settings() override { return nullptr; }
+  void AddWebMessageReceived(std::weak_ptr<WebViewSink>) override {}
+  void AddNavigationStarting(std::weak_ptr<WebViewSink>) override {}
+  void AddNavigationCompleted(std::weak_ptr<WebViewSink>) override {}
+  void Navigate(const Wide&) override {}
+  bool Source(Wide&) override { return false; }
   void ExecuteScript(const Wide&) override {}
   void PostWebMessageAsJson(const Wide&) override {}
-  void PutBounds(std::int32_t, std::int32_t) override {}
-  ResultCode Close() override { return kOk; }
 };
 
 void Require(bool holds) {
@@ -79,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static TwoFonts fonts;
   const std::shared_ptr<CPptPane> pane = CPptPane::Create({thread, hands, fonts, {}, {}, {}});
   pane->OnCreate(1);
-  pane->AttachWebView(std::make_shared<DeafPage>());
+  pane->AttachWebView(nullptr, std::make_shared<DeafPage>());
   const Wide text = ToWide({reinterpret_cast<const char*>(data), size});
   Hear(*pane, thread, text);
   // The same text behind every action, so that each of them reads it.

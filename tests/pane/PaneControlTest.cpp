@@ -143,7 +143,7 @@ TEST(CPptPane, AfterTheShutdownNoMessageIsHeardAndNothingIsSaid) {
   PaneHarness h;
   h.AddSlide(u"hello");
   h.pane->BeginShutdownEarly();
-  h.pane->AttachWebView(h.page);
+  h.pane->AttachWebView(h.page, h.page);
   h.Say(R"({"action":"setAccessToken","accessToken":"t"})");
   h.Start();
   h.pane->CallPage(u"onReady", u"{}");

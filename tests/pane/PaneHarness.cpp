@@ -74,7 +74,7 @@ void PaneHarness::MakePane(const WindowContext& window, std::uint32_t bridgeWait
 void PaneHarness::OpenWindow() {
   page->onMessage = [this](const Wide& json) { OnMessage(json); };
   pane->OnCreate(0xBEEF);
-  pane->AttachWebView(page);
+  pane->AttachWebView(page, page);
 }
 
 FakeShapeRef PaneHarness::AddSlide(const Wide& text) {

@@ -98,7 +98,43 @@ void CPptPane::OnCreate(std::uintptr_t handle) {
 }
 
 void CPptPane::OnSize(std::int32_t width, std::int32_t height) {
-  if (const std::shared_ptr<WebView> view = webView) view->PutBounds(width, height);
+  if (const std::shared_ptr<WebViewController> browser = webController) {
+    browser->PutBounds(width, height);
+  }
+}
+
+MessageAnswer CPptPane::OnWindowMessage(const WindowMessage& message) {
+  const MessageAnswer answer = RouteFirst(message);
+  if (answer.route != MessageRoute::kHandled) return answer;
+  // The message may let go of the pane's last holder.
+  const std::shared_ptr<CPptPane> self = shared_from_this();
+  try {
+    Serve(message);
+  } catch (const std::exception&) {
+    // Memory ran out: the message is served as far as it got.
+  }
+  return answer;
+}
+
+void CPptPane::Serve(const WindowMessage& message) {
+  switch (message.message) {
+    case WindowMessage::kCreate:
+      OnCreate(message.window);
+      return;
+    case WindowMessage::kSize:
+      PutBoundsOfWindow();
+      return;
+    case WindowMessage::kTimer:
+      OnTimer(static_cast<std::uint32_t>(message.wParam));
+      return;
+    case WindowMessage::kDestroy:
+      OnDestroy();
+      return;
+    default:
+      // The thread's own queue carries the posted calls: a message that says it holds one is
+      // nobody's, whatever stands in it.
+      return;
+  }
 }
 
 void CPptPane::OnTimer(std::uint32_t id) {
@@ -133,39 +169,6 @@ bool CPptPane::SetPaneTimer(std::uint32_t id, std::uint32_t ms) {
 
 void CPptPane::KillPaneTimer(std::uint32_t id) {
   if (window != nullptr) window->KillTimer(id);
-}
-
-void CPptPane::InitWebView() {
-  if (webViewStarted) return;
-  webViewStarted = true;
-  if (surroundings_.startWebView) surroundings_.startWebView(*this);
-}
-
-void CPptPane::AttachWebView(std::shared_ptr<WebView> view) {
-  webView = std::move(view);
-  pageThere_ = webView != nullptr;
-}
-
-void CPptPane::CloseWebView() {
-  pageThere_ = false;
-  const std::shared_ptr<WebView> view = std::exchange(webView, nullptr);
-  if (view == nullptr) return;
-  LogLine(u"PptPane WebView2 Close hr=" + HrText(view->Close()));
-}
-
-void CPptPane::OnWebMessageReceived(const Wide& text) {
-  if (shuttingDown != 0) return;
-  // The pane may lose its last holder inside the message.
-  const std::shared_ptr<CPptPane> self = shared_from_this();
-  try {
-    OnWebMessage(text);
-  } catch (const std::exception&) {
-    // Memory ran out: the message is dropped, as no action ever gets an error for an answer.
-  }
-}
-
-void CPptPane::OnNavigationStarting() {
-  if (shuttingDown == 0) transport_.FailAllPendingTranslate(u"webview_navigating");
 }
 
 void CPptPane::RunScript(const Wide& script) {

@@ -10,12 +10,14 @@
 #include <vector>
 
 #include "foundation/AutomationObject.h"
+#include "foundation/Desktop.h"
 #include "foundation/FontList.h"
 #include "foundation/HostThread.h"
 #include "foundation/InputState.h"
 #include "foundation/TargetStyle.h"
 #include "foundation/WebView.h"
 #include "foundation/WindowContext.h"
+#include "pane/MessageMap.h"
 #include "pane/PaneWindow.h"
 #include "pane/PanelTransport.h"
 #include "run/PptCtrl.h"
@@ -23,21 +25,34 @@
 
 class CPptPane;
 
+// A window's client area in pixels.
+struct ClientSize {
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+};
+
 // What panes stand in. All of it outlives every pane.
 struct PaneSurroundings {
   HostThread& thread;
   InputState& input;
   FontList& fonts;
   RunObserver observer;  // gets the record of each run's end; may be empty
-  // Begins to make the browser, which comes later by AttachWebView; may be empty.
+  // Begins to make a browser that needs no loader and comes by AttachWebView; may be empty.
   std::function<void(CPptPane&)> startWebView;
-  // Makes the pane's window below `parent`, for hosts that do not: calls OnCreate before it
-  // returns. False when there is none; may be empty.
+  // Makes and shows the pane's window below `parent`, for hosts that do not: default rectangle, no
+  // title, kFallbackStyle; calls OnCreate before it returns. False when there is none; may be
+  // empty.
   std::function<bool(CPptPane&, std::uintptr_t parent)> createWindow;
   std::uint32_t bridgeWaitMs = kBridgeWaitMs;  // how long the page may take over a request
+  WebViewLoader* loader = nullptr;             // null: the browser comes by startWebView
+  Desktop* desktop = nullptr;                  // goes with the loader
+  // The client area of the pane's window; empty counts as no area.
+  std::function<ClientSize(const CPptPane&)> clientSize = nullptr;
+  // A reference to the object that the host knows the pane by; a run holds one. May be empty.
+  std::function<std::shared_ptr<void>(CPptPane&)> holdObject = nullptr;
 };
 
-class CPptPane : public std::enable_shared_from_this<CPptPane> {
+class CPptPane : public std::enable_shared_from_this<CPptPane>, public WebViewSink {
   struct Key {};  // lets Create alone construct
 
  public:
@@ -47,6 +62,11 @@ class CPptPane : public std::enable_shared_from_this<CPptPane> {
   static constexpr std::uint32_t kWidthPollMs = 300;
   static constexpr std::uint32_t kDeferredStartMs = 150;
   static constexpr std::uint32_t kRunTickMs = 120;
+  // WS_CHILD, WS_CLIPSIBLINGS, WS_CLIPCHILDREN; a window that is activated in place is made visible
+  // as well.
+  static constexpr std::uint32_t kFallbackStyle = 0x46000000;
+  static constexpr std::uint32_t kWindowStyle = 0x56000000;
+  static constexpr char16_t kWindowClass[] = u"QuillmarchPptPaneWnd";
 
   // Takes the hand-over block and enters LivePanes. The pane lives as long as somebody holds it; a
   // run holds it too.
@@ -63,25 +83,48 @@ class CPptPane : public std::enable_shared_from_this<CPptPane> {
   ResultCode DoVerb(std::int32_t verb, std::uintptr_t parent,
                     const std::function<ResultCode()>& stock);
   void EnsureWindowAndWebView();
+  // Every message of the window comes here first.
+  MessageAnswer OnWindowMessage(const WindowMessage& message);
   void OnCreate(std::uintptr_t handle);
   void OnSize(std::int32_t width, std::int32_t height);  // client pixels
   void OnTimer(std::uint32_t id);
   void OnDestroy();
   bool HasWindow() const;
 
-  // ---- The web view (CPptPane.cpp) -------------------------------------------------------------
+  // ---- The web view (WebViewHost.cpp) ----------------------------------------------------------
 
+  // Begins to make the browser, once for each pane.
   void InitWebView();
-  void AttachWebView(std::shared_ptr<WebView> view);
+  // A browser that is ready, with its page loaded or loading.
+  void AttachWebView(std::shared_ptr<WebViewController> browser, std::shared_ptr<WebView> view);
   void CloseWebView();
-  // The browser's events. Messages are JSON texts.
-  void OnWebMessageReceived(const Wide& text);
-  void OnNavigationStarting();
+  // The browser's events.
+  ResultCode OnEnvironmentCompleted(ResultCode code,
+                                    std::shared_ptr<WebViewEnvironment> environment) override;
+  ResultCode OnControllerCompleted(ResultCode code,
+                                   std::shared_ptr<WebViewController> browser) override;
+  void OnWebMessageReceived(const Wide& text) override;
+  void OnNavigationStarting() override;
+  void OnNavigationCompleted(bool isSuccess) override;
+  // Tells log, service and user that there is no browser. `stage` is one of "userdata", "create",
+  // "environment", "controller", "core".
+  void ReportWebViewFailure(const char16_t* stage, ResultCode code);
   // Each does nothing without a page or once the pane is shutting down.
   void RunScript(const Wide& script);
   void PostToPage(const Wide& json);
   // Calls a function of the page, if the page has it, with `payload` as its one argument.
   void CallPage(const char16_t* name, const Wide& payload);
+
+  // ---- The pages (PanelPages.cpp) --------------------------------------------------------------
+
+  Wide BuildPanelUrl(const Wide& page);
+  void NavigateTo(const Wide& page);
+  // Finds out from the browser which page it shows.
+  void RefreshCurrentPage();
+  // What the ribbon asks for: a page other than the one shown is gone to, now or when the browser
+  // is there; the translate page that is shown gets the pending mode alone.
+  void SetPanelPage(const Wide& page);
+  void SetMode(const Wide& mode);
 
   // ---- The page's messages (PanelDispatch.cpp) -------------------------------------------------
 
@@ -100,11 +143,15 @@ class CPptPane : public std::enable_shared_from_this<CPptPane> {
 
   // Ends requests, run and web view; waits up to 2000 ms for the run's worker.
   void BeginShutdownEarly();
+  // Nobody holds the object that the host knows the pane by any more.
+  void FinalRelease();
 
   // ---- Fields ----------------------------------------------------------------------------------
 
   ObjectRef hostApp;
   std::shared_ptr<PaneWindow> window;  // made once, kept when it has gone
+  std::shared_ptr<WebViewEnvironment> webEnvironment;
+  std::shared_ptr<WebViewController> webController;
   std::shared_ptr<WebView> webView;
   std::atomic<std::uint8_t> shuttingDown{0};  // any thread
   std::uintptr_t windowHandle = 0;            // for the log; 0 when there is no window
@@ -135,6 +182,8 @@ class CPptPane : public std::enable_shared_from_this<CPptPane> {
 
  private:
   void FinalConstruct();
+  void Serve(const WindowMessage& message);
+  void PutBoundsOfWindow();
   void SetAccessToken(const Wide& token);
   void HandleTerminology(const Wide& message);
   void PostFontList();
@@ -153,6 +202,7 @@ class CPptPane : public std::enable_shared_from_this<CPptPane> {
   void StopFlags();
 
   PaneSurroundings surroundings_;
+  std::uintptr_t webViewParent_ = 0;  // the window that the browser was begun for
   // As webView, for threads that may not touch it.
   std::atomic<bool> pageThere_{false};
   PanelTransport transport_;
@@ -160,6 +210,7 @@ class CPptPane : public std::enable_shared_from_this<CPptPane> {
   // must not end the run beneath it.
   bool inController_ = false;
   std::shared_ptr<CPptPane> runReference_;  // this, while a run lives
+  std::shared_ptr<void> runHoldsObject_;    // the host's object, as long
 };
 
 // The token of the page that signed in last, for panes made later.

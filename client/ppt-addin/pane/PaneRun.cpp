@@ -55,6 +55,7 @@ void CPptPane::StartRun(const Wide& message) {
   }
   const std::shared_ptr<CPptPane> self = shared_from_this();
   runReference_ = self;
+  if (surroundings_.holdObject) runHoldsObject_ = surroundings_.holdObject(*this);
   try {
     BeginRun(message, scope);
   } catch (const std::exception&) {
@@ -199,6 +200,7 @@ void CPptPane::EndRun() {
   runActive = 0;
   LogLine(u"PptPane run finished");
   runReference_.reset();  // the callers hold the pane themselves
+  runHoldsObject_.reset();
 }
 
 void CPptPane::StopFlags() {

@@ -9,10 +9,15 @@
 
 namespace {
 
+struct KeptPane {
+  std::shared_ptr<CPptPane> pane;
+  std::shared_ptr<void> object;
+};
+
 // Panes whose window has gone and whose workers had not ended by then. Never destroyed: at the
 // process's end workers may still be busy.
-std::vector<std::shared_ptr<CPptPane>>& KeptPanes() {
-  static auto& panes = *std::make_unique<std::vector<std::shared_ptr<CPptPane>>>().release();
+std::vector<KeptPane>& KeptPanes() {
+  static auto& panes = *std::make_unique<std::vector<KeptPane>>().release();
   return panes;
 }
 
@@ -45,17 +50,24 @@ void CPptPane::OnDestroy() {
   if (window != nullptr) window->Destroy();
   windowHandle = 0;
   CloseWebView();
-  if (runReference_ != nullptr) KeptPanes().push_back(std::move(runReference_));
+  if (runReference_ == nullptr) return;
+  KeptPanes().push_back({std::move(runReference_), std::move(runHoldsObject_)});
+}
+
+void CPptPane::FinalRelease() {
+  shuttingDown = 1;
+  transport_.FailAllPendingTranslate(u"addin_shutdown");
+  hostApp.Reset();
 }
 
 std::size_t ReleaseEndedPanes() {
-  std::vector<std::shared_ptr<CPptPane>>& kept = KeptPanes();
-  const auto ended = std::stable_partition(kept.begin(), kept.end(), [](const auto& pane) {
-    return pane->controller != nullptr && pane->controller->WorkerRunning();
+  std::vector<KeptPane>& kept = KeptPanes();
+  const auto ended = std::stable_partition(kept.begin(), kept.end(), [](const KeptPane& one) {
+    return one.pane->controller != nullptr && one.pane->controller->WorkerRunning();
   });
   // Destroyed when the list is in order again: a pane's end may run anything.
-  const std::vector<std::shared_ptr<CPptPane>> released(std::make_move_iterator(ended),
-                                                        std::make_move_iterator(kept.end()));
+  const std::vector<KeptPane> released(std::make_move_iterator(ended),
+                                       std::make_move_iterator(kept.end()));
   kept.erase(ended, kept.end());
   return kept.size();
 }

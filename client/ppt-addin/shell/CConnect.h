@@ -1,0 +1,103 @@
+// What the host makes when it loads the add-in: the connection to the host, its ribbon and one task
+// pane for each document window. Every entry point is called on the host thread, in any order and
+// as often as the host likes; none throws.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+
+#include "foundation/AutomationObject.h"
+#include "foundation/Desktop.h"
+#include "foundation/HostThread.h"
+#include "foundation/Variant.h"
+#include "shell/ModuleResources.h"
+#include "shell/PaneMap.h"
+#include "shell/RibbonCalls.h"
+#include "shell/TaskPane.h"
+
+// What a connection stands in. All of it outlives the connection.
+struct ShellSurroundings {
+  HostThread& thread;
+  Desktop& desktop;
+  ModuleResources& resources;
+};
+
+class CConnect {
+ public:
+  explicit CConnect(ShellSurroundings surroundings);
+  ~CConnect();
+  CConnect(const CConnect&) = delete;
+  CConnect& operator=(const CConnect&) = delete;
+
+  // ---- _IDTExtensibility2 (CConnect.cpp) -------------------------------------------------------
+
+  ResultCode OnConnection(ObjectRef application);
+  ResultCode OnDisconnection();
+  ResultCode OnAddInsUpdate();
+  ResultCode OnStartupComplete();
+  ResultCode OnBeginShutdown();
+
+  // ---- ICustomTaskPaneConsumer (CConnect.cpp) --------------------------------------------------
+
+  ResultCode CTPFactoryAvailable(std::shared_ptr<TaskPaneFactory> factory);
+
+  // ---- IRibbonExtensibility (Ribbon.cpp) -------------------------------------------------------
+
+  // The same text for every ribbon. `allocate` makes the host's copy; false when it cannot.
+  ResultCode GetCustomUI(const std::function<bool(const Wide& xml)>& allocate);
+
+  // ---- The ribbon's dispatch, and IRibbonCallback (Ribbon.cpp) ---------------------------------
+
+  // IDispatch::Invoke for the ids of the ribbon. `args` stand as in rgvarg, the last one first.
+  // `result` may be null. False for an id that is the type library's to serve.
+  bool Invoke(DispId id, std::span<const RibbonArgument> args, Variant* result, ResultCode& code);
+
+  // `control` may be null, for all of them.
+  ResultCode TranslateFullDocClicked(AutomationObject* control);
+  ResultCode TranslateCurrentSlideClicked(AutomationObject* control);
+  ResultCode ShowPaneClicked(AutomationObject* control);
+  ResultCode GlossaryClicked(AutomationObject* control);
+  ResultCode InstructionClicked(AutomationObject* control);
+  ResultCode AccountClicked(AutomationObject* control);
+  ResultCode SupportClicked(AutomationObject* control);
+  ResultCode TranslateSelectionClicked(AutomationObject* control);
+  ResultCode PdfTranslateClicked(AutomationObject* control);
+
+  // ---- Task panes (TaskPanes.cpp) --------------------------------------------------------------
+
+  // Opens a page in the pane of the window that was clicked in; what goes wrong is shown to the
+  // user and is success all the same. Null `page` means "translate"; empty `mode` leaves the mode.
+  ResultCode ShowPanePage(const char16_t* page, AutomationObject* control, const Wide& mode);
+  ResultCode EnsureTaskPane(const WindowContext& context, const ObjectRef& window,
+                            bool& justCreatedOut);
+  void PrunePanes();
+
+  // ---- Width (ConnectWidth.cpp) ----------------------------------------------------------------
+
+  // What timer 1 of every pane calls.
+  void WidthTick();
+  std::int32_t LoadInitialWidth();
+  void SaveAllOnShutdown();
+
+  // ---- Fields ----------------------------------------------------------------------------------
+
+  ObjectRef hostApp;
+  ObjectRef ribbonUi;
+  std::shared_ptr<TaskPaneFactory> ctpFactory;
+  PaneMap panes;
+
+ private:
+  void ServeWidthHook();
+  void LeaveWidthHook();
+  void ShowBox(const Wide& text, std::uint32_t style);
+  ResultCode TextOfControl(std::span<const RibbonArgument> args, bool tip, Variant* result);
+  ResultCode GetImageCall(std::span<const RibbonArgument> args);
+
+  ShellSurroundings surroundings_;
+};
+
+// How many panes the process has tried to make: the number of the next one.
+std::int32_t NextPaneId();
+// Set once a task pane has landed in another window than it was made for. Nothing reads it.
+bool CtpWindowMismatch();

@@ -1,0 +1,19 @@
+// The resources in the add-in's module.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+class ModuleResources {
+ public:
+  static constexpr char16_t kXmlType[] = u"XML";
+  static constexpr char16_t kRegistryType[] = u"REGISTRY";
+  static constexpr std::uint16_t kRibbonXml = 201;      // ribbon.xml
+  static constexpr std::uint16_t kConnectScript = 101;  // CConnect.rgs
+  static constexpr std::uint16_t kPaneScript = 102;     // CPptPane.rgs
+
+  virtual ~ModuleResources() = default;
+
+  // The bytes of a resource as they stand in its file. False when there is none.
+  virtual bool Load(const char16_t* type, std::uint16_t id, std::string& bytes) = 0;
+};
