@@ -52,6 +52,7 @@ namespace documentWindow {
 inline constexpr TypedMember kSelection{ppt::kDocumentWindow, 2003};
 inline constexpr TypedMember kView{ppt::kDocumentWindow, 2004};
 inline constexpr TypedMember kPresentation{ppt::kDocumentWindow, 2005};
+inline constexpr TypedMember kActive{ppt::kDocumentWindow, 2008};
 inline constexpr TypedMember kHwnd{ppt::kDocumentWindow, 2020};
 }  // namespace documentWindow
 

@@ -30,3 +30,6 @@ class UserRegistry {
   // No value and no key below it; false for a key that is not there.
   virtual bool IsEmpty(WideView key) = 0;
 };
+
+// The user's own. On Windows alone: nobody registers anything elsewhere.
+UserRegistry& SystemUserRegistry();

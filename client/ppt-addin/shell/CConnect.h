@@ -88,16 +88,35 @@ class CConnect {
   PaneMap panes;
 
  private:
-  void ServeWidthHook();
-  void LeaveWidthHook();
+  // The outermost handler of an entry: what an exception leaves behind is success.
+  static ResultCode Enter(const std::function<ResultCode()>& body);
   void ShowBox(const Wide& text, std::uint32_t style);
+
+  ResultCode InvokeButton(DispId id, std::span<const RibbonArgument> args);
+  ResultCode InvokeCommon(DispId id, std::span<const RibbonArgument> args, Variant* result);
   ResultCode TextOfControl(std::span<const RibbonArgument> args, bool tip, Variant* result);
   ResultCode GetImageCall(std::span<const RibbonArgument> args);
+
+  void OpenPage(const char16_t* page, AutomationObject* control, const Wide& mode);
+  bool IsGoodEntry(std::int64_t key, const WindowContext& context);
+  void LogNoMatch(std::int64_t key, const WindowContext& context) const;
+  ResultCode CreateTaskPane(TaskPaneFactory& factory, const WindowContext& context,
+                            const ObjectRef& window, std::shared_ptr<TaskPane>& pane);
+  void KeepPane(std::int64_t key, const WindowContext& context,
+                const std::shared_ptr<TaskPane>& pane);
+  void DropPane(std::int64_t key, const PaneMapEntry& entry, const char16_t* reason);
+
+  void ServeWidthHook();
+  void LeaveWidthHook();
+  void ForEachPane(const std::function<void(TaskPane&, PaneWidthState&)>& act);
 
   ShellSurroundings surroundings_;
 };
 
-// How many panes the process has tried to make: the number of the next one.
+// The number of the next pane: how many the process has tried to make.
 std::int32_t NextPaneId();
 // Set once a task pane has landed in another window than it was made for. Nothing reads it.
 bool CtpWindowMismatch();
+
+// As at the process's start, for tests: the next connection tells the service again.
+void ForgetAddinLoaded();

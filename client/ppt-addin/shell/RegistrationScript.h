@@ -1,12 +1,13 @@
 // The registration scripts: text that names registry keys and values as a tree, run to write them
 // or to take them away.
 //
-//   ROOT { [NoRemove|ForceRemove|Delete] Key [= s 'text' | d 'number'] { ... val Name = s 'text' }
-//   }
+//   ROOT { [NoRemove|ForceRemove] KEY [= s 'text'] { ... [NoRemove] val NAME = s 'text' ... } ... }
 //
-// ROOT is HKCU, or HKCR, which stands for HKCU\Software\Classes: registration is the user's own.
-// Any other root is refused, and so nothing can be written elsewhere. A quote inside a text stands
-// twice. %NAME% is replaced before anything else; %% is a percent sign.
+// A value's type is s (text) or d (number). Words are parted by blanks; one that holds blanks or
+// nothing stands in quotes, and a quote inside quotes stands twice. %NAME% is replaced before
+// anything else, and %% is a percent sign. ROOT is HKCU, or HKCR, which stands for
+// HKCU\Software\Classes, since registration is the user's own. Any other root is refused, so that
+// nothing can be written elsewhere.
 #pragma once
 
 #include <map>
@@ -17,14 +18,19 @@
 
 using ScriptVariables = std::map<Wide, Wide>;  // name without percent signs, text
 
-// kOk, kBadScript before anything is written when the text is no script, or an HRESULT made of the
-// registry's first failure.
+// A text that is no script; nothing has been touched.
 inline constexpr ResultCode kBadScript = MakeResult(0x80020009);
 
-// Keys are made, ForceRemove keys after taking away what stood there.
+// The HRESULT that stands for a Win32 code.
+ResultCode ResultOfWin32(UserRegistry::Code code);
+
+// Keys and values are made in the script's order; a ForceRemove key after what stood there was
+// taken away. The first failure of the registry ends the run and is its result.
 ResultCode RunRegisterScript(WideView script, const ScriptVariables& variables,
                              UserRegistry& registry);
-// Values go, ForceRemove keys with all below them, other keys when nothing is left in them; what is
-// marked NoRemove stays. What is not there is no failure.
+
+// A ForceRemove key goes with all below it; any other key loses the script's values and goes when
+// nothing is left in it. What is marked NoRemove stays. What is not there is no failure. The run
+// goes on over failures, and the first is its result.
 ResultCode RunUnregisterScript(WideView script, const ScriptVariables& variables,
                                UserRegistry& registry);
