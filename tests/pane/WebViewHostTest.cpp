@@ -1,0 +1,363 @@
+#include "pane/WebViewHost.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/Analytics.h"
+#include "foundation/DisplayLanguage.h"
+#include "foundation/Files.h"
+#include "foundation/KnownFolders.h"
+#include "pane/PaneHarness.h"
+#include "support/LogCapture.h"
+#include "support/ScriptedBrowser.h"
+#include "support/ScriptedDesktop.h"
+
+namespace {
+
+using test::LogCapture;
+using test::PaneHarness;
+using test::ScriptedBrowser;
+using test::ScriptedDesktop;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr std::uintptr_t kWindow = 0xBEEF;
+
+// A pane without a browser, whose stages the test completes.
+class WebViewHost : public testing::Test {
+ protected:
+  WebViewHost() {
+    ForgetFailureDialog();
+    ForgetWebViewInitError();
+    SetBeaconSender([this](AnalyticsBeacon beacon) { beacons_.push_back(beacon.body); });
+  }
+  ~WebViewHost() override {
+    for (const auto& pane : panes_) {
+      if (pane->HasWindow()) pane->OnDestroy();
+    }
+    SetBeaconSender({});
+    ForgetFailureDialog();
+    ForgetWebViewInitError();
+  }
+
+  CPptPane& Open(ScriptedBrowser& browser) {
+    PaneSurroundings surroundings = h_.Surroundings();
+    surroundings.loader = &browser;
+    surroundings.desktop = &desktop_;
+    surroundings.clientSize = [](const CPptPane&) { return ClientSize{300, 700}; };
+    panes_.push_back(CPptPane::Create(surroundings));
+    panes_.back()->OnCreate(kWindow);
+    return *panes_.back();
+  }
+  CPptPane& Open() { return Open(browser_); }
+  CPptPane& OpenAndComplete() {
+    CPptPane& pane = Open();
+    browser_.Complete();
+    return pane;
+  }
+
+  PaneHarness h_;
+  ScriptedDesktop desktop_;
+  ScriptedBrowser browser_;
+  std::vector<std::string> beacons_;
+  std::vector<std::shared_ptr<CPptPane>> panes_;
+  LogCapture log_;
+};
+
+TEST_F(WebViewHost, TheBrowserIsBegunOnceWithTheUsersFolder) {
+  CPptPane& pane = Open();
+  pane.InitWebView();
+  EXPECT_THAT(browser_.folders, ElementsAre(WebViewDataFolder()));
+  EXPECT_EQ(log_.Count("CPptPane InitWebView begin hwnd=0x000000000000BEEF"), 1);
+}
+
+TEST_F(WebViewHost, TheFolderLiesBelowTheLocalDataAndIsMade) {
+  const Wide folder = WebViewDataFolder();
+  EXPECT_EQ(folder, JoinPath(JoinPath(LocalDataFolder(), u"Quillmarch"), u"WebView2"));
+  FileFacts facts;
+  ASSERT_TRUE(ReadFileFacts(folder, facts));
+  EXPECT_TRUE(facts.isFolder);
+}
+
+TEST_F(WebViewHost, AFailureOfTheFirstCallIsTheOnlyAttempt) {
+  browser_.createResult = kOutOfMemory;
+  CPptPane& pane = Open();
+  EXPECT_TRUE(pane.webViewStarted);
+  pane.DoVerb(-1, 1, [] { return kOk; });
+  EXPECT_THAT(browser_.folders, SizeIs(1));
+  EXPECT_TRUE(log_.Has("PptPane WebView2 create failed hr=0x8007000E"));
+}
+
+TEST_F(WebViewHost, TheControllerIsMadeForTheWindowThatItWasBegunFor) {
+  CPptPane& pane = Open();
+  pane.windowHandle = 0x1111;
+  EXPECT_EQ(browser_.CompleteEnvironment(), kOk);
+  EXPECT_THAT(browser_.parents, ElementsAre(kWindow));
+  EXPECT_NE(pane.webEnvironment, nullptr);
+  EXPECT_TRUE(log_.Has("CPptPane env callback hr=0x00000000"));
+}
+
+TEST_F(WebViewHost, ARefusedControllerIsTheHandlersResultAndNoReport) {
+  browser_.controllerResult = kFail;
+  Open();
+  EXPECT_EQ(browser_.CompleteEnvironment(), kFail);
+  EXPECT_EQ(log_.CountContaining("PptPane WebView2"), 0);
+  EXPECT_THAT(desktop_.messages, IsEmpty());
+}
+
+TEST_F(WebViewHost, TheReadyBrowserIsSetUpInItsFixedOrder) {
+  OpenAndComplete();
+  EXPECT_THAT(browser_.page->steps,
+              ElementsAre("visible", "devtools off", "status bar off", "hear messages",
+                          "hear starting", "hear completed", "bounds 300x700", "navigate"));
+  EXPECT_TRUE(log_.Has("CPptPane controller callback hr=0x00000000"));
+}
+
+TEST_F(WebViewHost, SettingsThatAreRefusedAreLeftAlone) {
+  browser_.page->hasSettings = false;
+  OpenAndComplete();
+  EXPECT_THAT(browser_.page->steps, ElementsAre("visible", "hear messages", "hear starting",
+                                                "hear completed", "bounds 300x700", "navigate"));
+}
+
+TEST_F(WebViewHost, TheFirstPageIsThePendingOneWhichIsThenCleared) {
+  CPptPane& pane = Open();
+  pane.pendingPage = u"glossary";
+  browser_.Complete();
+  ASSERT_THAT(browser_.page->addresses, SizeIs(1));
+  EXPECT_THAT(ToUtf8(browser_.page->addresses[0]), HasSubstr("/panel/ppt/glossary.html?"));
+  EXPECT_EQ(pane.pendingPage, u"");
+  EXPECT_EQ(pane.currentPage, u"glossary");
+}
+
+TEST_F(WebViewHost, WithoutAPendingPageTheFirstIsTheTranslatePage) {
+  CPptPane& pane = Open();
+  pane.pendingPage.clear();
+  browser_.Complete();
+  ASSERT_THAT(browser_.page->addresses, SizeIs(1));
+  EXPECT_THAT(ToUtf8(browser_.page->addresses[0]), HasSubstr("/panel/ppt/?"));
+  EXPECT_EQ(pane.currentPage, u"translate");
+}
+
+// ---- Failures ----------------------------------------------------------------------------------
+
+TEST_F(WebViewHost, AFailedStageIsLoggedSentAndShownWithItsSupportHandle) {
+  Open();
+  browser_.CompleteEnvironment(MakeResult(0x80070002));
+  EXPECT_TRUE(log_.Has("PptPane WebView2 environment failed hr=0x80070002"));
+  ASSERT_THAT(beacons_, SizeIs(1));
+  EXPECT_THAT(beacons_[0], HasSubstr(R"("stage":"init","rawErrorCode":"0x80070002")"));
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_EQ(desktop_.messages[0].owner, kWindow);
+  EXPECT_EQ(desktop_.messages[0].text, Text(u"msg.webview2.body"));
+  EXPECT_FALSE(desktop_.messages[0].text.empty());
+  EXPECT_EQ(desktop_.messages[0].title, Text(u"msg.title"));
+  EXPECT_EQ(desktop_.messages[0].style, 0x10030U);
+}
+
+TEST_F(WebViewHost, TheSupportHandleIsCopiedOnlyWhenTheDialogHasBeenClosed) {
+  bool openWithoutCopy = false;
+  desktop_.whileShown = [&] { openWithoutCopy = desktop_.copied.empty(); };
+  Open();
+  browser_.CompleteEnvironment(kFail);
+  EXPECT_TRUE(openWithoutCopy);
+  EXPECT_THAT(desktop_.copied, ElementsAre(u"Quillmarch-1"));
+  // With its terminator, as the clipboard wants it, the handle is 26 bytes long.
+  EXPECT_EQ((desktop_.copied[0].size() + 1) * sizeof(char16_t), 26U);
+}
+
+TEST_F(WebViewHost, TwoPanesThatFailShowOneDialogAndSendOneEvent) {
+  ScriptedBrowser other;
+  Open();
+  Open(other);
+  browser_.CompleteEnvironment(kFail);
+  other.CompleteEnvironment(kFail);
+  EXPECT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_THAT(desktop_.copied, SizeIs(1));
+  EXPECT_THAT(beacons_, SizeIs(1));
+  EXPECT_EQ(log_.Count("PptPane WebView2 environment failed hr=0x80004005"), 2);
+}
+
+TEST_F(WebViewHost, TheEventDoesNotDependOnTheDialog) {
+  ScriptedBrowser other;
+  Open();
+  browser_.CompleteEnvironment(kFail);
+  ForgetFailureDialog();
+  Open(other);
+  other.CompleteEnvironment(kFail);
+  EXPECT_THAT(desktop_.messages, SizeIs(2));
+  EXPECT_THAT(beacons_, SizeIs(1));
+}
+
+TEST_F(WebViewHost, WithoutAWindowTheDialogHasNoOwner) {
+  CPptPane& pane = Open();
+  pane.window->Destroy();
+  browser_.CompleteEnvironment(kFail);
+  ASSERT_THAT(desktop_.messages, SizeIs(1));
+  EXPECT_EQ(desktop_.messages[0].owner, 0U);
+}
+
+TEST_F(WebViewHost, ASuccessWithoutAnObjectIsAFailureOfItsStage) {
+  ScriptedBrowser other;
+  CPptPane& pane = Open();
+  browser_.CompleteEnvironment(kOk, false);
+  EXPECT_TRUE(log_.Has("PptPane WebView2 environment failed hr=0x00000000"));
+  EXPECT_THAT(browser_.parents, IsEmpty());
+  EXPECT_EQ(pane.webEnvironment, nullptr);
+  CPptPane& second = Open(other);
+  other.CompleteEnvironment();
+  other.CompleteController(kOk, false);
+  EXPECT_TRUE(log_.Has("PptPane WebView2 controller failed hr=0x00000000"));
+  EXPECT_EQ(second.webView, nullptr);
+}
+
+TEST_F(WebViewHost, AFailedControllerIsReported) {
+  CPptPane& pane = Open();
+  browser_.CompleteEnvironment();
+  EXPECT_EQ(browser_.CompleteController(kOutOfMemory), kOk);
+  EXPECT_TRUE(log_.Has("PptPane WebView2 controller failed hr=0x8007000E"));
+  EXPECT_EQ(pane.webController, nullptr);
+}
+
+TEST_F(WebViewHost, ABrowserWithoutAPageIsClosedAndReportedAsCore) {
+  browser_.page->hasWebView = false;
+  CPptPane& pane = OpenAndComplete();
+  EXPECT_THAT(browser_.page->steps, ElementsAre("visible", "close"));
+  EXPECT_TRUE(log_.Has("PptPane WebView2 core failed hr=0x80004005"));
+  EXPECT_EQ(pane.webController, nullptr);
+  EXPECT_EQ(pane.webEnvironment, nullptr);
+}
+
+// ---- Late completions --------------------------------------------------------------------------
+
+TEST_F(WebViewHost, AnEnvironmentThatComesAfterTheShutdownIsNotTaken) {
+  CPptPane& pane = Open();
+  pane.BeginShutdownEarly();
+  EXPECT_EQ(browser_.CompleteEnvironment(), kOk);
+  EXPECT_THAT(browser_.parents, IsEmpty());
+  EXPECT_EQ(pane.webEnvironment, nullptr);
+  EXPECT_TRUE(browser_.environment.expired());
+}
+
+TEST_F(WebViewHost, AFailureThatComesAfterTheShutdownIsNotReportedByTheEnvironment) {
+  CPptPane& pane = Open();
+  pane.BeginShutdownEarly();
+  browser_.CompleteEnvironment(kFail);
+  EXPECT_THAT(desktop_.messages, IsEmpty());
+}
+
+TEST_F(WebViewHost, AShutdownBetweenTheTwoCompletionsClosesTheLateController) {
+  CPptPane& pane = Open();
+  browser_.CompleteEnvironment();
+  pane.BeginShutdownEarly();
+  EXPECT_TRUE(browser_.environment.expired());
+  EXPECT_EQ(browser_.CompleteController(), kOk);
+  EXPECT_THAT(browser_.page->steps, ElementsAre("close"));
+  EXPECT_EQ(pane.webController, nullptr);
+  EXPECT_EQ(pane.webView, nullptr);
+  EXPECT_THAT(desktop_.messages, IsEmpty());
+}
+
+TEST_F(WebViewHost, AShutdownInsideTheSetUpClosesTheBrowser) {
+  CPptPane& pane = Open();
+  browser_.CompleteEnvironment();
+  browser_.page->onGetWebView = [&] { pane.BeginShutdownEarly(); };
+  browser_.CompleteController();
+  EXPECT_THAT(browser_.page->steps, ElementsAre("visible", "close"));
+  EXPECT_EQ(pane.webView, nullptr);
+  EXPECT_THAT(desktop_.messages, IsEmpty());
+}
+
+TEST_F(WebViewHost, ClosingLetsGoOfAllThreeReferences) {
+  CPptPane& pane = OpenAndComplete();
+  pane.CloseWebView();
+  EXPECT_EQ(pane.webView, nullptr);
+  EXPECT_EQ(pane.webController, nullptr);
+  EXPECT_TRUE(browser_.environment.expired());
+  EXPECT_EQ(browser_.page.use_count(), 1);
+  pane.CloseWebView();
+  EXPECT_EQ(browser_.page->closed, 1);
+}
+
+TEST_F(WebViewHost, AnEnvironmentWithoutAControllerIsLetGoWithoutAClose) {
+  CPptPane& pane = Open();
+  browser_.CompleteEnvironment();
+  pane.CloseWebView();
+  EXPECT_TRUE(browser_.environment.expired());
+  EXPECT_EQ(log_.CountContaining("Close"), 0);
+}
+
+TEST_F(WebViewHost, AMessageAfterTheShutdownIsDropped) {
+  CPptPane& pane = OpenAndComplete();
+  pane.BeginShutdownEarly();
+  pane.OnWebMessageReceived(u"{\"action\":\"setAccessToken\",\"accessToken\":\"t\"}");
+  EXPECT_EQ(pane.accessToken, u"");
+}
+
+// ---- Navigations -------------------------------------------------------------------------------
+
+TEST_F(WebViewHost, AFailedNavigationIsLoggedAndNotTriedAgain) {
+  CPptPane& pane = OpenAndComplete();
+  pane.pendingPage = u"account";
+  pane.OnNavigationCompleted(false);
+  EXPECT_TRUE(log_.Has("CPptPane nav completed failed (no retry)"));
+  EXPECT_THAT(browser_.page->addresses, SizeIs(1));
+  EXPECT_EQ(pane.pendingPage, u"account");
+}
+
+TEST_F(WebViewHost, ACompletedNavigationTellsWhichPageIsShown) {
+  CPptPane& pane = OpenAndComplete();
+  browser_.page->source = u"https://host/panel/ppt/account.html?_=1";
+  pane.OnNavigationCompleted(true);
+  EXPECT_EQ(pane.currentPage, u"account");
+}
+
+TEST_F(WebViewHost, APageGetsTheTokenThatThePaneHoldsAfterEachLoad) {
+  CPptPane& pane = OpenAndComplete();
+  pane.OnNavigationCompleted(true);
+  EXPECT_THAT(browser_.page->Messages(), IsEmpty());
+  pane.accessToken = u"tok\"";
+  pane.OnNavigationCompleted(true);
+  pane.OnNavigationCompleted(true);
+  EXPECT_THAT(browser_.page->Messages(),
+              ElementsAre(R"({"action":"accessToken","accessToken":"tok\""})",
+                          R"({"action":"accessToken","accessToken":"tok\""})"));
+}
+
+TEST_F(WebViewHost, APageThatWasAskedForMeanwhileIsGoneToNext) {
+  CPptPane& pane = OpenAndComplete();
+  pane.pendingPage = u"support";
+  pane.pendingMode = u"slide";
+  pane.OnNavigationCompleted(true);
+  ASSERT_THAT(browser_.page->addresses, SizeIs(2));
+  EXPECT_THAT(ToUtf8(browser_.page->addresses[1]), HasSubstr("/support.html?"));
+  EXPECT_EQ(pane.pendingPage, u"");
+  EXPECT_EQ(pane.mode, u"full");
+}
+
+TEST_F(WebViewHost, TheTranslatePageGetsAPendingModeThatIsAnother) {
+  CPptPane& pane = OpenAndComplete();
+  browser_.page->source = u"https://host/panel/ppt/";
+  pane.OnNavigationCompleted(true);  // "full" is its own
+  EXPECT_THAT(browser_.page->Messages(), IsEmpty());
+  pane.pendingMode = u"selection";
+  pane.OnNavigationCompleted(true);
+  EXPECT_THAT(browser_.page->Messages(), ElementsAre(R"({"action":"setMode","mode":"selection"})"));
+  EXPECT_EQ(pane.mode, u"selection");
+  browser_.page->source = u"https://host/panel/ppt/glossary.html";
+  pane.pendingMode = u"slide";
+  pane.OnNavigationCompleted(true);
+  EXPECT_THAT(browser_.page->Messages(), SizeIs(1));
+}
+
+TEST_F(WebViewHost, AfterTheShutdownNoNavigationCounts) {
+  CPptPane& pane = OpenAndComplete();
+  pane.BeginShutdownEarly();
+  pane.OnNavigationCompleted(false);
+  pane.OnNavigationStarting();
+  EXPECT_EQ(log_.CountContaining("nav completed"), 0);
+}
+
+}  // namespace
