@@ -327,6 +327,10 @@ const FakeClass& WindowClass() {
                           [](FakeHost& host, const auto& node, const auto&, Variant& out) {
                             return Give(out, FakeObject::Make(host, ViewClass(), node));
                           }),
+       Getter<FakeWindow>(u"Active", 2008,
+                          [](FakeHost& host, const auto& node, const auto&, Variant& out) {
+                            return Give(out, host.activeWindow == node ? -1 : 0);
+                          }),
        Getter<FakeWindow>(u"Selection", 2003,
                           [](FakeHost& host, const auto& node, const auto&, Variant& out) {
                             return Give(out, SelectionObject(host, node));
@@ -353,6 +357,14 @@ const FakeClass& WindowsClass() {
 }
 
 }  // namespace
+
+ObjectRef FakeHost::WindowObject(const std::shared_ptr<FakeWindow>& window) {
+  return FakeObject::Make(*this, WindowClass(), window);
+}
+
+ObjectRef FakeHost::PresentationObject(const std::shared_ptr<FakePresentation>& presentation) {
+  return FakeObject::Make(*this, PresentationClass(), presentation);
+}
 
 ResultCode GiveSlide(FakeHost& host, const FakePresentation& presentation, std::int32_t index,
                      Variant& out) {

@@ -38,6 +38,8 @@ class FakeHost {
   ObjectRef ShapesObject(const std::shared_ptr<FakeShapeTree>& tree);
   ObjectRef SlidesObject(const std::shared_ptr<FakePresentation>& presentation);
   ObjectRef RangeObject(const std::shared_ptr<FakeText>& text);
+  ObjectRef WindowObject(const std::shared_ptr<FakeWindow>& window);
+  ObjectRef PresentationObject(const std::shared_ptr<FakePresentation>& presentation);
 
   WindowContext ContextOf(const FakeWindow& window) const;
 

@@ -144,6 +144,8 @@ ResultCode CConnect::EnsureTaskPane(const WindowContext& context, const ObjectRe
   }
   LogNoMatch(key, context);
 
+  // The host let go of us while panes were hidden.
+  if (!hostApp) return kFail;
   std::shared_ptr<TaskPane> pane;
   const ResultCode code = CreateTaskPane(*factory, context, window, pane);
   if (Failed(code) || pane == nullptr) {
@@ -152,7 +154,7 @@ ResultCode CConnect::EnsureTaskPane(const WindowContext& context, const ObjectRe
     ShowBox(FormatHr(Text(u"msg.createPaneFailed"), failure), Desktop::kIconError);
     return failure;
   }
-  // The host let go of us inside its own call.
+  // Or while the pane was made.
   if (!hostApp) return kFail;
   DockRight(*pane);
   if (!StandsIn(*pane, context)) {
