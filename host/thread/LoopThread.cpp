@@ -71,24 +71,15 @@ void LoopThread::Sleep(std::uint32_t ms) {
 }
 
 bool LoopThread::Post(Callable call) {
-<<<<<<< HEAD
-  bool first = false;
-=======
   bool wake = false;
->>>>>>> cab29cb (Bundle a worker's posts while it works)
   {
     std::lock_guard lock(mutex_);
     if (closed_) return false;
-    first = posts_.empty();
+    // Whoever waits waits for the first post, and a worker posts thousands.
+    wake = posts_.empty() && !napping_;
     posts_.push_back({++postings_, std::move(call)});
-    wake = !napping_;
   }
-<<<<<<< HEAD
-  // Whoever waits waits for the first post, and a worker posts thousands.
-  if (first) wake_.notify_all();
-=======
   if (wake) wake_.notify_all();
->>>>>>> cab29cb (Bundle a worker's posts while it works)
   return true;
 }
 
