@@ -50,7 +50,7 @@ HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_pt
                                 .startWebView = {},
                                 .createWindow = {}};
   surroundings.startWebView = [page = std::move(page)](CPptPane& pane) {
-    pane.AttachWebView(page);
+    pane.AttachWebView(nullptr, page);
   };
   pane_ = CPptPane::Create(std::move(surroundings));
   block = {};

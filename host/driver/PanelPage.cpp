@@ -28,8 +28,3 @@ void PanelPage::ExecuteScript(const Wide& script) {
   PageCall call;
   if (onCall_ && ReadPageCall(script, call)) onCall_(call);
 }
-
-ResultCode PanelPage::Close() {
-  onCall_ = nullptr;
-  return kOk;
-}

@@ -27,8 +27,12 @@ class PanelPage final : public WebView {
   void ExecuteScript(const Wide& script) override;
   // Nobody here answers requests.
   void PostWebMessageAsJson(const Wide&) override {}
-  void PutBounds(std::int32_t, std::int32_t) override {}
-  ResultCode Close() override;
+  std::shared_ptr<WebViewSettings> Settings() override { return nullptr; }
+  void AddWebMessageReceived(std::weak_ptr<WebViewSink>) override {}
+  void AddNavigationStarting(std::weak_ptr<WebViewSink>) override {}
+  void AddNavigationCompleted(std::weak_ptr<WebViewSink>) override {}
+  void Navigate(const Wide&) override {}
+  bool Source(Wide&) override { return false; }
 
  private:
   std::function<void(const PageCall&)> onCall_;
