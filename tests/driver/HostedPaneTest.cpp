@@ -37,10 +37,10 @@ TEST(HostedPane, EachHasANumberOfItsOwnAndLeavesNothingForTheNext) {
   EXPECT_EQ(second.pane().windowContext.id, 0U);
 }
 
-TEST(HostedPane, ItsEndClosesThePage) {
+TEST(HostedPane, ItsEndLetsGoOfThePage) {
   Desk desk;
   { HostedPane hosted(desk.host.Application(), desk.loop, desk.page, {}); }
-  EXPECT_EQ(desk.page->closed, 1);
+  EXPECT_EQ(desk.page.use_count(), 1);
 }
 
 TEST(HostedPane, ThePageIsToldTheFontsOfThisMachine) {

@@ -96,7 +96,8 @@ TEST_F(Process, ATextAnsweredTwiceIsNoticed) {
 }
 
 TEST_F(Process, AHangTimesOutAndIsKilled) {
-  ApertiumProcess process(mode, std::chrono::milliseconds(200));
+  // Long enough for a start on a busy machine, since the second text needs one.
+  ApertiumProcess process(mode, std::chrono::seconds(2));
   EXPECT_EQ(process.Translate({"hang"}, out, stop), Outcome::kTimedOut);
   EXPECT_EQ(process.Translate({"c"}, out, stop), Outcome::kOk);
 }
