@@ -13,9 +13,6 @@
 namespace {
 
 constexpr int kBacklog = 128;
-// A client speaks first, over TLS too, so a connection is handed over once its request is here: one
-// wake-up for a request instead of two, and a silent client occupies nobody meanwhile.
-constexpr int kSilentSeconds = 1;
 
 std::uint16_t BoundPort(int socket) {
   sockaddr_storage address{};
@@ -33,7 +30,6 @@ int Listen(const addrinfo& where) {
   const int on = 1;
   setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-  setsockopt(fd, IPPROTO_TCP, TCP_DEFER_ACCEPT, &kSilentSeconds, sizeof kSilentSeconds);
   if (bind(fd, where.ai_addr, where.ai_addrlen) == 0 && listen(fd, kBacklog) == 0) return fd;
   const int reason = errno;
   close(fd);

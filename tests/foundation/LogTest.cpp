@@ -1,31 +1,10 @@
 #include "foundation/Log.h"
 
-#include <thread>
-#include <vector>
-
+#include "LogFile.h"
 #include "TempFolder.h"
 #include "foundation/DebugOutput.h"
 #include "foundation/KnownFolders.h"
 #include "gtest/gtest.h"
-
-namespace {
-
-Wide LogText() {
-  const std::string bytes = ReadBytes(JoinPath(LogDirectory(), u"QuillmarchPane_ppt_trace.log"));
-  Wide text(bytes.size() / 2, u'\0');
-  bytes.copy(reinterpret_cast<char*>(text.data()), text.size() * 2);
-  return text;
-}
-
-std::size_t CountOf(const Wide& text, WideView part) {
-  std::size_t count = 0;
-  for (std::size_t at = text.find(part); at != Wide::npos; at = text.find(part, at + part.size())) {
-    ++count;
-  }
-  return count;
-}
-
-}  // namespace
 
 TEST(LogDirectory, IsTheLogFolderOfTheUsersDataFolder) {
   EXPECT_EQ(JoinPath(JoinPath(LocalDataFolder(), u"Quillmarch"), u"log"), LogDirectory());
@@ -64,19 +43,6 @@ TEST(LogLine, TheDebuggerGetsTheTextAndThenTheLineEnd) {
   LogLine(&heard, u"PptPane x");
   SetDebugListener({});
   EXPECT_EQ(std::vector<Wide>({u"PptPane x", u"\r\n"}), heard);
-}
-
-TEST(LogLine, PiecesOfSeveralThreadsMayMixButNoneIsLost) {
-  const std::size_t before = CountOf(LogText(), u"threaded line");
-  std::vector<std::thread> threads;
-  threads.reserve(4);
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([] {
-      for (int k = 0; k < 50; ++k) LogLine(nullptr, u"threaded line");
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(before + 200, CountOf(LogText(), u"threaded line"));
 }
 
 TEST(MaintainLogDirectory, TheGivenFileIsRotatedOnceForEachInterval) {
