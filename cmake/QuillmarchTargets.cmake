@@ -61,4 +61,13 @@ function(quillmarch_test name)
     set(T_TIMEOUT 180)
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT} LABELS "${T_LABELS}")
+  quillmarch_alone_under_wine(${name})
+endfunction()
+
+# Programs under one Wine prefix share a user's log, and Wine appends to a file in two steps, so that
+# two at once lose each other's lines.
+function(quillmarch_alone_under_wine test)
+  if(WIN32)
+    set_tests_properties(${test} PROPERTIES RESOURCE_LOCK wine_prefix)
+  endif()
 endfunction()
