@@ -8,6 +8,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <ctime>
@@ -15,6 +16,7 @@
 #include <thread>
 #include <utility>
 
+#include "service/AnalyticsEvents.h"
 #include "service/ClientConnection.h"
 #include "service/JsonText.h"
 #include "service/TokenTable.h"
@@ -25,6 +27,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr char kTranslatePath[] = "/v1/translate";
+constexpr char kEventsPath[] = "/v1/analytics/events";
 constexpr char kHealthPath[] = "/v1/health";
 constexpr std::size_t kLoggedPathLimit = 200;
 
@@ -83,6 +86,39 @@ void Answer(httplib::Response& response, int status, const std::string& body) {
   response.set_content(body, "application/json");
 }
 
+// The whole body. False when it is refused, which has been answered then.
+bool ReadBody(const httplib::Request& request, httplib::Response& response,
+              const httplib::ContentReader& read, std::size_t maxBytes, std::string& body) {
+  // The library would take a form apart and write its fields nowhere.
+  if (request.is_multipart_form_data()) {
+    Answer(response, 400, ErrorJson("bad_request", "The body must be JSON."));
+    return false;
+  }
+  const auto tooLarge = [&] {
+    Answer(response, 413,
+           ErrorJson("payload_too_large",
+                     "A request may hold " + std::to_string(maxBytes) + " bytes at most."));
+    return false;
+  };
+  const std::size_t announced = request.get_header_value<std::uint64_t>("Content-Length");
+  if (announced > maxBytes) return tooLarge();
+
+  body.reserve(announced);
+  bool over = false;
+  const bool complete = ExpectsBody(request) && read([&](const char* data, std::size_t size) {
+                          over = body.size() + size > maxBytes;
+                          if (!over) body.append(data, size);
+                          return !over;
+                        });
+  if (over) return tooLarge();
+  if (!complete) {
+    Answer(response, 400, ErrorJson("bad_request", "The body is missing or incomplete."));
+    return false;
+  }
+  currentRequest->bodyUnread = false;
+  return true;
+}
+
 std::string UtcNow() {
   const auto now =
       std::chrono::time_point_cast<std::chrono::milliseconds>(std::chrono::system_clock::now());
@@ -129,6 +165,8 @@ class HttpServer : public Service, private httplib::Server {
   HandlerResponse Route(const httplib::Request& request, httplib::Response& response);
   void Translate(const httplib::Request& request, httplib::Response& response,
                  const httplib::ContentReader& read);
+  void TakeEvents(const httplib::Request& request, httplib::Response& response,
+                  const httplib::ContentReader& read);
   void Log(const RequestRecord& record, Clock::duration took);
   bool process_and_close_socket(socket_t socket) override;
   bool AnswerConnection(int socket);
@@ -183,7 +221,7 @@ void HttpServer::Stop() {
 }
 
 void HttpServer::SetRoutes() {
-  // All paths but one are answered here: the library matches a route by a regular expression,
+  // All paths but two are answered here: the library matches a route by a regular expression,
   // whose recursion a long path would drive too deep.
   set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
     return Route(request, response);
@@ -191,6 +229,9 @@ void HttpServer::SetRoutes() {
   Post(kTranslatePath,
        [this](const httplib::Request& request, httplib::Response& response,
               const httplib::ContentReader& read) { Translate(request, response, read); });
+  Post(kEventsPath,
+       [this](const httplib::Request& request, httplib::Response& response,
+              const httplib::ContentReader& read) { TakeEvents(request, response, read); });
   // The library's own refusals come without a body.
   set_error_handler([](const httplib::Request&, httplib::Response& response) {
     if (!response.body.empty()) return;
@@ -214,16 +255,16 @@ void HttpServer::SetRoutes() {
 
 httplib::Server::HandlerResponse HttpServer::Route(const httplib::Request& request,
                                                    httplib::Response& response) {
-  const bool translate = request.path == kTranslatePath;
-  if (translate && request.method == "POST") return HandlerResponse::Unhandled;
+  const bool takesPost = request.path == kTranslatePath || request.path == kEventsPath;
+  if (takesPost && request.method == "POST") return HandlerResponse::Unhandled;
   currentRequest->bodyUnread = ExpectsBody(request);
   const bool reading = request.method == "GET" || request.method == "HEAD";
   if (request.path == kHealthPath && reading) {
     std::string body = "{\"status\":\"ok\",\"engine\":";
     AppendJsonString(body, engine_->name());
     Answer(response, 200, body + "}");
-  } else if (translate || request.path == kHealthPath) {
-    response.set_header("Allow", translate ? "POST" : "GET");
+  } else if (takesPost || request.path == kHealthPath) {
+    response.set_header("Allow", takesPost ? "POST" : "GET");
     Answer(response, 405,
            ErrorJson("method_not_allowed", "This address does not take the request's method."));
   } else {
@@ -244,38 +285,26 @@ void HttpServer::Translate(const httplib::Request& request, httplib::Response& r
                     ErrorJson("unauthorized", "The access token is missing or not valid."));
     }
   }
-  // The library would take a form apart and write its fields nowhere.
-  if (request.is_multipart_form_data()) {
-    return Answer(response, 400, ErrorJson("bad_request", "The body must be JSON."));
-  }
-  const auto tooLarge = [&] {
-    Answer(response, 413,
-           ErrorJson(
-               "payload_too_large",
-               "A request may hold " + std::to_string(options_.maxBodyBytes) + " bytes at most."));
-  };
-  const std::size_t announced = request.get_header_value<std::uint64_t>("Content-Length");
-  if (announced > options_.maxBodyBytes) return tooLarge();
-
   std::string body;
-  body.reserve(announced);
-  bool over = false;
-  const bool complete = ExpectsBody(request) && read([&](const char* data, std::size_t size) {
-                          over = body.size() + size > options_.maxBodyBytes;
-                          if (!over) body.append(data, size);
-                          return !over;
-                        });
-  if (over) return tooLarge();
-  if (!complete) {
-    return Answer(response, 400, ErrorJson("bad_request", "The body is missing or incomplete."));
-  }
-  currentRequest->bodyUnread = false;
-
+  if (!ReadBody(request, response, read, options_.maxBodyBytes, body)) return;
   TranslateAnswer answer =
       AnswerTranslate(body, options_.maxTexts, *engine_, tokens_, token, stopping_);
   currentRequest->texts = answer.texts;
   currentRequest->chars = answer.chars;
   Answer(response, answer.status, answer.body);
+}
+
+void HttpServer::TakeEvents(const httplib::Request& request, httplib::Response& response,
+                            const httplib::ContentReader& read) {
+  currentRequest->bodyUnread = ExpectsBody(request);
+  std::string body;
+  const std::size_t most = std::min(options_.maxBodyBytes, kMaxEventsBytes);
+  if (!ReadBody(request, response, read, most, body)) return;
+  const EventsAnswer answer = AnswerEvents(body);
+  Answer(response, answer.status, answer.body);
+  if (!options_.eventLog) return;
+  const std::lock_guard lock(logMutex_);
+  for (const std::string& line : answer.lines) options_.eventLog(UtcNow() + " " + line);
 }
 
 bool HttpServer::process_and_close_socket(socket_t socket) {

@@ -1,5 +1,6 @@
 // The self-hosted API service: POST /v1/translate for the add-in, with bearer tokens, credits,
-// size limits, a request log and a graceful stop. Runs by itself (quillmarch-service) and embedded
+// size limits, a request log and a graceful stop; and POST /v1/analytics/events, for which nobody
+// needs a token. Runs by itself (quillmarch-service) and embedded
 // in the command.
 #pragma once
 
@@ -30,6 +31,9 @@ struct ServiceOptions {
   // empty: no request log. A line has time, method, path, status, texts, characters and
   // milliseconds, and never a text or a token.
   std::function<void(const std::string& line)> requestLog;
+  // Gets one line for each event that an add-in tells of itself, in the same way: time, name,
+  // outcome, versions and properties, and never the installation that sent it.
+  std::function<void(const std::string& line)> eventLog;
 };
 
 class Service {

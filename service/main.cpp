@@ -85,7 +85,8 @@ int main(int argc, char** argv) {
                  "openai: file whose first line is the key");
   app.add_option("--openai-ca-file", engine.openaiCaFile,
                  "openai: PEM file with one more trusted authority");
-  app.add_option("--log", logFile, "File that gets a line for each request; else standard error");
+  app.add_option("--log", logFile,
+                 "File that gets a line for each request and event; else standard error");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
@@ -103,6 +104,7 @@ int main(int argc, char** argv) {
   }
   std::ostream& out = logFile.empty() ? std::cerr : log;
   service.requestLog = [&out](const std::string& line) { out << line << std::endl; };
+  service.eventLog = service.requestLog;
 
   sigset_t signals;
   sigemptyset(&signals);

@@ -51,6 +51,10 @@ class RunningService {
       const std::lock_guard lock(mutex_);
       lines_.push_back(line);
     };
+    options.eventLog = [this](const std::string& line) {
+      const std::lock_guard lock(mutex_);
+      events_.push_back(line);
+    };
     std::string error;
     service = Service::Start(options, std::make_unique<ScriptedEngine>(std::move(script)), error);
     EXPECT_NE(service, nullptr) << error;
@@ -66,10 +70,16 @@ class RunningService {
     const std::lock_guard lock(mutex_);
     return lines_;
   }
+  std::vector<std::string> StopAndGetEvents() {
+    service->Stop();
+    const std::lock_guard lock(mutex_);
+    return events_;
+  }
 
  private:
   std::mutex mutex_;
   std::vector<std::string> lines_;
+  std::vector<std::string> events_;
 
  public:
   std::unique_ptr<Service> service;

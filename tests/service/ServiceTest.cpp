@@ -37,7 +37,7 @@ TEST(Service, HealthNamesTheEngineAndAsksForNoToken) {
 TEST(Service, UnknownPathsGetJson) {
   const RunningService running;
   for (const char* path :
-       {"/", "/v1/translate/", "/v1", "/v1/terminology/resolve", "/v1/analytics/events"}) {
+       {"/", "/v1/translate/", "/v1", "/v1/terminology/resolve", "/v1/analytics/event"}) {
     const HttpReply reply = HttpRequest("POST", LocalUrl(running.port(), path), "{}");
     EXPECT_EQ(reply.status, 404) << path;
     EXPECT_EQ(reply.body, Json("not_found", "There is nothing at this address."));
