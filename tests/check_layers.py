@@ -12,8 +12,8 @@ import sys
 ADD_IN = "client/ppt-addin"
 ROOMS = ["client/ppt-addin/foundation", "client/ppt-addin/translate", "client/ppt-addin/terminology",
          "client/ppt-addin/run", "client/ppt-addin/chart", "client/ppt-addin/pane", "client/ppt-addin/shell",
-         "client/ppt-addin/resources", "host/package", "host/deck", "host/layout", "host/model", "host/thread",
-         "host/browser", "host/driver", "host/cli", "service"]
+         "client/ppt-addin/resources", "host/package", "host/deck", "host/layout", "host/model", "host/remote",
+         "host/thread", "host/browser", "host/driver", "host/cli", "service"]
 # What chart may know of the run: the plain records and text rules.
 RUN_RECORDS = {f"{ADD_IN}/run/{name}.h" for name in (
     "TextUnit", "UnitLocator", "ShapePath", "ShouldSkip", "FlattenTranslation", "RunParams", "RunRecord")}
@@ -38,6 +38,7 @@ MAY_INCLUDE = {
     "host/deck": {"host/package"} | AUTOMATION,
     "host/layout": AUTOMATION,
     "host/model": {"host/deck", "host/layout", "host/package"} | AUTOMATION,
+    "host/remote": {"host/model", "host/package"} | AUTOMATION,
     "host/thread": AUTOMATION,
     "host/browser": {"host/thread"} | AUTOMATION,
     "host/driver": (HOST - {"host/cli"}) | CLIENT,

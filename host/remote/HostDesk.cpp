@@ -1,0 +1,160 @@
+#include "host/remote/HostDesk.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/Automation.h"
+#include "host/model/CallCount.h"
+#include "host/model/Host.h"
+
+namespace {
+
+class HostDesk final : public AutomationObject {
+ public:
+  explicit HostDesk(ObjectServer& server) : server_(server) {}
+  virtual ~HostDesk() = default;
+  HostDesk(const HostDesk&) = delete;
+  HostDesk& operator=(const HostDesk&) = delete;
+
+  void AddRef() override { ++references_; }
+  void Release() override {
+    if (--references_ == 0) const std::unique_ptr<HostDesk> last(this);
+  }
+  ResultCode IdOfName(WideView name, DispId& id) override;
+  ResultCode Invoke(DispId id, std::uint16_t flags, const ParamBlock& params,
+                    Variant* result) override;
+  ResultCode QueryTyped(const InterfaceId&, ObjectRef&) override { return kNoInterface; }
+  std::uintptr_t Identity() override { return reinterpret_cast<std::uintptr_t>(this); }
+
+  using Args = std::vector<Variant>;  // in their natural order
+  Variant Open(const Args& args);
+  Variant Error(const Args&) { return Variant::Text(error_); }
+  Variant Save(const Args& args);
+  Variant Close(const Args&);
+  Variant ShowSlide(const Args& args);
+  Variant SelectShape(const Args& args);
+  Variant Edited(const Args&) { return Variant::Bool(host_ != nullptr && host_->Edited()); }
+  Variant Invokes(const Args&) { return Number(HostCallCount().invokes); }
+  Variant NameLookups(const Args&) { return Number(HostCallCount().nameLookups); }
+  Variant LiveReferences(const Args&) { return Number(server_.liveHandles()); }
+  Variant FailCall(const Args& args);
+  Variant Refuse(const Args& args);
+
+ private:
+  static Variant Number(std::uint64_t value) { return Variant::R8(static_cast<double>(value)); }
+
+  ObjectServer& server_;
+  std::uint32_t references_ = 1;
+  std::unique_ptr<Host> host_;
+  Wide error_;
+};
+
+struct DeskMember {
+  WideView name;
+  Variant (HostDesk::*call)(const HostDesk::Args&);
+};
+
+// An id is a place in this list, counted from 1.
+constexpr std::array kMembers = {DeskMember{u"Open", &HostDesk::Open},
+                                 DeskMember{u"Error", &HostDesk::Error},
+                                 DeskMember{u"Save", &HostDesk::Save},
+                                 DeskMember{u"Close", &HostDesk::Close},
+                                 DeskMember{u"ShowSlide", &HostDesk::ShowSlide},
+                                 DeskMember{u"SelectShape", &HostDesk::SelectShape},
+                                 DeskMember{u"Edited", &HostDesk::Edited},
+                                 DeskMember{u"Invokes", &HostDesk::Invokes},
+                                 DeskMember{u"NameLookups", &HostDesk::NameLookups},
+                                 DeskMember{u"LiveReferences", &HostDesk::LiveReferences},
+                                 DeskMember{u"FailCall", &HostDesk::FailCall},
+                                 DeskMember{u"Refuse", &HostDesk::Refuse}};
+
+Wide TextAt(const HostDesk::Args& args, std::size_t index) {
+  return index < args.size() ? VariantToText(args[index]) : Wide();
+}
+
+std::int32_t WholeAt(const HostDesk::Args& args, std::size_t index) {
+  std::int32_t value = 0;
+  if (index < args.size()) VariantToWhole(args[index], value);
+  return value;
+}
+
+bool FlagAt(const HostDesk::Args& args, std::size_t index) {
+  return index < args.size() && VariantToFlag(args[index]);
+}
+
+ResultCode HostDesk::IdOfName(WideView name, DispId& id) {
+  for (std::size_t i = 0; i < kMembers.size(); ++i) {
+    if (LowerAscii(kMembers[i].name) != LowerAscii(name)) continue;
+    id = static_cast<DispId>(i) + 1;
+    return kOk;
+  }
+  return kUnknownName;
+}
+
+ResultCode HostDesk::Invoke(DispId id, std::uint16_t, const ParamBlock& params, Variant* result) {
+  if (id < 1 || static_cast<std::size_t>(id) > kMembers.size()) return kMemberNotFound;
+  const Args args(params.reversedArgs.rbegin(), params.reversedArgs.rend());
+  Variant value = (this->*kMembers[static_cast<std::size_t>(id) - 1].call)(args);
+  if (result != nullptr) *result = std::move(value);
+  return kOk;
+}
+
+Variant HostDesk::Open(const Args& args) {
+  const Personality* personality = FindPersonality(ToUtf8(TextAt(args, 1)));
+  if (personality == nullptr) {
+    error_ = u"There is no such personality.";
+    return Variant::Object({});
+  }
+  auto host = std::make_unique<Host>(*personality);
+  std::vector<std::string> warnings;
+  const PackageResult<bool> opened = host->Open(ToUtf8(TextAt(args, 0)), warnings);
+  if (!opened.ok) {
+    error_ = ToWide(opened.error.sentence);
+    return Variant::Object({});
+  }
+  host_ = std::move(host);
+  return Variant::Object(host_->application());
+}
+
+Variant HostDesk::Save(const Args& args) {
+  if (host_ == nullptr) return Variant::Bool(false);
+  const PackageResult<bool> saved = host_->Save(ToUtf8(TextAt(args, 0)));
+  if (!saved.ok) error_ = ToWide(saved.error.sentence);
+  return Variant::Bool(saved.ok);
+}
+
+Variant HostDesk::Close(const Args&) {
+  host_.reset();
+  return {};
+}
+
+Variant HostDesk::ShowSlide(const Args& args) {
+  return Variant::Bool(host_ != nullptr && host_->ShowSlide(WholeAt(args, 0)));
+}
+
+Variant HostDesk::SelectShape(const Args& args) {
+  if (host_ == nullptr) return Variant::Bool(false);
+  error_ = ToWide(host_->SelectShapes(WholeAt(args, 0), {ShapeKey{{}, {WholeAt(args, 1)}}}));
+  return Variant::Bool(error_.empty());
+}
+
+Variant HostDesk::FailCall(const Args& args) {
+  server_.faults.failAt = WholeAt(args, 0);
+  server_.faults.code = WholeAt(args, 1);
+  return {};
+}
+
+Variant HostDesk::Refuse(const Args& args) {
+  server_.faults.refuseNames = FlagAt(args, 0);
+  server_.faults.refuseTypes = FlagAt(args, 1);
+  return {};
+}
+
+}  // namespace
+
+ObjectRef MakeHostDesk(ObjectServer& server) {
+  return ObjectRef::Adopt(std::make_unique<HostDesk>(server).release());
+}

@@ -1,0 +1,21 @@
+// The object that a remote program meets first: it opens decks in headless hosts, one host after
+// the other, saves them and says what the hosts were asked. Host thread only.
+//
+//   Open(path, personality)   a new host with the deck; gives its application, or null: see Error
+//   Error                     the sentence of the last failure
+//   Save(path)                true when the deck was saved
+//   Close                     lets go of the host; what was handed out of it lives on
+//   ShowSlide(index)          shows a slide in the active window
+//   SelectShape(slide, index) selects a shape of a slide; both count from 1
+//   Edited                    whether the deck was changed
+//   Invokes, NameLookups      calls of all hosts so far
+//   LiveReferences            what the remote program holds, this object's own reference included
+//   FailCall(number, code)    of the calls from now on, the one of that number fails
+//   Refuse(names, types)      no name is found; no published interface is answered to
+#pragma once
+
+#include "foundation/AutomationObject.h"
+#include "host/remote/ObjectServer.h"
+
+// `server` outlives the object.
+ObjectRef MakeHostDesk(ObjectServer& server);

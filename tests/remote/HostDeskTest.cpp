@@ -1,0 +1,109 @@
+#include "host/remote/HostDesk.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+
+#include "foundation/HostMembers.h"
+#include "gtest/gtest.h"
+#include "model/DeckBuilder.h"
+#include "remote/RemoteObject.h"
+
+namespace {
+
+class HostDeskTest : public ::testing::Test {
+ protected:
+  HostDeskTest() {
+    server.SetRoot(MakeHostDesk(server));
+    desk = link.Root();
+    std::filesystem::create_directories(folder);
+    testdeck::DeckSource source;
+    for (const char* text : {"first", "second"}) {
+      source.slides.push_back(
+          {testdeck::SlideXml(testdeck::Box(testdeck::TextPara(text))), {}, {}, {}});
+    }
+    testdeck::Write(source, deck);
+  }
+  ~HostDeskTest() override { std::filesystem::remove_all(folder); }
+
+  ObjectRef Open() {
+    const std::array args = {Variant::Text(ToWide(deck)), Variant::Text(u"powerpoint")};
+    Variant value;
+    EXPECT_EQ(kOk, AutoGet(desk.get(), u"Open", args, value));
+    return value.hasObject() ? value.takeObject() : ObjectRef();
+  }
+  Variant Ask(WideView member, std::vector<Variant> args = {}) {
+    Variant value;
+    EXPECT_EQ(kOk, AutoGet(desk.get(), member, args, value));
+    return value;
+  }
+  std::int64_t Count(WideView member) { return static_cast<std::int64_t>(Ask(member).real()); }
+  static ObjectRef Step(const ObjectRef& object, WideView member, std::vector<Variant> args = {}) {
+    Variant value;
+    EXPECT_EQ(kOk, AutoGet(object.get(), member, args, value)) << ToUtf8(member);
+    return value.hasObject() ? value.takeObject() : ObjectRef();
+  }
+  ObjectRef TextOfSlide(const ObjectRef& application, std::int32_t slide) {
+    const ObjectRef presentation = Step(application, u"ActivePresentation");
+    const ObjectRef shapes =
+        Step(Step(Step(presentation, u"Slides"), u"Item", {Variant::I4(slide)}), u"Shapes");
+    const ObjectRef shape = Step(shapes, u"Item", {Variant::I4(1)});
+    return Step(Step(shape, u"TextFrame"), u"TextRange");
+  }
+
+  std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("quillmarch-desk-" + std::to_string(getpid()));
+  std::string deck = (folder / "deck.pptx").string();
+  ObjectServer server;
+  test::RemoteLink link{server};
+  ObjectRef desk;
+};
+
+}  // namespace
+
+TEST_F(HostDeskTest, ADeckIsReadWrittenAndSavedOverTheWire) {
+  const std::string saved = (folder / "saved.pptx").string();
+  {
+    const ObjectRef application = Open();
+    ASSERT_TRUE(application);
+    EXPECT_FALSE(VariantToFlag(Ask(u"Edited")));
+    EXPECT_EQ(kOk, AutoPutText(TextOfSlide(application, 2).get(), u"zweiter"));
+    EXPECT_TRUE(VariantToFlag(Ask(u"Edited")));
+    EXPECT_TRUE(VariantToFlag(Ask(u"Save", {Variant::Text(ToWide(saved))})));
+  }
+  Ask(u"Close");
+  deck = saved;
+  const ObjectRef application = Open();
+  ASSERT_TRUE(application);
+  Variant text;
+  EXPECT_EQ(kOk, TypedGet(TextOfSlide(application, 2).get(), ppt::textRange::kText, text));
+  EXPECT_EQ(u"zweiter", text.text());
+}
+
+TEST_F(HostDeskTest, WhatCannotBeOpenedIsSaid) {
+  deck = "/no/such/deck.pptx";
+  EXPECT_FALSE(Open());
+  EXPECT_NE(u"", Ask(u"Error").text());
+}
+
+TEST_F(HostDeskTest, CallsAndReferencesAreCounted) {
+  const std::int64_t invokes = Count(u"Invokes");
+  EXPECT_EQ(1, Count(u"LiveReferences"));
+  {
+    const ObjectRef application = Open();
+    const ObjectRef window = Step(application, u"ActiveWindow");
+    EXPECT_EQ(3, Count(u"LiveReferences"));
+    EXPECT_EQ(invokes + 1, Count(u"Invokes"));
+  }
+  EXPECT_EQ(1, Count(u"LiveReferences"));
+}
+
+TEST_F(HostDeskTest, TheViewAndTheSelectionAreTheCallersToSet) {
+  const ObjectRef application = Open();
+  EXPECT_TRUE(VariantToFlag(Ask(u"ShowSlide", {Variant::I4(2)})));
+  EXPECT_FALSE(VariantToFlag(Ask(u"ShowSlide", {Variant::I4(3)})));
+  EXPECT_TRUE(VariantToFlag(Ask(u"SelectShape", {Variant::I4(1), Variant::I4(1)})));
+  EXPECT_FALSE(VariantToFlag(Ask(u"SelectShape", {Variant::I4(1), Variant::I4(9)})));
+  EXPECT_NE(u"", Ask(u"Error").text());
+}
