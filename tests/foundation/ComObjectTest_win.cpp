@@ -8,6 +8,7 @@
 #include "foundation/Automation.h"
 #include "foundation/ComValues.h"
 #include "foundation/HostMembers.h"
+#include "foundation/LiveCounts.h"
 #include "gtest/gtest.h"
 #include "support/ScriptedDispatch.h"
 
@@ -30,6 +31,10 @@ VARIANT OfType(VARTYPE type) {
   VARIANT v = {};
   v.vt = type;
   return v;
+}
+
+long HostReferences() {
+  return LiveCounts()[static_cast<std::size_t>(LiveKind::kHostReference)];
 }
 
 // What a host written in another language does when it throws.
@@ -125,7 +130,7 @@ TEST(ComObject, AnObjectOfItsOwnGoesToTheHostAsTheHostGaveIt) {
 }
 
 TEST(ComObject, EveryReferenceTakenIsGivenBack) {
-  const long before = WrappedObjects();
+  const long before = HostReferences();
   ScriptedDispatch host;
   ScriptedDispatch child;
   VARIANT object = OfType(VT_DISPATCH);
@@ -140,11 +145,11 @@ TEST(ComObject, EveryReferenceTakenIsGivenBack) {
     EXPECT_EQ(2U, child.references());
     EXPECT_TRUE(AnswersTo(wrapped.get(), ppt::kShape));
     EXPECT_NE(0U, wrapped->Identity());
-    EXPECT_EQ(before + 2, WrappedObjects());
+    EXPECT_EQ(before + 2, HostReferences());
   }
   EXPECT_EQ(1U, host.references());
   EXPECT_EQ(1U, child.references());
-  EXPECT_EQ(before, WrappedObjects());
+  EXPECT_EQ(before, HostReferences());
 }
 
 TEST(ComObject, ANullObjectIsAValueWithoutAnObject) {
@@ -211,6 +216,22 @@ TEST(ComObject, AnExceptionOfAnotherLanguageShowsAsPlainFailure) {
   // And again: nothing is left behind that the next one would fall over.
   EXPECT_EQ(kFail, AutoGet(object.get(), u"Name", value));
   EXPECT_EQ(2U, host.calls().size());
+}
+
+TEST(InvokeForOwnCode, WhereTheHostRaisedAnExceptionItsOwnCodeIsTheResult) {
+  ScriptedDispatch host;
+  HRESULT answer = DISP_E_EXCEPTION;
+  host.Member(L"Make", kSomeId, [&answer](const DISPPARAMS&, VARIANT*) { return answer; });
+  host.ExceptionCode(E_ACCESSDENIED);
+  const ObjectRef object = WrapDispatch(&host);
+  Variant value;
+  EXPECT_EQ(E_ACCESSDENIED, InvokeForOwnCode(object.get(), kSomeId, kInvokeMethod, {}, value));
+  answer = E_ABORT;
+  EXPECT_EQ(E_ABORT, InvokeForOwnCode(object.get(), kSomeId, kInvokeMethod, {}, value));
+  answer = DISP_E_EXCEPTION;
+  host.ExceptionCode(S_OK);
+  EXPECT_EQ(DISP_E_EXCEPTION, InvokeForOwnCode(object.get(), kSomeId, kInvokeMethod, {}, value));
+  EXPECT_EQ(kPointer, InvokeForOwnCode(nullptr, kSomeId, kInvokeMethod, {}, value));
 }
 
 TEST(ComValues, NumbersOfOtherWidthsCanBeReadAndAreNoFlags) {

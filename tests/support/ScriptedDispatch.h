@@ -38,6 +38,9 @@ class ScriptedDispatch final : public IDispatch {
   // The identity of another object, whose parts this one and that one then are.
   void IdentityOf(IUnknown* other) { identity_ = other; }
 
+  // What an answer of DISP_E_EXCEPTION holds.
+  void ExceptionCode(HRESULT code) { exceptionCode_ = code; }
+
   const std::vector<Call>& calls() const { return calls_; }
   ULONG references() const { return references_; }
   int lookUps() const { return lookUps_; }
@@ -88,13 +91,17 @@ class ScriptedDispatch final : public IDispatch {
     const auto found = answers_.find(id);
     if (found == answers_.end()) return DISP_E_MEMBERNOTFOUND;
     const HRESULT code = found->second(*params, result);
-    if (code == DISP_E_EXCEPTION) exception->bstrDescription = SysAllocString(L"It went wrong.");
+    if (code == DISP_E_EXCEPTION) {
+      exception->bstrDescription = SysAllocString(L"It went wrong.");
+      exception->scode = exceptionCode_;
+    }
     return code;
   }
 
  private:
   ULONG references_ = 1;
   int lookUps_ = 0;
+  HRESULT exceptionCode_ = S_OK;
   IUnknown* identity_ = nullptr;
   std::map<std::wstring, DISPID> ids_;
   std::map<DISPID, Answer> answers_;

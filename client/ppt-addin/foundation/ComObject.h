@@ -14,5 +14,7 @@ ObjectRef WrapDispatch(IDispatch* dispatch);
 // What an object of WrapDispatch stands for, without a new reference; null for every other object.
 IDispatch* DispatchOf(AutomationObject* object);
 
-// Objects of WrapDispatch that are alive; any thread.
-long WrappedObjects();
+// As AutoInvoke, but where the host raised an exception the result is the code that the exception
+// holds, if it holds one.
+ResultCode InvokeForOwnCode(AutomationObject* object, DispId id, std::uint16_t flags,
+                            const ParamBlock& params, Variant& result);

@@ -2,21 +2,20 @@
 
 #include <oleauto.h>
 
-#include <atomic>
 #include <memory>
 #include <string>
 
+#include "foundation/Automation.h"
 #include "foundation/ComPtr.h"
 #include "foundation/ComValues.h"
 #include "foundation/GuardedCall.h"
+#include "foundation/LiveCounts.h"
 #include "foundation/WinText.h"
 
 namespace {
 
 constexpr LCID kUserLocale = LOCALE_USER_DEFAULT;
 static_assert(kUserLocale == 0x400);
-
-std::atomic<long> wrappedObjects{0};
 
 IID ToIid(const InterfaceId& iid) {
   IID out = {iid.data1, iid.data2, iid.data3, {}};
@@ -42,9 +41,7 @@ HRESULT Guarded(Call call) {
 
 class ComObject final : public AutomationObject {
  public:
-  explicit ComObject(ComPtr<IDispatch> dispatch) : dispatch_(std::move(dispatch)) {
-    ++wrappedObjects;
-  }
+  explicit ComObject(ComPtr<IDispatch> dispatch) : dispatch_(std::move(dispatch)) {}
   ComObject(const ComObject&) = delete;
   ComObject& operator=(const ComObject&) = delete;
 
@@ -58,14 +55,17 @@ class ComObject final : public AutomationObject {
   ResultCode QueryTyped(const InterfaceId& iid, ObjectRef& out) override;
   std::uintptr_t Identity() override;
 
-  IDispatch* dispatch() const { return dispatch_.get(); }
+  // `exceptionCode` is the one that came with an exception of the host, else 0.
+  ResultCode Call(DispId id, std::uint16_t flags, const ParamBlock& params, Variant* result,
+                  ResultCode& exceptionCode);
 
-  ~ComObject() { --wrappedObjects; }
+  IDispatch* dispatch() const { return dispatch_.get(); }
 
  private:
   ComPtr<IDispatch> dispatch_;
   std::uintptr_t identity_ = 0;  // asked for at first use
   std::uint32_t references_ = 1;
+  LiveCount<LiveKind::kHostReference> live_;
 };
 
 ResultCode ComObject::IdOfName(WideView name, DispId& id) {
@@ -80,6 +80,13 @@ ResultCode ComObject::IdOfName(WideView name, DispId& id) {
 
 ResultCode ComObject::Invoke(DispId id, std::uint16_t flags, const ParamBlock& params,
                              Variant* result) {
+  ResultCode ignored = kOk;
+  return Call(id, flags, params, result, ignored);
+}
+
+ResultCode ComObject::Call(DispId id, std::uint16_t flags, const ParamBlock& params,
+                           Variant* result, ResultCode& exceptionCode) {
+  exceptionCode = kOk;
   if (result != nullptr) result->Clear();
   ComArguments arguments(params.reversedArgs);
   if (Failed(arguments.code())) return arguments.code();
@@ -99,6 +106,7 @@ ResultCode ComObject::Invoke(DispId id, std::uint16_t flags, const ParamBlock& p
   SysFreeString(exception.bstrSource);
   SysFreeString(exception.bstrDescription);
   SysFreeString(exception.bstrHelpFile);
+  if (code == DISP_E_EXCEPTION) exceptionCode = exception.scode;
   if (SUCCEEDED(code) && result != nullptr) *result = FromCom(value.value());
   return code;
 }
@@ -141,6 +149,16 @@ IDispatch* DispatchOf(AutomationObject* object) {
   return wrapped == nullptr ? nullptr : wrapped->dispatch();
 }
 
-long WrappedObjects() {
-  return wrappedObjects;
+ResultCode InvokeForOwnCode(AutomationObject* object, DispId id, std::uint16_t flags,
+                            const ParamBlock& params, Variant& result) {
+  auto* const wrapped = dynamic_cast<ComObject*>(object);
+  if (wrapped == nullptr) return AutoInvoke(object, id, flags, params, &result);
+  ResultCode exceptionCode = kOk;
+  ResultCode code = kFail;
+  try {
+    code = wrapped->Call(id, flags, params, &result, exceptionCode);
+  } catch (...) {
+    result.Clear();
+  }
+  return Failed(exceptionCode) ? exceptionCode : code;
 }

@@ -1,0 +1,12 @@
+// The user's desktop as Windows serves it. Windows only.
+#pragma once
+
+#include "foundation/Desktop.h"
+
+class SystemDesktop final : public Desktop {
+ public:
+  void ShowMessage(std::uintptr_t owner, const Wide& text, const Wide& title,
+                   std::uint32_t style) override;
+  void PutClipboardText(std::uintptr_t owner, const Wide& text) override;
+  std::intptr_t OpenInBrowser(const Wide& url) override;
+};

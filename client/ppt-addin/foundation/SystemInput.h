@@ -1,0 +1,11 @@
+// The user's hands as Windows sees them. Windows only.
+#pragma once
+
+#include "foundation/InputState.h"
+
+class SystemInput final : public InputState {
+ public:
+  bool LeftButtonDown() override;
+  bool HasCapture() override;
+  std::uint32_t QueueStatus(std::uint32_t mask) override;
+};
