@@ -31,6 +31,7 @@ class HostDesk final : public AutomationObject {
 
   using Args = std::vector<Variant>;  // in their natural order
   Variant Open(const Args& args);
+  Variant OpenToo(const Args& args);
   Variant Error(const Args&) { return Variant::Text(error_); }
   Variant Save(const Args& args);
   Variant Close(const Args&);
@@ -59,6 +60,7 @@ struct DeskMember {
 
 // An id is a place in this list, counted from 1.
 constexpr std::array kMembers = {DeskMember{u"Open", &HostDesk::Open},
+                                 DeskMember{u"OpenToo", &HostDesk::OpenToo},
                                  DeskMember{u"Error", &HostDesk::Error},
                                  DeskMember{u"Save", &HostDesk::Save},
                                  DeskMember{u"Close", &HostDesk::Close},
@@ -117,6 +119,14 @@ Variant HostDesk::Open(const Args& args) {
   }
   host_ = std::move(host);
   return Variant::Object(host_->application());
+}
+
+Variant HostDesk::OpenToo(const Args& args) {
+  if (host_ == nullptr) return Variant::Bool(false);
+  std::vector<std::string> warnings;
+  const PackageResult<bool> opened = host_->Open(ToUtf8(TextAt(args, 0)), warnings);
+  if (!opened.ok) error_ = ToWide(opened.error.sentence);
+  return Variant::Bool(opened.ok);
 }
 
 Variant HostDesk::Save(const Args& args) {

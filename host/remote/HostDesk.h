@@ -2,6 +2,7 @@
 // the other, saves them and says what the hosts were asked. Host thread only.
 //
 //   Open(path, personality)   a new host with the deck; gives its application, or null: see Error
+//   OpenToo(path)             one more deck in that host, in the active window; true when it opened
 //   Error                     the sentence of the last failure
 //   Save(path)                true when the deck was saved
 //   Close                     lets go of the host; what was handed out of it lives on

@@ -120,6 +120,8 @@ ModuleTest::ModuleTest() : world(HostPort()), desk(world.Root()) {
     Browser().Hold(stage, false);
   }
   Browser().ForgetCalls();
+  // What the user has set is that of a new one.
+  DeleteOneFile(JoinPath(JoinPath(LocalDataFolder(), u"Quillmarch"), u"config.json"));
   Browser().SetBackend([this](standin::PageEvents& events) {
     pages.push_back(std::make_shared<PageRecord>());
     return std::make_unique<ScriptedPage>(pages.back(), events);

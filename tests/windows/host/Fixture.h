@@ -12,6 +12,7 @@
 #include "windows/ScriptedPage.h"
 #include "windows/browser/StandInBrowser.h"
 #include "windows/host/AddinHost.h"
+#include "windows/host/Boxes.h"
 #include "windows/host/Pump.h"
 #include "windows/host/RemoteWorld.h"
 
@@ -56,6 +57,7 @@ class ModuleTest : public ::testing::Test {
   // The last page that a pane has made.
   PageRecord& page() { return *pages.back(); }
 
+  Boxes boxes;  // no box is left for a user who is not there
   RemoteWorld world;
   ComPtr<IDispatch> desk;
   AddinHost host;

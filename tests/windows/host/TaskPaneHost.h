@@ -55,6 +55,7 @@ class HostTaskPane final : public HostObject {
   LONG dockPosition = 0;
   LONG width = 320;
   bool refusesToHide = false;
+  HRESULT verbCode = S_OK;  // what the first verb gave
   // What the site was told, in order: "CanInPlaceActivate", "OnInPlaceActivate" and so on.
   std::vector<std::string> siteCalls;
 
