@@ -36,7 +36,7 @@ std::size_t LaidText::LineAt(std::size_t position) const {
   return after == lines.begin() ? 0 : static_cast<std::size_t>(after - lines.begin()) - 1;
 }
 
-Box LaidText::Bounds(std::size_t start, std::size_t count) const {
+Box LaidText::Bounds(std::size_t start, std::size_t count, bool toTheEnd) const {
   if (lines.empty()) return ToFrame(*this, 0, 0, 0, 0);
   start = std::min(start, length);
   std::size_t end = start + std::min(count, length - start);
@@ -46,9 +46,11 @@ Box LaidText::Bounds(std::size_t start, std::size_t count) const {
   double bottom = right;
   for (std::size_t i = LineAt(start); i < lines.size(); ++i) {
     const LaidLine& line = lines[i];
-    if (i > LineAt(start) && line.start >= end) break;
+    const bool behind = i > LineAt(start) && line.start >= end;
+    if (behind && !(toTheEnd && i + 1 == lines.size())) break;
     top = std::min(top, line.top);
     bottom = std::max(bottom, line.top + line.height);
+    if (behind) break;
     std::size_t from = std::max(start, line.start);
     std::size_t to = std::min(end, line.start + line.length);
     for (std::size_t unit = from; unit < to; ++unit) {

@@ -43,10 +43,11 @@ class LaidText {
   double neededWidth = 0.0;
 
   // The smallest box around the lines' pieces in the range. An empty range gives a box without
-  // width at its place. Ranges beyond the end are held to it.
-  Box Bounds(std::size_t start, std::size_t length) const;
+  // width at its place. Ranges beyond the end are held to it. `toTheEnd` takes an empty last line
+  // along, which no unit stands in.
+  Box Bounds(std::size_t start, std::size_t length, bool toTheEnd = false) const;
   // The box of the whole text.
-  Box Bounds() const { return Bounds(0, length); }
+  Box Bounds() const { return Bounds(0, length, true); }
   // The line that shows the unit; the last line for positions beyond the end.
   std::size_t LineAt(std::size_t position) const;
 

@@ -110,11 +110,11 @@ const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeA
 }
 
 bool TextMeasure::Bounds(deck::Deck& deck, const deck::ShapeAddress& address, deck::TextSpan span,
-                         deck::ShapeBox& out) {
+                         bool toTheEnd, deck::ShapeBox& out) {
   Fit(deck, address);
   const Entry* const entry = Laid(deck, address);
   if (entry == nullptr) return false;
-  const layout::Box box = entry->text.Bounds(span.start, span.length);
+  const layout::Box box = entry->text.Bounds(span.start, span.length, toTheEnd);
   out = {entry->area.left + box.left, entry->area.top + box.top, box.width, box.height};
   return true;
 }

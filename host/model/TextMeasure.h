@@ -20,10 +20,10 @@ class TextMeasure {
   TextMeasure& operator=(const TextMeasure&) = delete;
 
   // The box of a range of the text in slide coordinates, of the unrotated shape, after the frame
-  // was fitted. Laid out anew only when the text, its format or the frame has changed. False when
-  // there is no text body.
+  // was fitted; `toTheEnd` counts an empty last paragraph in. Laid out anew only when the text, its
+  // format or the frame has changed. False when there is no text body.
   bool Bounds(deck::Deck& deck, const deck::ShapeAddress& address, deck::TextSpan span,
-              deck::ShapeBox& out);
+              bool toTheEnd, deck::ShapeBox& out);
 
   // Gives a shape that grows with its text the size it has to have by now.
   void GrowShape(deck::Deck& deck, const deck::ShapeAddress& address);

@@ -127,7 +127,7 @@ ResultCode TextRangeObject::Font(Args, Variant& out) {
 
 ResultCode TextRangeObject::Bound(double deck::ShapeBox::*side, Variant& out) const {
   deck::ShapeBox box;
-  if (!session()->measure.Bounds(deck(), address_, span_, box)) return kHostException;
+  if (!session()->measure.Bounds(deck(), address_, span_, reachesEnd_, box)) return kHostException;
   out = Variant::R4(static_cast<float>(box.*side));
   return kOk;
 }

@@ -45,6 +45,13 @@ TEST(LaidText, TheBoxOfAParagraphIsThatOfItsLines) {
   ExpectBox({0, 2 * kLine, 5 * kCell, kLine}, laid.Bounds(5, 5));
 }
 
+TEST(LaidText, AnEmptyLastParagraphTakesItsRoomInTheWholeTextAlone) {
+  LaidText laid =
+      LaidOut(Frame(20, std::vector<LayoutParagraph>{Paragraph(u"one"), Paragraph(u"")}));
+  ExpectBox({0, 0, 3 * kCell, 2 * kLine}, laid.Bounds());
+  ExpectBox({0, 0, 3 * kCell, kLine}, laid.Bounds(0, 4));
+}
+
 TEST(LaidText, AnchorsMoveTheTextDown) {
   LayoutFrame frame = Frame(20, u"one");
   frame.height = 100.0;

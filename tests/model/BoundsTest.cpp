@@ -153,7 +153,9 @@ TEST_F(Bounds, SpacingCapsAndBaselineOfRunsCount) {
 TEST_F(Bounds, ShapesKeepTheirTextInsideTheirOutline) {
   std::string shapes;
   for (const std::string preset :
-       {"ellipse", "roundRect", "diamond", "triangle", "rightArrow", "someFutureShape"}) {
+       {"ellipse", "roundRect", "diamond", "triangle", "rightArrow", "someFutureShape", "star8",
+        "upArrowCallout", "verticalScroll", "flowChartInternalStorage", "notchedRightArrow",
+        "snip2SameRect", "leftRightArrowCallout", "ribbon"}) {
     std::string box = Box(Fixed("x"), "<a:bodyPr lIns=\"0\" tIns=\"0\"/>");
     box.replace(box.find("</a:xfrm>"), 9,
                 "</a:xfrm><a:prstGeom prst=\"" + preset + "\"><a:avLst/></a:prstGeom>");
@@ -163,8 +165,12 @@ TEST_F(Bounds, ShapesKeepTheirTextInsideTheirOutline) {
   const float insets[][2] = {
       {14.6447F, 7.3223F}, {50 * 0.16667F * 0.292893F, 50 * 0.16667F * 0.292893F},
       {25.0F, 12.5F},      {25.0F, 25.0F},
-      {0.0F, 12.5F},       {0.0F, 0.0F}};
-  for (int shape = 1; shape <= 6; ++shape) {
+      {0.0F, 12.5F},       {0.0F, 0.0F},
+      {15.3550F, 7.6775F}, {0.0F, 17.5115F},
+      {6.25F, 6.25F},      {12.5F, 6.25F},
+      {12.5F, 12.5F},      {4.1668F, 4.1668F},
+      {25.9385F, 0.0F},    {25.0F, 8.3335F}};
+  for (int shape = 1; shape <= 14; ++shape) {
     EXPECT_NEAR(Single(Range(shape), u"BoundLeft"), 10.0F + insets[shape - 1][0], kNear) << shape;
     EXPECT_NEAR(Single(Range(shape), u"BoundTop"), 20.0F + insets[shape - 1][1], kNear) << shape;
   }
@@ -195,6 +201,12 @@ TEST_F(Bounds, ACellIsMeasuredInItsPlace) {
   const ObjectRef cell =
       Get(Get(Get(Shape(1), u"Table"), u"Cell", {Variant::I4(1), Variant::I4(2)}), u"Shape");
   ExpectBox(RangeOf(cell), 100.0F, 0.0F, 2 * kCell, 12.0F);
+}
+
+TEST_F(Bounds, AnEmptyLastParagraphCountsInTheWholeText) {
+  OpenSlide(Box(Fixed("one") + "<a:p><a:endParaRPr sz=\"2000\"/></a:p>"));
+  ExpectBox(Range(1), kLeft, kTop, 3 * kCell, 12.0F + 24.0F);
+  ExpectBox(Part(Range(1), u"Paragraphs", 1, 1), kLeft, kTop, 3 * kCell, 12.0F);
 }
 
 TEST_F(Bounds, AnEmptyFrameIsAsHighAsALineOfItsFormat) {
@@ -240,22 +252,22 @@ TEST_F(Bounds, ATextIsLaidOutOnceUntilSomethingChanges) {
   const deck::ShapeAddress address{{0, false}, 0};
   deck::ShapeBox box;
   for (std::size_t start = 0; start < 5; ++start) {
-    ASSERT_TRUE(measure.Bounds(deck, address, {start, 3}, box));
+    ASSERT_TRUE(measure.Bounds(deck, address, {start, 3}, true, box));
   }
   EXPECT_EQ(measure.Layouts(), 1U);
   deck::FrameProps change;
   change.wrap = false;
   ASSERT_TRUE(deck.PutFrame(address, change));
-  ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, box));
+  ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, true, box));
   EXPECT_EQ(measure.Layouts(), 2U);
   // The wrap that was on before is known.
   change.wrap = true;
   ASSERT_TRUE(deck.PutFrame(address, change));
-  ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, box));
+  ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, true, box));
   EXPECT_EQ(measure.Layouts(), 2U);
   EXPECT_NEAR(box.height, 24.0, kNear);
   deck::TextSpan span{0, 4};
   ASSERT_TRUE(deck.Text(address)->PutText(span, u"z"));
-  ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, box));
+  ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, true, box));
   EXPECT_EQ(measure.Layouts(), 3U);
 }
