@@ -127,7 +127,7 @@ bool PaneHarness::WaitForWorker() {
 void PaneHarness::Finish() {
   RunUntil([&] {
     Tick();
-    return pane->runActive == 0;
+    return pane == nullptr || pane->runActive == 0;
   });
 }
 

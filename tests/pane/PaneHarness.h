@@ -48,7 +48,7 @@ class PaneHarness {
   // Until the worker waits for the page's answer number `count`.
   bool WaitForRequests(std::size_t count);
   bool WaitForWorker();
-  // Ticks until no run is active.
+  // Ticks until no run is active or the pane has gone.
   void Finish();
 
   // The page functions that were called, without their arguments: "onReady".

@@ -24,10 +24,12 @@ class ScriptedWebView final : public WebView,
   void ExecuteScript(const Wide& script) override {
     calls.push_back({true, script});
     if (onScript) onScript(script);
+    if (onCall) onCall();
   }
   void PostWebMessageAsJson(const Wide& json) override {
     calls.push_back({false, json});
     if (onMessage) onMessage(json);
+    if (onCall) onCall();
   }
   void PutVisible(bool visible) override { Step(visible ? "visible" : "hidden"); }
   void PutBounds(std::int32_t w, std::int32_t h) override {
@@ -75,6 +77,7 @@ class ScriptedWebView final : public WebView,
   std::function<void()> onGetWebView;
   std::function<void(const Wide&)> onScript;
   std::function<void(const Wide&)> onMessage;
+  std::function<void()> onCall;  // behind the other two, for either
   std::int32_t width = 0;
   std::int32_t height = 0;
   int closed = 0;
