@@ -34,7 +34,7 @@ FontList& Fonts() {
 }  // namespace
 
 HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_ptr<WebView> page,
-                       RunObserver observer) {
+                       RunObserver observer, std::uint32_t bridgeWaitMs) {
   static std::int32_t panesMade = 0;
   DetectHost(application.get());
   HandOver& block = HandOverBlock();
@@ -48,7 +48,8 @@ HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_pt
                                 .fonts = Fonts(),
                                 .observer = std::move(observer),
                                 .startWebView = {},
-                                .createWindow = {}};
+                                .createWindow = {},
+                                .bridgeWaitMs = bridgeWaitMs};
   surroundings.startWebView = [page = std::move(page)](CPptPane& pane) {
     pane.AttachWebView(nullptr, page);
   };

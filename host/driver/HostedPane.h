@@ -13,8 +13,9 @@ class HostedPane {
  public:
   // Identifies the host by its application object. `thread` outlives the pane, and the worker of a
   // run that hung when the pane went. `observer` gets the record of each run's end; may be empty.
+  // `bridgeWaitMs` is how long the page may take over a request.
   HostedPane(ObjectRef application, HostThread& thread, std::shared_ptr<WebView> page,
-             RunObserver observer);
+             RunObserver observer, std::uint32_t bridgeWaitMs = kBridgeWaitMs);
   // The window's end: a run that lasts is aborted, with a wait of up to 2000 ms for its worker.
   ~HostedPane();
   HostedPane(const HostedPane&) = delete;
