@@ -32,11 +32,7 @@ RequestingPage::RequestingPage(HostThread& thread, Wide token)
 
 RequestingPage::~RequestingPage() {
   for (std::thread& request : requests_) request.join();
-}
-
-ResultCode RequestingPage::Close() {
   *alive_ = false;
-  return kOk;
 }
 
 void RequestingPage::ExecuteScript(const Wide& script) {

@@ -20,8 +20,12 @@ class RequestingPage final : public WebView {
 
   void ExecuteScript(const Wide& script) override;
   void PostWebMessageAsJson(const Wide& json) override;
-  void PutBounds(std::int32_t, std::int32_t) override {}
-  ResultCode Close() override;
+  std::shared_ptr<WebViewSettings> Settings() override { return nullptr; }
+  void AddWebMessageReceived(std::weak_ptr<WebViewSink>) override {}
+  void AddNavigationStarting(std::weak_ptr<WebViewSink>) override {}
+  void AddNavigationCompleted(std::weak_ptr<WebViewSink>) override {}
+  void Navigate(const Wide&) override {}
+  bool Source(Wide&) override { return false; }
 
   std::function<void(const Wide&)> say;  // to the pane; host thread
   // Behind everything that the page is told.
