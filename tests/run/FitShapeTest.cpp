@@ -84,6 +84,23 @@ TEST(FitShape, AShapeThatGrewByMoreThanTheToleranceIsPutBackAndLogged) {
       << log.Joined();
 }
 
+TEST(FitShape, WhicheverSideMovedTheShapeIsPutBackAndAFitIsLogged) {
+  for (float FrameModel::*side :
+       {&FrameModel::left, &FrameModel::top, &FrameModel::width, &FrameModel::height}) {
+    test::LogCapture log;
+    FrameModel model;
+    model.runs = {{10, 18.0F}};
+    model.autoSize = model.autoSize2 = 1;
+    const ShapeRect place = PlaceOf(model);
+    const float before = model.*side;
+    model.*side += 1.6F;
+    Fit(model, &place);
+    EXPECT_FLOAT_EQ(model.*side, before);
+    EXPECT_EQ(model.autoSize, 0);
+    EXPECT_EQ(log.CountContaining("PptFit mode=fit restored=1 shrunk=0"), 1) << log.Joined();
+  }
+}
+
 TEST(FitShape, TheFourPutsOfARestoreComeInOrder) {
   FrameModel model = TwoLines();
   const ShapeRect place{90.0F, 40.0F, 200.0F, 100.0F, true};
@@ -170,6 +187,22 @@ TEST(FitShape, RunsAtFivePointsOrBelowStayAndTheLoopGoesOnToItsLimit) {
   EXPECT_FLOAT_EQ(model.runs[1].size, 4.0F);
   EXPECT_EQ(model.Measures(), 2 + 6);
   EXPECT_EQ(log.CountContaining("PptFit"), 0);  // neither moved, shrunk nor wrapped anew
+}
+
+TEST(FitShape, AFirstScaleThatIsNotBelowTheGreatestGoesANinthLower) {
+  FrameModel model;
+  model.width = 600.0F;
+  model.runs = {{40, 20.0F}};
+  // A point and a bit beyond the slide's left edge asks for a scale of 0.968, which is held to
+  // 0.95.
+  model.bounds = [](const FrameModel& m, float& height, float& width, float& left) {
+    height = 90.0F;
+    width = 500.0F;
+    left = m.runs[0].size < 20.0F ? 0.0F : -1.1F;
+  };
+  Fit(model);
+  EXPECT_FLOAT_EQ(model.runs[0].size, 20.0F * (0.95F * 0.9F));
+  EXPECT_EQ(model.Measures(), 2 + 1 + 1);
 }
 
 TEST(FitShape, TextBeyondTheSlidesEdgeShrinksOnlyWhenTheSlidesWidthIsKnown) {

@@ -44,6 +44,11 @@ struct Write {
     return std::find(calls.begin(), calls.end(), call) != calls.end();
   }
 
+  // The place is read before the write and by the fit.
+  auto PlaceReads() const {
+    return std::count(harness.host.calls.begin(), harness.host.calls.end(), "Shape.Left");
+  }
+
   test::RunHarness harness;
   RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
 };
@@ -245,6 +250,27 @@ TEST(WriteSlide, WithATargetSizeNoGeometryIsRead) {
   for (const char* call : {"Shape.Left", "Shape.Top", "Shape.Width", "Shape.Height"}) {
     EXPECT_FALSE(w.Called(call)) << call;
   }
+}
+
+TEST(WriteSlide, AShapeIsFittedOnceWhenAUnitOfItWasWritten) {
+  Write w;
+  w.harness.deck().AddSlide({TextShape(u"a\rb\rc")});
+  w.Unit(At({1}, 1), u"a", u"AA");
+  w.Unit(At({1}, 2), u"b", u"b");
+  w.Unit(At({1}, 3), u"c", u"CC");
+  w.Slide();
+  EXPECT_EQ(w.PlaceReads(), 2);
+}
+
+TEST(WriteSlide, AShapeThatKeepsItsTextIsNotFitted) {
+  Write w;
+  const FakeShapeRef refusing = TextShape(u"b");
+  refusing->text->refusesPut = true;
+  w.harness.deck().AddSlide({TextShape(u"a"), refusing});
+  w.Unit(At({1}), u"a", u"a");
+  w.Unit(At({2}), u"b", u"BB");
+  w.Slide();
+  EXPECT_EQ(w.PlaceReads(), 2) << "once for each shape, before its write";
 }
 
 TEST(WriteSlide, UnitsOfOtherEntriesStayUnwritten) {
