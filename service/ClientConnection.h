@@ -48,6 +48,8 @@ class ClientConnection {
   enum class Direction { kReading, kWriting };
 
   bool Wait(Direction direction);
+  // Looks for the client's first bytes for a moment; always false for later ones.
+  bool CameWhileAwake();
   // Waits for what TLS asked for; false when it asked for nothing, so the connection failed.
   bool WaitForTls(int result);
   ssize_t Receive(char* to, std::size_t size);
@@ -63,6 +65,7 @@ class ClientConnection {
   std::size_t inputEnd_ = 0;
   std::string output_;
   bool failed_ = false;
+  bool spoken_ = false;  // the first bytes were waited for
   bool stopping_ = false;
   Clock::time_point stopDeadline_;
 };
