@@ -421,7 +421,9 @@ class Interrupting(CommandTest):
         with ScriptedService(hold=True) as service:
             process = self.start_served(service, "a.pptx", "b.pptx", "--json")
             process.send_signal(signal.SIGINT)
-            # The worker is inside its request; answered, it sees the flag.
+            # The worker is inside its request; answered, it sees the flag, once the signal has got
+            # there: well before the command gives the worker up.
+            time.sleep(GRACE_SECONDS / 4)
             service.release()
             self.assertEqual(self.end(process), 130)
         self.assertEqual(json.loads(self.out.splitlines()[-1])["event"], "onCancelled")
