@@ -415,16 +415,20 @@ class Telling(CommandTest):
 
 
 class Interrupting(CommandTest):
+    @staticmethod
+    def interrupt(process, service):
+        """The worker is inside its request; answered, it sees the flag, once the signal has got
+        there: well before the command gives the worker up."""
+        process.send_signal(signal.SIGINT)
+        time.sleep(GRACE_SECONDS / 4)
+        service.release()
+
     def test_ctrl_c_cancels_the_run_and_the_decks_behind_it(self):
         self.deck("a.pptx")
         self.deck("b.pptx")
         with ScriptedService(hold=True) as service:
             process = self.start_served(service, "a.pptx", "b.pptx", "--json")
-            process.send_signal(signal.SIGINT)
-            # The worker is inside its request; answered, it sees the flag, once the signal has got
-            # there: well before the command gives the worker up.
-            time.sleep(GRACE_SECONDS / 4)
-            service.release()
+            self.interrupt(process, service)
             self.assertEqual(self.end(process), 130)
         self.assertEqual(json.loads(self.out.splitlines()[-1])["event"], "onCancelled")
         self.assertEqual(self.complaints(),
@@ -458,8 +462,7 @@ class Interrupting(CommandTest):
         self.deck()
         with ScriptedService(hold=True) as service:
             process = self.start_served(service, "missing.pptx", "talk.pptx")
-            process.send_signal(signal.SIGINT)
-            service.release()
+            self.interrupt(process, service)
             self.assertEqual(self.end(process), 130)
 
     def test_in_place_a_cancelled_run_leaves_the_deck_alone(self):
@@ -467,8 +470,7 @@ class Interrupting(CommandTest):
         before = self.bytes_of(deck)
         with ScriptedService(hold=True) as service:
             process = self.start_served(service, "talk.pptx", "--in-place")
-            process.send_signal(signal.SIGINT)
-            service.release()
+            self.interrupt(process, service)
             self.assertEqual(self.end(process), 130)
         self.assertEqual(self.bytes_of(deck), before)
 
