@@ -106,6 +106,13 @@ TEST(TranslateRequest, ABodyNestedWithoutEndIsRefused) {
                 ",\"texts\":[\"a\"],\"targetLang\":\"es\"}");
 }
 
+TEST(TranslateRequest, BracketsInTextsAreNoNesting) {
+  const Asked asked =
+      Ask(R"({"texts":["\"[[[[[[[[[[[[[[[[[[[[","{\\","}[{[{[{[{[{[{[{[{[{["],"targetLang":"es"})");
+  EXPECT_EQ(asked.answer.status, 200) << asked.answer.body;
+  EXPECT_EQ(asked.request.texts[0], "\"" + std::string(20, '['));
+}
+
 TEST(TranslateRequest, TooManyTextsAreRefusedBeforeTheEngineSeesThem) {
   const Asked asked = Ask(R"({"texts":["a","b","c"],"targetLang":"es"})", Echo, 2);
   EXPECT_EQ(asked.answer.status, 413);
