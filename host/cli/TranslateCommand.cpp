@@ -114,6 +114,7 @@ int Command::TranslateDeck(const DeckJob& job, const std::string& shownName) {
     console_.Complain(PlainLine(job.input) + ": warning: " + PlainLine(warning));
   }
   if (!OutputWritable(job, error)) return Refuse(job, error);
+  host.ExpectMeasuring();
   if (options_.slide > 0 && !host.ShowSlide(options_.slide)) {
     return Refuse(job, std::string("there is no slide ")
                            .append(std::to_string(options_.slide))

@@ -12,6 +12,7 @@ constexpr std::int32_t kDefaultSize = 1800;  // hundredths of a point
 constexpr double kEmuPerPoint = 12700.0;
 // A layout has a handful of placeholders; a file that invents more of them gains nothing.
 constexpr std::size_t kMostPlainBodies = 256;
+constexpr std::size_t kMostPlainCells = 32;
 
 // What holds when nobody says anything.
 CharProps LastResort() {
@@ -80,12 +81,22 @@ std::shared_ptr<const BodyStyle> Deck::StyleOf(SlidePart& part, const ShapeAddre
   const pugi::xml_node bodyProperties = names.Child(text, kA, "bodyPr");
   const std::optional<Autofit> own = ParseFrameProps(names, bodyProperties).autofit;
   const std::optional<ColorMap> ownMap = ParseColorMapOverride(names, part.root());
-  const bool plain = !address.IsCell() && !HasChildren(list) && !own && !ownMap &&
-                     !names.Child(shape, kP, "style");
+  const bool plain = !HasChildren(list) && !own && !ownMap && !names.Child(shape, kP, "style");
   Layout& entry = LayoutEntry(address.page);
   std::string key;
   if (placeholder) key = placeholder->type + "/" + std::to_string(placeholder->index);
-  if (plain) {
+  CharProps cell;
+  if (address.IsCell()) {
+    if (const TableGrid* const grid = part.Table(address.shape)) {
+      auto row = static_cast<std::uint32_t>(address.row);
+      auto column = static_cast<std::uint32_t>(address.column);
+      if (grid->Has(row, column)) grid->Origin(row, column);
+      cell = TableStyleSheet().CellProps(names, *grid, row, column);
+    }
+    for (const auto& [props, known] : entry.plainCells) {
+      if (plain && props == cell) return known;
+    }
+  } else if (plain) {
     if (const auto found = entry.plainBodies.find(key); found != entry.plainBodies.end()) {
       return found->second;
     }
@@ -107,12 +118,7 @@ std::shared_ptr<const BodyStyle> Deck::StyleOf(SlidePart& part, const ShapeAddre
     InheritAll(style->levels, FontReference(names, shape));
     Inherit(style->levels, MasterLevels(master, *placeholder));
   } else if (address.IsCell()) {
-    if (const TableGrid* const grid = part.Table(address.shape)) {
-      auto row = static_cast<std::uint32_t>(address.row);
-      auto column = static_cast<std::uint32_t>(address.column);
-      if (grid->Has(row, column)) grid->Origin(row, column);
-      InheritAll(style->levels, TableStyleSheet().CellProps(names, *grid, row, column));
-    }
+    InheritAll(style->levels, cell);
   } else {
     InheritAll(style->levels, FontReference(names, shape));
   }
@@ -127,13 +133,23 @@ std::shared_ptr<const BodyStyle> Deck::StyleOf(SlidePart& part, const ShapeAddre
   style->minorLatin = master.theme.minorLatin;
   style->minorEastAsian = master.theme.minorEastAsian;
   style->minorComplex = master.theme.minorComplex;
-  if (plain && entry.plainBodies.size() < kMostPlainBodies) entry.plainBodies.emplace(key, style);
+  if (plain && address.IsCell()) {
+    if (entry.plainCells.size() < kMostPlainCells) entry.plainCells.emplace_back(cell, style);
+  } else if (plain && entry.plainBodies.size() < kMostPlainBodies) {
+    entry.plainBodies.emplace(key, style);
+  }
   return style;
 }
 
 // The frame in the coordinates of whatever holds the shape.
 ShapeBox Deck::OwnBox(SlidePart& part, PageAddress page, std::uint32_t shape) {
   if (const std::optional<ShapeBox>& moved = part.MovedBox(shape)) return *moved;
+  std::optional<ShapeBox>& known = part.FileBox(shape);
+  if (!known) known = FileBox(part, page, shape);
+  return *known;
+}
+
+ShapeBox Deck::FileBox(SlidePart& part, PageAddress page, std::uint32_t shape) {
   const XmlNames& names = part.names();
   const ShapeEntry& entry = part.shapes().At(shape);
   const pugi::xml_node transform = ShapeTransform(names, entry.node, entry.kind);

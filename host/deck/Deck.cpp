@@ -11,6 +11,8 @@ namespace {
 // A run works on one slide and its notes page at a time; two more keep a view or a test that looks
 // back and forth from parsing again and again.
 constexpr std::size_t kHeldPages = 4;
+// Of those that made room, at most as many wait to be taken apart.
+constexpr std::size_t kMostGone = 16;
 
 // How many slides are read ahead: the first when fewer than that are left, up to the second.
 constexpr std::uint32_t kLeastAhead = 3;
@@ -67,6 +69,12 @@ std::unique_ptr<SlidePart> Deck::ReadPage(PageAddress page) {
   return early && *early ? *std::move(early) : SlidePart::Parse(ReadXml(PartOf(page)));
 }
 
+std::unique_ptr<SlidePart> Deck::ReadPart(const std::string& part, bool formats) {
+  std::unique_ptr<SlidePart> read = SlidePart::Parse(ReadXml(part));
+  if (read) read->ReadTexts(formats);
+  return read;
+}
+
 // A run goes from slide to slide, so the next ones are parsed on a second thread meanwhile. A page
 // that is held is never read ahead: its edits are not in the package yet.
 void Deck::StartAhead(PageAddress page) {
@@ -91,9 +99,17 @@ void Deck::StartAhead(PageAddress page) {
       const auto holds = [&](const Held& held) { return held.page == next; };
       if (std::any_of(held_.begin(), held_.end(), holds)) continue;
       pieces.emplace_back(AheadKey(next),
-                          [this, &name] { return SlidePart::Parse(ReadXml(name)); });
+                          [this, &name, formats = isWritten_] { return ReadPart(name, formats); });
     }
   }
+  if (!pieces.empty()) {
+    auto gone = std::make_shared<std::vector<std::unique_ptr<SlidePart>>>(std::move(gone_));
+    pieces.front().second = [gone, read = std::move(pieces.front().second)] {
+      gone->clear();
+      return read();
+    };
+  }
+  gone_.clear();
   ahead_.Start(std::move(pieces));
 }
 
@@ -110,12 +126,14 @@ SlidePart* Deck::Page(PageAddress page) {
     if (!blankNotes_) blankNotes_ = SlidePart::Parse(std::string(kBlankNotes));
     return blankNotes_.get();
   }
+  lastText_ = nullptr;
   std::unique_ptr<SlidePart> part = ReadPage(page);
   if (!part) return nullptr;
   if (held_.size() >= kHeldPages) {
     const auto oldest = std::min_element(
         held_.begin(), held_.end(), [](const Held& a, const Held& b) { return a.used < b.used; });
     WriteBack(*oldest);
+    if (oldest->part && gone_.size() < kMostGone) gone_.push_back(std::move(oldest->part));
     held_.erase(oldest);
   }
   ++clock_;
@@ -133,6 +151,7 @@ Deck::Held* Deck::HeldPage(PageAddress page) {
 
 void Deck::WriteBack(Held& held) {
   if (!held.part->Edited()) return;
+  isWritten_ = true;
   for (std::uint32_t shape = 0; fit_ && shape < held.part->shapes().Count(); ++shape) {
     if (NeedsFit({held.page, shape})) fit_({held.page, shape});
   }
@@ -151,6 +170,7 @@ bool Deck::Edited() {
 
 PackageResult<bool> Deck::Save(const std::string& path) {
   for (Held& held : held_) WriteBack(held);
+  lastText_ = nullptr;
   held_.clear();
   return package_->Save(path);
 }
@@ -159,8 +179,13 @@ TextBody* Deck::Text(const ShapeAddress& address) {
   SlidePart* const part = Page(address.page);
   if (part == nullptr || address.shape >= part->shapes().Count()) return nullptr;
   if (!address.IsCell()) return part->ShapeText(address.shape);
-  return part->CellText(address.shape, static_cast<std::uint32_t>(address.row),
-                        static_cast<std::uint32_t>(address.column));
+  // Finding a cell's text takes more than asking it something.
+  if (lastText_ == nullptr || lastTextAddress_ != address) {
+    lastText_ = part->CellText(address.shape, static_cast<std::uint32_t>(address.row),
+                               static_cast<std::uint32_t>(address.column));
+    lastTextAddress_ = address;
+  }
+  return lastText_;
 }
 
 const BodyStyle* Deck::Style(const ShapeAddress& address, TextBody& text) {

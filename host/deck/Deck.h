@@ -35,6 +35,7 @@ struct ShapeAddress {
   std::int32_t row = -1;
   std::int32_t column = -1;
   bool IsCell() const { return row >= 0; }
+  friend bool operator==(const ShapeAddress&, const ShapeAddress&) = default;
 };
 
 struct SlideRecord {
@@ -127,8 +128,12 @@ class Deck {
     std::shared_ptr<const LayoutStyles> styles;  // read when first asked for
     // Styles of bodies that add nothing of their own, by placeholder.
     std::map<std::string, std::shared_ptr<const BodyStyle>> plainBodies;
+    // The same of cells, by what the table's style gives them.
+    std::vector<std::pair<CharProps, std::shared_ptr<const BodyStyle>>> plainCells;
   };
   void WriteBack(Held& held);
+  // `formats` as SlidePart::ReadTexts takes it. Any thread.
+  std::unique_ptr<SlidePart> ReadPart(const std::string& part, bool formats);
   std::unique_ptr<SlidePart> ReadPage(PageAddress page);
   void StartAhead(PageAddress page);
   static std::size_t WeightOf(const std::unique_ptr<SlidePart>& part);
@@ -149,6 +154,7 @@ class Deck {
   std::shared_ptr<const BodyStyle> StyleOf(SlidePart& part, const ShapeAddress& address,
                                            pugi::xml_node text);
   ShapeBox OwnBox(SlidePart& part, PageAddress page, std::uint32_t shape);
+  ShapeBox FileBox(SlidePart& part, PageAddress page, std::uint32_t shape);
 
   std::unique_ptr<Package> package_;
   std::string presentationPart_;
@@ -165,6 +171,9 @@ class Deck {
 
   std::vector<Held> held_;
   std::uint64_t clock_ = 0;
+  // A cell's text asked for last, null once its page may have gone.
+  ShapeAddress lastTextAddress_;
+  TextBody* lastText_ = nullptr;
   std::function<void(const ShapeAddress&)> fit_;
   std::unique_ptr<SlidePart> blankNotes_;
   std::map<std::string, std::shared_ptr<const MasterStyles>> masters_;
@@ -173,6 +182,9 @@ class Deck {
   std::uint32_t lastRead_ = kNoLayout;  // slide of the page read last, none at first
   std::uint32_t nextAhead_ = 0;         // slide up to which pages were started ahead
   bool notesAreRead_ = false;
+  bool isWritten_ = false;  // so the look of runs is asked for
+  // Pages that made room, for the second thread to take apart.
+  std::vector<std::unique_ptr<SlidePart>> gone_;
   // The last member: its thread reads the package.
   ReadAhead<std::unique_ptr<SlidePart>> ahead_{kMostAheadBytes, &Deck::WeightOf};
 };

@@ -24,6 +24,7 @@ std::unique_ptr<SlidePart> SlidePart::Parse(std::string bytes) {
   const pugi::xml_node slide = names.Child(part->root(), kP, "cSld");
   part->shapes_ = ShapeTree(names, names.Child(slide, kP, "spTree"));
   part->shapeTexts_.resize(part->shapes_.Count());
+  part->fileBoxes_.resize(part->shapes_.Count());
   return part;
 }
 
@@ -56,6 +57,20 @@ TextBody* SlidePart::CellText(std::uint32_t shape, std::uint32_t row, std::uint3
   if (grid == nullptr || !grid->Has(row, column)) return nullptr;
   grid->Origin(row, column);
   return Body(names_.Child(grid->Cell(row, column), kA, "txBody"));
+}
+
+void SlidePart::ReadTexts(bool formats) {
+  for (std::uint32_t shape = 0; shape < shapes_.Count(); ++shape) {
+    ShapeText(shape);
+    const TableGrid* const grid = Table(shape);
+    for (std::uint32_t row = 0; grid != nullptr && row < grid->Rows(); ++row) {
+      for (std::uint32_t column = 0; grid->Has(row, column); ++column) {
+        CellText(shape, row, column);
+      }
+    }
+  }
+  if (!formats) return;
+  for (const auto& [node, body] : bodies_) body->ReadFormats();
 }
 
 FrameState* SlidePart::Frame(std::uint32_t shape) {

@@ -35,6 +35,10 @@ class SlidePart {
   SlidePart(const SlidePart&) = delete;
   SlidePart& operator=(const SlidePart&) = delete;
 
+  // Reads all its texts, and with `formats` the look of their runs, that are otherwise read as they
+  // are asked for: worth it on a thread that has nothing else to do.
+  void ReadTexts(bool formats);
+
   const XmlNames& names() const { return names_; }
   const ShapeTree& shapes() const { return shapes_; }
   // p:sld or p:notes.
@@ -47,6 +51,9 @@ class SlidePart {
   // The text body behind a 0-based grid position: the merged cell's origin answers for all of its
   // positions. Null when the table has no such cell or the cell no text body.
   TextBody* CellText(std::uint32_t shape, std::uint32_t row, std::uint32_t column);
+
+  // The shape's own frame as the file has it, once somebody worked it out.
+  std::optional<ShapeBox>& FileBox(std::uint32_t shape) { return fileBoxes_[shape]; }
 
   // The text body of a shape if it was asked for before.
   const TextBody* KnownText(std::uint32_t shape) const { return shapeTexts_[shape]; }
@@ -75,7 +82,8 @@ class SlidePart {
   ShapeTree shapes_;
   RunFormats formats_;
   std::unordered_map<const void*, std::unique_ptr<TextBody>> bodies_;
-  std::vector<TextBody*> shapeTexts_;  // by shape, as far as they were asked for
+  std::vector<TextBody*> shapeTexts_;               // by shape, as far as they were asked for
+  std::vector<std::optional<ShapeBox>> fileBoxes_;  // the same
   std::unordered_map<std::uint32_t, std::unique_ptr<TableGrid>> tables_;
   std::unordered_map<std::uint32_t, FrameState> frames_;
   std::uint64_t framesRevision_ = 0;

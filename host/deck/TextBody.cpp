@@ -17,9 +17,9 @@ Wide RunText(const XmlNames& names, pugi::xml_node run) {
   const pugi::xml_node node = names.Child(run, kA, "t");
   const pugi::xml_node only = node.first_child();
   Wide text = only && !only.next_sibling() ? ToWide(only.value()) : ToWide(ElementText(node));
-  std::replace(text.begin(), text.end(), u'\r', u' ');
-  std::replace(text.begin(), text.end(), u'\n', u' ');
-  std::replace(text.begin(), text.end(), u'\v', u' ');
+  for (char16_t& unit : text) {
+    if (unit == u'\r' || unit == u'\n' || unit == u'\v') unit = u' ';
+  }
   return text;
 }
 
@@ -162,6 +162,15 @@ const RunFormatRef& TextBody::EndFormat(const Para& para) const {
   if (para.ownEnd) return para.ownEnd;
   if (!para.readEnd) para.readEnd = formats_.OfElement(EndNode(para));
   return para.readEnd;
+}
+
+void TextBody::ReadFormats() const {
+  for (const Para& para : paragraphs_) {
+    for (const TextPiece& piece : para.pieces) {
+      if (piece.kind != TextPiece::Kind::kOpaque) FormatOf(piece);
+    }
+    EndFormat(para);
+  }
 }
 
 const CharProps& TextBody::ShownProps(const Para& para, const RunFormatRef& format) const {

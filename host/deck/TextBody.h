@@ -108,6 +108,9 @@ class TextBody {
   using PropertiesEdit = std::function<std::string(std::string_view raw, std::string_view prefix)>;
   void EditProps(TextSpan span, const PropertiesEdit& edit);
 
+  // Reads the look of all its runs beforehand.
+  void ReadFormats() const;
+
   // Every paragraph in order.
   void VisitParagraphs(const std::function<void(const ShownParagraph&)>& visit) const;
 

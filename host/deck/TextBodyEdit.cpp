@@ -22,9 +22,15 @@ bool IsLow(char16_t unit) {
 // The text as a file can hold it, so that what was put reads the same after saving: one mark for
 // each paragraph end, no control characters but tab, VT and the mark, whole surrogate pairs.
 Wide CleanText(WideView text) {
-  Wide clean;
+  const auto plain = [](char16_t unit) {
+    return unit >= 0x20 && (unit < 0xD800 || (unit > 0xDFFF && unit < 0xFFFE));
+  };
+  // Most texts are clean.
+  std::size_t i = 0;
+  while (i < text.size() && plain(text[i])) ++i;
+  Wide clean(text.substr(0, i));
   clean.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
+  for (; i < text.size(); ++i) {
     const char16_t unit = text[i];
     const char16_t next = i + 1 < text.size() ? text[i + 1] : u'\0';
     if (unit == u'\r' && next == u'\n') continue;

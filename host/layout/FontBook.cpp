@@ -4,6 +4,7 @@
 #include <hb.h>
 
 #include <string>
+#include <system_error>
 #include <unordered_map>
 
 namespace layout {
@@ -77,11 +78,26 @@ bool FontFace::Shows(char32_t character) const {
   return (slot & 1u) != 0;
 }
 
-FontBook::FontBook() : config_(FcInitLoadConfigAndFonts()) {}
+FontBook::FontBook() = default;
+
+void FontBook::ReadAhead() {
+  if (config_ != nullptr || early_.valid()) return;
+  try {
+    early_ = std::async(std::launch::async, &FcInitLoadConfigAndFonts);
+  } catch (const std::system_error&) {
+    // No thread to be had: the first question reads them.
+  }
+}
+
+FcConfig* FontBook::Config() {
+  if (config_ == nullptr) config_ = early_.valid() ? early_.get() : FcInitLoadConfigAndFonts();
+  return config_;
+}
 
 FontBook::~FontBook() {
   for (auto& [place, face] : faces_) hb_font_destroy(face->font);
   sorted_.clear();
+  if (early_.valid()) config_ = early_.get();
   if (config_) FcConfigDestroy(config_);
 }
 
@@ -112,9 +128,9 @@ const FontFace& FontBook::Open(const std::string& file, int index, const std::st
 }
 
 const FontFace& FontBook::Match(const FontWish& wish) {
-  Pattern pattern = PatternOf(config_, wish);
+  Pattern pattern = PatternOf(Config(), wish);
   FcResult result = FcResultNoMatch;
-  Pattern match(FcFontMatch(config_, pattern.get(), &result));
+  Pattern match(FcFontMatch(Config(), pattern.get(), &result));
   if (!match) return Open({}, 0, {});
   return Open(StringOf(match.get(), FC_FILE), IndexOf(match.get()),
               StringOf(match.get(), FC_FAMILY));
@@ -130,9 +146,9 @@ FontBook::Candidates& FontBook::Sorted(const FontWish& wish) {
   std::unique_ptr<Candidates>& slot = sorted_[wish];
   if (!slot) {
     slot = std::make_unique<Candidates>();
-    Pattern pattern = PatternOf(config_, wish);
+    Pattern pattern = PatternOf(Config(), wish);
     FcResult result = FcResultNoMatch;
-    slot->fonts.reset(FcFontSort(config_, pattern.get(), FcTrue, nullptr, &result));
+    slot->fonts.reset(FcFontSort(Config(), pattern.get(), FcTrue, nullptr, &result));
   }
   return *slot;
 }
@@ -173,7 +189,7 @@ bool FontBook::Has(const std::string& family) {
   if (same(face.family, family)) return true;
   Pattern pattern(FcPatternCreate());
   FcPatternAddString(pattern.get(), FC_FAMILY, Bytes(family));
-  FcConfigSubstitute(config_, pattern.get(), FcMatchPattern);
+  FcConfigSubstitute(Config(), pattern.get(), FcMatchPattern);
   // Replacements of equal metrics are bound as strongly as the name itself and stand right behind
   // it, generic families are bound weakly.
   FcValue value;

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <future>
 #include <map>
 #include <memory>
 #include <string>
@@ -53,6 +54,10 @@ class FontBook {
   FontBook(const FontBook&) = delete;
   FontBook& operator=(const FontBook&) = delete;
 
+  // Begins reading what fonts there are on a thread of its own, for the first question to find it
+  // done. Without it, that question reads them.
+  void ReadAhead();
+
   // The face for the wish; where the machine has no font at all, one without glyphs that measures
   // by the em.
   const FontFace& Find(const FontWish& wish);
@@ -69,6 +74,9 @@ class FontBook {
   Candidates& Sorted(const FontWish& wish);
   const FontFace& Choose(const Candidates& candidates, char32_t character, const FontFace& wished);
 
+  FcConfig* Config();
+
+  std::future<FcConfig*> early_;
   FcConfig* config_ = nullptr;
   std::map<std::pair<std::string, int>, std::unique_ptr<FontFace>> faces_;
   std::map<FontWish, const FontFace*> found_;

@@ -25,6 +25,9 @@ class TextLayout {
   TextLayout(const TextLayout&) = delete;
   TextLayout& operator=(const TextLayout&) = delete;
 
+  // Begins reading the machine's fonts on a thread of its own.
+  void ReadFontsAhead() { book_.ReadAhead(); }
+
   // Linear in the text. A frame without paragraphs has no lines and no extent.
   LaidText LayOut(const LayoutFrame& frame);
 

@@ -37,6 +37,10 @@ PackageResult<bool> Host::Open(const std::string& path, std::vector<std::string>
   return result;
 }
 
+void Host::ExpectMeasuring() {
+  state_->session->measure.Prepare();
+}
+
 PackageResult<bool> Host::Save(const std::string& path) {
   const model::OpenDeck* const open = state_->session->Active();
   if (open != nullptr) return open->deck->Save(path);

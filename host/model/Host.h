@@ -42,6 +42,8 @@ class Host {
   // needs and is missing or broken is an error; a missing leaf (picture, workbook, sound) is a
   // sentence in `warnings`.
   PackageResult<bool> Open(const std::string& path, std::vector<std::string>& warnings);
+  // Tells that texts will be measured, so that reading the machine's fonts can begin meanwhile.
+  void ExpectMeasuring();
   // Saves the deck of the active window; nothing that was not edited changes.
   PackageResult<bool> Save(const std::string& path);
   bool Edited() const;

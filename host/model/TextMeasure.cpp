@@ -1,6 +1,7 @@
 #include "host/model/TextMeasure.h"
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <utility>
 
@@ -13,6 +14,7 @@ namespace {
 
 // Who fits a text looks at one frame, with wrap on and off.
 constexpr std::size_t kKeptLayouts = 4;
+constexpr deck::TextSpan kNothing{std::numeric_limits<std::size_t>::max(), 0};
 constexpr double kDegrees = 60000.0;  // of a file's angles
 
 bool SamePlace(const deck::ShapeAddress& one, const deck::ShapeAddress& other) {
@@ -64,6 +66,9 @@ struct TextMeasure::Entry {
   deck::ShapeBox area;
   layout::LayoutFrame frame;
   layout::LaidText text;
+  mutable deck::TextSpan bounded = kNothing;  // what `bounds` is the box of
+  mutable bool boundedToTheEnd = false;
+  mutable layout::Box bounds;
 };
 
 TextMeasure::TextMeasure() = default;
@@ -99,6 +104,7 @@ const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeA
       next_ = (next_ + 1) % kKeptLayouts;
     }
     found->text = Layout().LayOut(frame);
+    found->bounded = kNothing;
     found->frame = std::move(frame);
     ++layouts_;
   }
@@ -114,7 +120,14 @@ bool TextMeasure::Bounds(deck::Deck& deck, const deck::ShapeAddress& address, de
   Fit(deck, address);
   const Entry* const entry = Laid(deck, address);
   if (entry == nullptr) return false;
-  const layout::Box box = entry->text.Bounds(span.start, span.length, toTheEnd);
+  // Its sides are asked for one after the other.
+  if (entry->bounded.start != span.start || entry->bounded.length != span.length ||
+      entry->boundedToTheEnd != toTheEnd) {
+    entry->bounds = entry->text.Bounds(span.start, span.length, toTheEnd);
+    entry->bounded = span;
+    entry->boundedToTheEnd = toTheEnd;
+  }
+  const layout::Box& box = entry->bounds;
   out = {entry->area.left + box.left, entry->area.top + box.top, box.width, box.height};
   return true;
 }

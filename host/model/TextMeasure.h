@@ -19,6 +19,9 @@ class TextMeasure {
   TextMeasure(const TextMeasure&) = delete;
   TextMeasure& operator=(const TextMeasure&) = delete;
 
+  // Begins what the first measuring takes long for on a thread of its own.
+  void Prepare() { Layout().ReadFontsAhead(); }
+
   // The box of a range of the text in slide coordinates, of the unrotated shape, after the frame
   // was fitted; `toTheEnd` counts an empty last paragraph in. Laid out anew only when the text, its
   // format or the frame has changed. False when there is no text body.

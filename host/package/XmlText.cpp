@@ -16,8 +16,15 @@ bool IsBlank(char c) {
 std::string Escape(std::string_view text, bool attribute) {
   std::string result;
   result.reserve(text.size() + text.size() / 8);
+  const auto plain = [](char c) {
+    return c >= 0x20 && c < 0x7F && c != '&' && c != '<' && c != '>' && c != '"';
+  };
   std::size_t i = 0;
   while (i < text.size()) {
+    const std::size_t run = i;
+    while (i < text.size() && plain(text[i])) ++i;
+    result.append(text.substr(run, i - run));
+    if (i == text.size()) break;
     const char c = text[i];
     if (static_cast<unsigned char>(c) >= 0x80) {
       const Utf8Char decoded = DecodeUtf8(text.substr(i));
