@@ -17,6 +17,8 @@ void Require(bool holds) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const Wide json = ToWide({reinterpret_cast<const char*>(data), size});
   for (const WideView key : {u"k", u"targetFont", u"", u"\""}) {
+    const Wide quoted = u"\"" + Wide(key) + u"\"";
+    Require(JsonHasKey(json, key) == (json.find(quoted) != Wide::npos));
     const Wide value = JsonGetString(json, key);
     Require(value.size() <= json.size());
     Require(JsonFindString(json, key).size() <= json.size());

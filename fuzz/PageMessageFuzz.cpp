@@ -6,8 +6,10 @@
 #include <map>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "pane/CPptPane.h"
+#include "pane/PanelTransport.h"
 
 namespace {
 
@@ -16,7 +18,10 @@ class FuzzThread final : public HostThread {
  public:
   std::uint64_t TickCount() override { return ++ticks_; }
   void Sleep(std::uint32_t) override {}
-  bool PumpUntil(const std::function<bool()>& done, std::uint32_t) override { return done(); }
+  bool PumpUntil(const std::function<bool()>& done, std::uint32_t) override {
+    RunPosts();
+    return done();
+  }
   bool Post(Callable call) override {
     posts_.push_back(std::move(call));
     return true;
@@ -75,6 +80,32 @@ void Hear(CPptPane& pane, FuzzThread& thread, const Wide& text) {
   Require(pane.targetStyle.bold >= -1 && pane.targetStyle.bold <= 1);
 }
 
+// The text as the rest of both answers that a run waits for.
+void Answer(FuzzThread& thread, const Wide& text) {
+  PanelTransport* asked = nullptr;
+  PanelTransport transport({thread, [] { return true; },
+                            [&](const Wide&) {
+                              thread.Post([&] {
+                                asked->CompleteTranslate(u"{\"requestId\":\"ppttr_1\"," + text);
+                                asked->CompleteTerminology(u"{\"requestId\":\"pptterm_2\"," + text);
+                              });
+                            }});
+  asked = &transport;
+  const TranslateBatchResult result = transport.TranslateViaPage({});
+  Require(result.code != u"request_timeout" || text.find(u"request_timeout") != Wide::npos);
+  Require(result.ok || result.translations.empty());
+  Wide instruction;
+  Wide code;
+  Wide message;
+  std::vector<GlossaryEntry> glossary;
+  if (!transport.ResolveTerminologyViaPage({}, {}, {}, instruction, glossary, code, message)) {
+    Require(glossary.empty());
+  }
+  for (const GlossaryEntry& entry : glossary) {
+    Require(!entry.source.empty() && !entry.target.empty());
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -94,5 +125,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Hear(*pane, thread, u"{\"action\":\"" + Wide(action) + u"\"," + text);
   }
   pane->OnDestroy();
+  Answer(thread, text);
   return 0;
 }

@@ -1,6 +1,7 @@
 #include "foundation/JsonText.h"
 
 #include <cmath>
+#include <random>
 
 #include "gtest/gtest.h"
 
@@ -265,4 +266,46 @@ TEST(ReadTargetStyle, BadValuesUnsetTheFields) {
   EXPECT_EQ(-1, style.bold);
   ReadTargetStyle(u"{\"targetFontBold\":0.0}", style);
   EXPECT_EQ(0, style.bold);
+}
+
+// Long texts are searched block by block, which must miss nothing.
+TEST(JsonHasKey, FindsInATextOfAnyLengthWhatAPlainSearchFinds) {
+  std::mt19937 chance(7);
+  const Wide units = u"abc\"\"";
+  const auto text = [&](std::size_t length) {
+    Wide made;
+    for (std::size_t i = 0; i < length; ++i) made += units[chance() % units.size()];
+    return made;
+  };
+  int found = 0;
+  constexpr int kTurns = 20000;
+  for (int turn = 0; turn < kTurns; ++turn) {
+    const Wide json = text(chance() % 300);
+    const Wide key = text(chance() % 7);
+    const bool stands = json.find(u"\"" + key + u"\"") != Wide::npos;
+    ASSERT_EQ(JsonHasKey(json, key), stands) << ToUtf8(json) << " " << ToUtf8(key);
+    found += stands ? 1 : 0;
+  }
+  EXPECT_GT(found, kTurns / 20);
+  EXPECT_LT(found, kTurns - kTurns / 20);
+}
+
+TEST(JsonHasKey, FindsAKeyAtEveryPlaceOfALongText) {
+  for (std::size_t length = 0; length < 200; ++length) {
+    for (std::size_t at = 0; at <= length; ++at) {
+      Wide json(length, u'x');
+      json.insert(at, u"\"key\"");
+      ASSERT_TRUE(JsonHasKey(json, u"key")) << at << " of " << length;
+      json[at + 3] = u'x';
+      ASSERT_FALSE(JsonHasKey(json, u"key")) << at << " of " << length;
+    }
+  }
+}
+
+TEST(JsonGetString, FindsTheFirstKeyWithAColonAlsoInALongText) {
+  const Wide filling(1000, u'x');
+  const Wide json =
+      u"{\"fill\":\"" + filling + u"\",\"key\" \"key\":\"one\",\"key\":\"two\"," + filling + u"}";
+  EXPECT_EQ(u"one", JsonGetString(json, u"key"));
+  EXPECT_EQ(u"", JsonGetString(json, u"none"));
 }

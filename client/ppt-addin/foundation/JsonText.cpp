@@ -29,10 +29,31 @@ Wide Quoted(WideView key) {
   return quoted;
 }
 
+// As json.find(quoted, at). A start message is searched for a dozen keys that it may lack, each
+// time to its end: blocks in which the first two units do not stand side by side are passed over,
+// by a loop that compilers turn into few instructions.
+std::size_t Find(WideView json, WideView quoted, std::size_t at = 0) {
+  constexpr std::size_t kBlock = 64;
+  const char16_t first = quoted[0];
+  const char16_t second = quoted[1];
+  for (; at + kBlock < json.size(); at += kBlock) {
+    const char16_t* const block = json.data() + at;
+    std::uint16_t stand = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) {
+      const bool both = (block[i] == first) & (block[i + 1] == second);
+      stand = static_cast<std::uint16_t>(stand | (both ? 1 : 0));
+    }
+    if (stand == 0) continue;
+    const std::size_t found = json.substr(0, at + kBlock + quoted.size() - 1).find(quoted, at);
+    if (found != kNone) return found;
+  }
+  return json.find(quoted, at);
+}
+
 // Just behind the first occurrence of the quoted key.
 std::size_t BehindKey(WideView json, WideView key) {
   const Wide quoted = Quoted(key);
-  const std::size_t at = json.find(quoted);
+  const std::size_t at = Find(json, quoted);
   return at == kNone ? kNone : at + quoted.size();
 }
 
@@ -168,7 +189,7 @@ Wide JsonEscape(WideView text) {
 
 Wide JsonGetString(WideView json, WideView key) {
   const Wide quoted = Quoted(key);
-  for (std::size_t at = json.find(quoted); at != kNone; at = json.find(quoted, at + 1)) {
+  for (std::size_t at = Find(json, quoted); at != kNone; at = Find(json, quoted, at + 1)) {
     const std::size_t behind = SkipAny(json, at + quoted.size(), u" \t");
     // Between the colon and the next quote anything may stand: a null or a number gives the next
     // string of the document.
@@ -208,7 +229,7 @@ double JsonGetNumber(WideView json, WideView key) {
 
 std::vector<Wide> JsonGetStringArray(WideView json, WideView key) {
   std::vector<Wide> values;
-  std::size_t at = json.find(Quoted(key));
+  std::size_t at = Find(json, Quoted(key));
   if (at == kNone) return values;
   at = json.find(u'[', at);
   if (at == kNone) return values;
@@ -226,7 +247,7 @@ std::vector<Wide> JsonGetStringArray(WideView json, WideView key) {
 }
 
 Wide JsonGetObject(WideView json, WideView key) {
-  const std::size_t from = json.find(Quoted(key));
+  const std::size_t from = Find(json, Quoted(key));
   if (from == kNone) return {};
   const std::size_t open = json.find(u'{', from);
   if (open == kNone) return {};
@@ -256,7 +277,7 @@ Wide JsonGetObject(WideView json, WideView key) {
 }
 
 bool JsonHasKey(WideView json, WideView key) {
-  return json.find(Quoted(key)) != kNone;
+  return Find(json, Quoted(key)) != kNone;
 }
 
 bool ParseHexColor(WideView text, std::int32_t& value) {

@@ -52,7 +52,7 @@ struct PaneSurroundings {
   std::function<std::shared_ptr<void>(CPptPane&)> holdObject = nullptr;
 };
 
-class CPptPane : public std::enable_shared_from_this<CPptPane>, public WebViewSink {
+class CPptPane final : public std::enable_shared_from_this<CPptPane>, public WebViewSink {
   struct Key {};  // lets Create alone construct
 
  public:
