@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "foundation/JsonText.h"
+#include "foundation/JsonTextReference.h"
 
 namespace {
 
@@ -19,6 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (const WideView key : {u"k", u"targetFont", u"", u"\""}) {
     const Wide quoted = u"\"" + Wide(key) + u"\"";
     Require(JsonHasKey(json, key) == (json.find(quoted) != Wide::npos));
+    Require(GivenByReaders(json, key) == GivenPlainly(json, key));
     const Wide value = JsonGetString(json, key);
     Require(value.size() <= json.size());
     Require(JsonFindString(json, key).size() <= json.size());

@@ -161,6 +161,18 @@ TEST(JsonGetNumber, NumbersBeyondTheRangeBecomeInfiniteOrZero) {
   EXPECT_EQ(0.0, JsonGetNumber(u"{\"k\":1e-999}", u"k"));
 }
 
+TEST(JsonGetNumber, BeyondTheRangeTheDigitsCountAsMuchAsTheExponent) {
+  const Wide zeros(500, u'0');
+  EXPECT_EQ(HUGE_VAL, JsonGetNumber(u"{\"k\":1" + zeros + u"}", u"k"));
+  EXPECT_EQ(HUGE_VAL, JsonGetNumber(u"{\"k\":1" + zeros + u".5e-9}", u"k"));
+  EXPECT_EQ(0.0, JsonGetNumber(u"{\"k\":0." + zeros + u"1}", u"k"));
+  EXPECT_EQ(0.0, JsonGetNumber(u"{\"k\":." + zeros + u"1e+9}", u"k"));
+  EXPECT_EQ(HUGE_VAL, JsonGetNumber(u"{\"k\":0x1" + zeros + u"p-9}", u"k"));
+  EXPECT_EQ(HUGE_VAL, JsonGetNumber(u"{\"k\":1e" + Wide(30, u'9') + u"}", u"k"));
+  EXPECT_EQ(0.0, JsonGetNumber(u"{\"k\":1e-" + Wide(30, u'9') + u"}", u"k"));
+  EXPECT_EQ(0.0, JsonGetNumber(u"{\"k\":0e" + Wide(30, u'9') + u"}", u"k"));
+}
+
 TEST(JsonGetStringArray, StringsAreGivenInTheirOrderTheEmptyOnesToo) {
   EXPECT_EQ(List({u"a", u"", u"b]\"", u"c"}),
             JsonGetStringArray(u"{\"k\":[\"a\", \"\" ,\"b]\\\"\",\"c\"],\"l\":[\"d\"]}", u"k"));

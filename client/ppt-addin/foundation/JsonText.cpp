@@ -1,5 +1,6 @@
 #include "foundation/JsonText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <limits>
@@ -110,6 +111,24 @@ Wide NextString(WideView json, std::size_t at) {
   return ReadStringValue(json, position);
 }
 
+// Of a number out of range, which is so either by its exponent or by the place of its first digit.
+bool IsBelowOne(std::string_view read, std::chars_format format) {
+  const bool hex = format == std::chars_format::hex;
+  const std::string_view digits = read.substr(0, read.find_first_of(hex ? "pP" : "eE"));
+  const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+  const auto first = static_cast<std::int64_t>(digits.find_first_not_of("0."));
+  std::int64_t exponent = 0;
+  if (digits.size() < read.size()) {
+    const std::string_view text = read.substr(digits.size() + 1);
+    const bool plus = text.front() == '+';
+    const auto result =
+        std::from_chars(text.data() + (plus ? 1 : 0), text.data() + text.size(), exponent);
+    if (result.ec == std::errc::result_out_of_range) return text.front() == '-';
+  }
+  constexpr std::int64_t kBitsOfHexDigit = 4;
+  return (point - first) * (hex ? kBitsOfHexDigit : 1) + exponent < 0;
+}
+
 // As the C library's wcstod in the "C" locale, whatever the process's locale is.
 double ReadNumber(WideView text) {
   std::size_t at = 0;
@@ -137,13 +156,8 @@ double ReadNumber(WideView text) {
   double number = 0.0;
   const auto result = std::from_chars(first, last, number, format);
   if (result.ec == std::errc::result_out_of_range) {
-    // Too large or too small is not told apart by the result: a negative exponent is too small.
     const std::string_view read(first, static_cast<std::size_t>(result.ptr - first));
-    const std::size_t exponent = read.find_first_of(format == std::chars_format::hex ? "pP" : "eE");
-    const bool tiny =
-        (exponent != read.npos && exponent + 1 < read.size() && read[exponent + 1] == '-') ||
-        (exponent == read.npos && (read.front() == '0' || read.front() == '.'));
-    number = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+    number = IsBelowOne(read, format) ? 0.0 : std::numeric_limits<double>::infinity();
   } else if (result.ec != std::errc()) {
     return 0.0;
   }
