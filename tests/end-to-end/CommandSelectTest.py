@@ -1,10 +1,9 @@
 """Translates selections of decks and lets an independent reader look at every shape of them:
 
-    CommandSelectTest.py QUILLMARCH SAMPLES [DECKS]
+    CommandSelectTest.py QUILLMARCH SAMPLES
 
 A selected text must come back between the pseudo engine's marks, and every other shape, and every
-other part of the file, as it was. Of each deck in DECKS, else in SAMPLES, one slide and one shape
-are selected.
+other part of the file, as it was.
 """
 import pathlib
 import sys
@@ -14,63 +13,11 @@ import unittest
 from lxml import etree
 
 from command import Command
-from deck_text import COMPATIBILITY, DRAWING, SLIDES, Deck, child_of, children, kind, marked, paragraph_text
+from deck_changes import Changes, texts, top_shapes
+from deck_text import Deck, marked
 
 PROGRAM, SAMPLES = sys.argv[1], pathlib.Path(sys.argv[2])
-DECKS = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 and pathlib.Path(sys.argv[3]).is_dir() else SAMPLES
-del sys.argv[1:3 if DECKS is SAMPLES else 4]
-KINDS = {".pptx", ".pptm", ".potx", ".potm", ".ppsx", ".ppsm"}
-
-
-def top_shapes(root):
-    """The slide's shapes in z-order; an alternate content counts as the one shape it stands for."""
-    names = ("sp", "pic", "cxnSp", "grpSp", "graphicFrame")
-    tree = child_of(root, SLIDES, "cSld", "spTree")
-    return [node for node in tree if any(kind(node, SLIDES, name) for name in names)
-            or kind(node, COMPATIBILITY, "AlternateContent")]
-
-
-def texts(shape):
-    return [paragraph_text(node) for node in shape.iter() if kind(node, DRAWING, "p")]
-
-
-def canonical(node):
-    return etree.tostring(node, method="c14n", exclusive=True, with_tail=False)
-
-
-class Changes:
-    """What differs between two decks: parts by name, and shapes by (slide, place in z-order)."""
-
-    def __init__(self, before, after):
-        self.before, self.after = Deck(before), Deck(after)
-        self.slides = [part.name for part in self.before.text_parts() if not part.is_notes]
-        self.parts = {name for name in self.before.names if self.before.data(name) != self.after.data(name)}
-        self.shapes = set()
-        self.elsewhere = self.before.names != self.after.names
-        for number, name in enumerate(self.slides, 1):
-            if name in self.parts:
-                self.compare_slide(number, self.roots(name))
-
-    def roots(self, name):
-        return etree.fromstring(self.before.data(name)), etree.fromstring(self.after.data(name))
-
-    def compare_slide(self, number, roots):
-        old, new = map(top_shapes, roots)
-        if len(old) != len(new):
-            self.elsewhere = True
-            return
-        for place, (one, other) in enumerate(zip(old, new), 1):
-            if canonical(one) != canonical(other):
-                self.shapes.add((number, place))
-        # With its shapes taken out the rest of the slide must be the same.
-        for shapes in (old, new):
-            for shape in shapes:
-                shape.getparent().remove(shape)
-        self.elsewhere |= canonical(roots[0]) != canonical(roots[1])
-
-    def texts(self, slide, place):
-        old, new = (top_shapes(root)[place - 1] for root in self.roots(self.slides[slide - 1]))
-        return texts(old), texts(new)
+del sys.argv[1:3]
 
 
 class SelectTest(unittest.TestCase):
@@ -208,35 +155,6 @@ class Refusals(SelectTest):
         self.assertEqual(self.run_on(SAMPLES / "shapes-of-all-kinds.pptx", "--select", "2:Digits alone"), 1)
         self.assertIn("the selection holds no text to translate; nothing was saved", self.outcome.err)
         self.assertFalse(self.output.exists())
-
-
-class EveryDeck(SelectTest):
-    def test_one_slide_and_one_shape_of_each_deck(self):
-        for deck in sorted(path for path in DECKS.iterdir() if path.suffix.lower() in KINDS):
-            parts = [part for part in Deck(deck).text_parts() if not part.is_notes]
-            for number, part in enumerate(parts, 1):
-                places = [place for place, shape in enumerate(top_shapes(part.root), 1)
-                          if kind(shape, SLIDES, "sp") and any(
-                              paragraph.fate in ("mark", "joined") for paragraph in part.paragraphs
-                              if shape in paragraph.node.iterancestors())]
-                if not places:
-                    continue
-                with self.subTest(deck=deck.name, slide=number):
-                    self.check(deck, number, places[-1])
-                break
-
-    def check(self, deck, slide, place):
-        # 3: a text over an equation has to stay.
-        self.assertIn(self.run_on(deck, "--select", f"{slide}:#{place}"), (0, 3), self.outcome.err)
-        changes = Changes(deck, self.output)
-        self.assertEqual(changes.shapes, {(slide, place)})
-        self.assertFalse(changes.elsewhere)
-        self.assertEqual(changes.parts, {changes.slides[slide - 1]})
-        self.assertIn(self.run_on(deck, "--select", str(slide)), (0, 3), self.outcome.err)
-        changes = Changes(deck, self.output)
-        self.assertIn((slide, place), changes.shapes)
-        self.assertEqual({number for number, _ in changes.shapes}, {slide})
-        self.assertFalse(changes.elsewhere)
 
 
 if __name__ == "__main__":
