@@ -50,6 +50,11 @@ TEST(PatchIntKey, ReplacesTheNumberAndNothingElse) {
             "{ \"z\" :[1 ,2],\r\n\t\"paneWidthPt\" : 640 ,\"a\":true}");
 }
 
+TEST(PatchIntKey, FindsAKeyInsideANestedObjectAndBeforeALaterOne) {
+  EXPECT_EQ(Patched("{\"a\":{\"paneWidthPt\":300},\"paneWidthPt\":310}", 640),
+            "{\"a\":{\"paneWidthPt\":640},\"paneWidthPt\":310}");
+}
+
 TEST(PatchIntKey, PutsANewMemberBehindTheOthers) {
   EXPECT_EQ(Patched("{\n  \"uiLang\": \"ja\"\n}\n", 640),
             "{\n  \"uiLang\": \"ja\"\n,\n  \"paneWidthPt\": 640\n}\n");

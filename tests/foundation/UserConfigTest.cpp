@@ -59,6 +59,15 @@ TEST_F(UserConfiguration, AFileThatCannotBePatchedIsReplacedAsAWhole) {
   EXPECT_EQ(config_.Read(), "{\n  \"paneWidthPt\": 600\n}\n");
 }
 
+TEST_F(UserConfiguration, WhatCannotBeOpenedIsNotReplaced) {
+  ASSERT_TRUE(CreateFolder(ConfigPath()));
+  EXPECT_FALSE(WriteWidth(600));
+  EXPECT_NE(error_, 0U);
+  EXPECT_FALSE(WriteLang(u"ja"));
+  EXPECT_NE(error_, 0U);
+  EXPECT_FALSE(Exists(ConfigPath() + u".tmp"));
+}
+
 TEST_F(UserConfiguration, AMarkAtTheStartIsGoneAfterAWrite) {
   config_.Write("\xEF\xBB\xBF{\"paneWidthPt\":300}");
   EXPECT_EQ(ReadPaneWidth(fromFile_), 300);

@@ -297,6 +297,25 @@ TEST(StartRun, ASoftTerminologyErrorLetsTheRunGoOnAndAnyOtherFailsIt) {
   }
 }
 
+TEST(StartRun, ACodeThatIsSoftForTermsFailsABatch) {
+  PaneHarness h;
+  const auto shape = h.AddSlide(u"hello");
+  h.pageAnswers = false;
+  h.Start();
+  for (const int attempt : {1, 2}) {
+    const auto asked = static_cast<std::size_t>(attempt);
+    ASSERT_TRUE(h.WaitForRequests(asked));
+    h.Say(R"({"action":"translateBatchResult","requestId":")" +
+          ToUtf8(JsonGetString(h.Requests()[asked - 1], u"requestId")) +
+          R"(","ok":false,"code":"402","message":"no more \"credits\""})");
+  }
+  h.Finish();
+  EXPECT_EQ(h.MainEvents(), (std::vector<std::string>{"onRunStarted", "onReady", "onError"}));
+  EXPECT_NE(h.page->Scripts().back().find(R"("code":"402","message":"no more \"credits\"")"),
+            std::string::npos);
+  EXPECT_EQ(shape->Text(), u"hello");
+}
+
 TEST(StartRun, APageSilentAboutTermsLetsTheRunGoOnWithoutThem) {
   PaneHarness h;
   h.MakePane(h.host.ContextOf(*h.host.windows.front()), 50);

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <new>
+
+#include "foundation/HostMembers.h"
 #include "pane/PaneHarness.h"
 #include "pane/RunEvents.h"
 #include "run/StaGate.h"
 #include "support/LogCapture.h"
+#include "support/ScriptedObject.h"
 
 namespace {
 
@@ -102,6 +106,33 @@ TEST(OnWebMessage, ThePreviewOfNoSelectionIsEmpty) {
   h.Say(R"({"action":"requestSelectionPreview"})");
   EXPECT_EQ(h.page->Scripts(), Texts{"if(window.onSelectionPreview)onSelectionPreview("
                                      "{fragments:0,chars:0,pptEmpty:true})"});
+}
+
+// A window of which memory runs out as it is asked for its identity.
+class WindowWithoutMemory final : public AutomationObject {
+ public:
+  void AddRef() override {}
+  void Release() override {}
+  ResultCode IdOfName(WideView, DispId&) override { return kUnknownName; }
+  ResultCode Invoke(DispId, std::uint16_t, const ParamBlock&, Variant*) override { return kFail; }
+  ResultCode QueryTyped(const InterfaceId&, ObjectRef& out) override {
+    out = ObjectRef(this);
+    return kOk;
+  }
+  std::uintptr_t Identity() override { throw std::bad_alloc(); }
+};
+
+TEST(OnWebMessage, APreviewThatFailsInTheMidstTellsThePageSo) {
+  WindowWithoutMemory window;
+  PaneHarness h;
+  test::ScriptedObject* application = nullptr;
+  h.pane->hostApp = test::ScriptedObject::Make(application);
+  application->Interface(ppt::kApplication);
+  application->Value(u"ActiveWindow", ppt::application::kActiveWindow.id,
+                     Variant::Object(ObjectRef(&window)));
+  h.Say(R"({"action":"requestSelectionPreview"})");
+  EXPECT_EQ(h.page->Scripts(), Texts{"if(window.onSelectionPreview)onSelectionPreview("
+                                     "{error:\"无法读取选区\",pptEmpty:true})"});
 }
 
 TEST(OnWebMessage, NoPreviewIsPushedDuringARunOrAMutationOrWithoutAPage) {

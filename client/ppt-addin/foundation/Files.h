@@ -47,6 +47,9 @@ bool ReadWholeFile(WideView path, std::string& bytes);
 // file or the new one. False leaves the old one as it was.
 bool ReplaceWholeFile(WideView path, std::string_view bytes, WideView suffix = u".tmp");
 
+// The system's number for why the last call of this thread failed, right behind that call.
+std::uint32_t LastFileError();
+
 // False when there is no such file.
 bool ReadFileFacts(WideView path, FileFacts& facts);
 

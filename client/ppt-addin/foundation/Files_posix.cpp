@@ -92,7 +92,11 @@ bool ReadWholeFile(WideView path, std::string& bytes) {
   // Not blocking, as a FIFO in the place of a file would hold the caller for ever.
   const Descriptor file(::open(ToUtf8(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat info {};
-  if (!file || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
+  if (!file || ::fstat(file.get(), &info) != 0) return false;
+  if (!S_ISREG(info.st_mode)) {
+    errno = EINVAL;
+    return false;
+  }
   std::string read;
   // One byte more than it has, so that the end shows at once.
   std::size_t chunk = std::min(kReadChunk, static_cast<std::size_t>(info.st_size) + 1);
@@ -111,6 +115,10 @@ bool ReadWholeFile(WideView path, std::string& bytes) {
   }
   bytes = std::move(read);
   return true;
+}
+
+std::uint32_t LastFileError() {
+  return static_cast<std::uint32_t>(errno);
 }
 
 bool ReadFileFacts(WideView path, FileFacts& facts) {

@@ -83,6 +83,10 @@ bool ReadWholeFile(WideView path, std::string& bytes) {
   return true;
 }
 
+std::uint32_t LastFileError() {
+  return GetLastError();
+}
+
 bool ReadFileFacts(WideView path, FileFacts& facts) {
   WIN32_FILE_ATTRIBUTE_DATA data{};
   if (!GetFileAttributesExW(ToWinText(path).c_str(), GetFileExInfoStandard, &data)) return false;

@@ -25,7 +25,16 @@ bool PutValue(std::string_view key, std::string_view value, Patch patch, std::ui
   const Wide path = ConfigPath();
   if (path.empty()) return false;
   std::string current;
-  ReadConfigText(path, current);
+  if (!ReadConfigText(path, current)) {
+    const std::uint32_t error = LastFileError();
+    FileFacts facts;
+    if (ReadFileFacts(path, facts)) {
+      // It is there and cannot be opened, as while another process puts its own in its place. To
+      // begin a new one would lose what it holds.
+      errorOut = error;
+      return false;
+    }
+  }
   std::string next;
   if (current.empty() || !patch(current, next)) next = NewFile(key, value);
   return WriteConfigAtomic(path, next, &errorOut);

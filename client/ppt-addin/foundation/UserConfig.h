@@ -22,8 +22,8 @@ inline constexpr std::int32_t kDefaultPaneWidthPt = 520;
 
 // In points. The default, and `fromFileOut` false, when the file has no value in range.
 std::int32_t ReadPaneWidth(bool& fromFileOut);
-// `errorOut` gets the system's error number when the replace failed. A file that cannot be patched
-// is no valid configuration and is replaced as a whole.
+// `errorOut` gets the system's error number when the file could not be read or replaced. A file
+// that cannot be patched is no valid configuration and is replaced as a whole.
 bool WritePaneWidth(std::int32_t value, std::uint32_t& errorOut);
 
 // Empty when the file names none; what it names is not checked.
