@@ -406,8 +406,12 @@ TEST(PauseAndResume, ACancelWakesAPausedRun) {
   h.Say(R"({"action":"start"})");
   ASSERT_TRUE(h.WaitForRequests(1));
   h.Say(R"({"action":"pause"})");
+  EXPECT_EQ(h.pane->runControl->paused, 1);
   h.SayWide(AnswerTo(h.Requests()[0]));
   h.Say(R"({"action":"cancel"})");
+  ASSERT_NE(h.pane->runControl, nullptr);
+  EXPECT_EQ(h.pane->runControl->cancelled, 1);
+  EXPECT_EQ(h.pane->runControl->paused, 0);
   h.Finish();
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);
 }

@@ -173,18 +173,36 @@ TEST(PanelTransport, TerminologyWaitsAreNotFailedWithTheOthers) {
   EXPECT_EQ(h.code, u"request_timeout");
 }
 
-TEST(PanelTransport, ARealAnswerIsNotOverwrittenByAFailureButByASecondAnswer) {
+TEST(PanelTransport, ARealAnswerIsNotOverwrittenByAFailure) {
   TransportHarness h;
   h.onAsked = [&](const Wide&) {
     h.transport.CompleteTranslate(
         Result(u"translateBatchResult", u"ppttr_1", u"\"ok\":true,\"translations\":[\"b\"]"));
     h.transport.FailAllPendingTranslate(u"cancelled");
-    h.transport.CompleteTranslate(
-        Result(u"translateBatchResult", u"ppttr_1", u"\"ok\":true,\"translations\":[\"c\"]"));
   };
   const TranslateBatchResult result = h.Ask();
   EXPECT_TRUE(result.ok);
-  EXPECT_EQ(result.translations, std::vector<Wide>{u"c"});
+  EXPECT_EQ(result.translations, std::vector<Wide>{u"b"});
+  EXPECT_TRUE(result.code.empty());
+}
+
+TEST(PanelTransport, AnAnswerOverwritesAFailureAndAnEarlierAnswerThatNobodyHasTaken) {
+  TransportHarness h;
+  h.onAsked = [&](const Wide&) {
+    h.transport.CompleteTranslate(
+        Result(u"translateBatchResult", u"ppttr_1", u"\"ok\":true,\"translations\":[\"b\"]"));
+    h.transport.CompleteTranslate(
+        Result(u"translateBatchResult", u"ppttr_1", u"\"ok\":true,\"translations\":[\"c\"]"));
+  };
+  EXPECT_EQ(h.Ask().translations, std::vector<Wide>{u"c"});
+  h.onAsked = [&](const Wide&) {
+    h.transport.FailAllPendingTranslate(u"webview_navigating");
+    h.transport.CompleteTranslate(
+        Result(u"translateBatchResult", u"ppttr_2", u"\"ok\":true,\"translations\":[\"d\"]"));
+  };
+  const TranslateBatchResult result = h.Ask();
+  EXPECT_TRUE(result.ok);
+  EXPECT_EQ(result.translations, std::vector<Wide>{u"d"});
 }
 
 TEST(PanelTransport, AThreadToldToEndStopsWaitingAtOnceAndStaysTold) {
