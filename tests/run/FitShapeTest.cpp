@@ -132,6 +132,24 @@ TEST(FitShape, AThinTitleBoxStaysOnOneLineAndShrinksUntilItsWidthFits) {
   EXPECT_EQ(log.CountContaining("PptFit mode=oneLine restored=0 shrunk=1"), 1) << log.Joined();
 }
 
+TEST(FitShape, ABoxThatSeveralParagraphsFillIsKeptOnTheirLinesToo) {
+  test::LogCapture log;
+  FrameModel model;
+  model.runs = {{40, 18.0F}};
+  // Four paragraphs in 100 points, six lines when wrapped.
+  model.bounds = [](const FrameModel& frame, float& height, float& width, float& left) {
+    const float share = frame.runs[0].size / 18.0F;
+    const bool wraps = frame.wrap != 0;
+    height = (wraps ? 120.0F : 80.0F) * share;
+    width = (wraps ? 200.0F : 300.0F) * share;
+    left = 100.0F;
+  };
+  Fit(model);
+  EXPECT_EQ(model.wrap, 0);
+  EXPECT_NEAR(model.runs[0].size, 18.0F * 200.0F / 300.0F * 0.97F, 0.01F);
+  EXPECT_EQ(log.CountContaining("PptFit mode=oneLine restored=0 shrunk=1"), 1) << log.Joined();
+}
+
 TEST(FitShape, ATextTooWideThatFitsWhenWrappedIsWrappedAndNotShrunk) {
   test::LogCapture log;
   FrameModel model = TwoLines();

@@ -18,7 +18,9 @@ constexpr float kLeastContent = 8.0F;       // points
 constexpr float kLeastContentShare = 0.5F;  // of the shape's width
 constexpr float kToleranceShare = 0.02F;
 constexpr float kTolerancePoints = 1.0F;
-constexpr float kOneLineShare = 1.8F;   // a box lower than this many lines is one line high
+// A box lower than this many times its unwrapped text is one line high. One that several paragraphs
+// fill counts too, so that each of them keeps to its line; that is deliberate.
+constexpr float kOneLineShare = 1.8F;
 constexpr float kLeastFontSize = 5.0F;  // points
 constexpr float kNextScaleShare = 0.9F;
 constexpr float kFirstScaleInstead = 0.95F * 0.9F;
