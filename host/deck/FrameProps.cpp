@@ -1,5 +1,6 @@
 #include "host/deck/FrameProps.h"
 
+#include <limits>
 #include <string_view>
 
 namespace deck {
@@ -11,6 +12,8 @@ constexpr std::int64_t kEndInset = 45720;
 constexpr std::int64_t kMostInset = 2147483647;
 constexpr std::int64_t kLeastScale = 1000;
 constexpr std::int64_t kMostColumns = 16;
+constexpr std::int64_t kFullTurn = 360 * 60000;
+constexpr std::int64_t kNoTurn = std::numeric_limits<std::int64_t>::min();
 
 std::optional<std::int64_t> Length(pugi::xml_node node, const char* name) {
   const std::int64_t value = WholeAttribute(node, name, -1);
@@ -84,6 +87,9 @@ FrameProps ParseFrameProps(const XmlNames& names, pugi::xml_node node) {
     props.anchorCenter = center == 1;
   }
   props.direction = DirectionOf(node.attribute("vert").value());
+  if (const std::int64_t turn = WholeAttribute(node, "rot", kNoTurn); turn != kNoTurn) {
+    props.turn = turn % kFullTurn;
+  }
   const std::int64_t columns = WholeAttribute(node, "numCol", -1);
   if (columns >= 1 && columns <= kMostColumns) props.columns = static_cast<std::int32_t>(columns);
   props.columnSpacing = Length(node, "spcCol");
@@ -116,6 +122,7 @@ void Inherit(FrameProps& into, const FrameProps& from) {
   Take(into.anchor, from.anchor);
   Take(into.anchorCenter, from.anchorCenter);
   Take(into.direction, from.direction);
+  Take(into.turn, from.turn);
   Take(into.columns, from.columns);
   Take(into.columnSpacing, from.columnSpacing);
 }
@@ -129,6 +136,7 @@ FrameProps DefaultFrame() {
   props.anchor = FrameAnchor::kTop;
   props.anchorCenter = false;
   props.direction = TextDirection::kHorizontal;
+  props.turn = 0;
   props.columns = 1;
   props.columnSpacing = 0;
   return props;

@@ -1,5 +1,5 @@
 // What a text frame's a:bodyPr says of its text area: wrap, autofit, insets, anchor, direction,
-// columns. What is not said is unset.
+// turn, columns. What is not said is unset.
 #pragma once
 
 #include <cstdint>
@@ -42,6 +42,7 @@ struct FrameProps {
   std::optional<FrameAnchor> anchor;
   std::optional<bool> anchorCenter;
   std::optional<TextDirection> direction;
+  std::optional<std::int64_t> turn;  // clockwise within the shape, in 60000ths of a degree
   std::optional<std::int32_t> columns;
   std::optional<std::int64_t> columnSpacing;  // EMU
   friend bool operator==(const FrameProps&, const FrameProps&) = default;

@@ -1,5 +1,6 @@
 #include "host/model/LayoutRecord.h"
 
+#include <numbers>
 #include <utility>
 
 #include "host/model/BulletNumbers.h"
@@ -10,6 +11,7 @@ namespace {
 
 constexpr double kHundredths = 100.0;
 constexpr double kEmuPerPoint = 12700.0;
+constexpr double kUnitsPerRadian = 180.0 * 60000.0 / std::numbers::pi;
 
 double Points(const std::optional<std::int64_t>& emu) {
   return static_cast<double>(emu.value_or(0)) / kEmuPerPoint;
@@ -73,13 +75,20 @@ layout::LayoutParagraph ParagraphOf(const deck::ShownParagraph& shown,
 
 }  // namespace
 
+double TextTurn(deck::Deck& deck, const deck::ShapeAddress& address) {
+  return static_cast<double>(*deck.Frame(address).turn) / kUnitsPerRadian;
+}
+
 deck::ShapeBox TextArea(deck::Deck& deck, const deck::ShapeAddress& address) {
   deck::ShapeBox box = deck.Box(address);
   deck::SlidePart* const part = deck.Page(address.page);
   if (part == nullptr || address.IsCell()) return box;
   const deck::ShapeBox inner =
       TextRectangle(part->names(), part->shapes().At(address.shape).node, box.width, box.height);
-  return {box.left + inner.left, box.top + inner.top, inner.width, inner.height};
+  const deck::ShapeBox area{box.left + inner.left, box.top + inner.top, inner.width, inner.height};
+  if (!StandsAcross(TextTurn(deck, address))) return area;
+  return {area.left + (area.width - area.height) / 2.0, area.top + (area.height - area.width) / 2.0,
+          area.height, area.width};
 }
 
 layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& address,

@@ -6,7 +6,10 @@
 
 namespace model {
 
-// Where the text of a shape or cell may stand, insets included, in slide coordinates, unrotated.
+// By how much the text is turned within its shape: radians, clockwise.
+double TextTurn(deck::Deck& deck, const deck::ShapeAddress& address);
+// Where the text of a shape or cell may stand, insets included, in slide coordinates, before shape
+// and text are turned.
 deck::ShapeBox TextArea(deck::Deck& deck, const deck::ShapeAddress& address);
 
 // The text and its frame, which is of the size of `area`. `before` is null or an earlier record of

@@ -3,14 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <numbers>
+#include <optional>
+
+#include "host/model/RareRooms.h"
 
 namespace model {
 namespace {
 
 constexpr double kWhole = 100000.0;
-// What a quarter circle leaves of its corner to a rectangle: 1 - cos 45 degrees.
-constexpr double kCorner = 0.29289321881345254;
+// Angles of a file go 60000 to the degree.
+constexpr double kSharesPerDegree = 60000.0 / kWhole;
 
 // Rooms that no adjustment moves, as shares of the shape's sides.
 struct FixedRoom {
@@ -21,6 +23,7 @@ constexpr double kRound = kCorner / 2.0;
 constexpr double kThird = 1.0 / 3.0;
 constexpr double kSixth = 1.0 / 6.0;
 constexpr FixedRoom kFixedRooms[] = {
+    {"chord", kRound, kRound, 1.0 - kRound, 1.0 - kRound},
     {"cloud", 0.1378, 0.151, 0.7911, 0.8026},
     {"cloudCallout", 0.1378, 0.151, 0.7911, 0.8026},
     {"decagon", 0.0955, 0.191, 0.9045, 0.809},
@@ -62,14 +65,11 @@ constexpr FixedRoom kFixedRooms[] = {
     {"lightningBolt", 0.4054, 0.3443, 0.6443, 0.661},
     {"noSmoking", kRound, kRound, 1.0 - kRound, 1.0 - kRound},
     {"pentagon", 0.191, 0.2361, 0.809, 1.0},
+    {"pie", kRound, kRound, 1.0 - kRound, 1.0 - kRound},
     {"pieWedge", kCorner, kCorner, 1.0, 1.0},
     {"smileyFace", kRound, kRound, 1.0 - kRound, 1.0 - kRound},
     {"teardrop", kRound, kRound, 1.0 - kRound, 1.0 - kRound},
     {"wedgeEllipseCallout", kRound, kRound, 1.0 - kRound, 1.0 - kRound}};
-
-PresetEdges Inside(const PresetGeometry& g, double side, double end) {
-  return {side, end, g.width - side, g.height - end};
-}
 
 PresetEdges Arrow(const PresetGeometry& g, bool across, bool headAtEnd) {
   const double along = across ? g.width : g.height;
@@ -77,8 +77,8 @@ PresetEdges Arrow(const PresetGeometry& g, bool across, bool headAtEnd) {
   const double shaft = g.Adjust("adj1", 0.5, 1.0);
   const double head = g.Short() * g.Adjust("adj2", 0.5, across ? g.WideLimit() : g.TallLimit());
   const double margin = side * (1.0 - shaft) / 2.0;
-  // The text reaches as far into the head as the shaft's height lets it.
-  const double reach = head * (1.0 - shaft);
+  // The text reaches into the head, up to where the head is as high as the shaft.
+  const double reach = head * shaft;
   const double begin = headAtEnd ? 0.0 : reach;
   const double end = headAtEnd ? along - reach : along;
   if (across) return {begin, margin, end, side - margin};
@@ -87,18 +87,18 @@ PresetEdges Arrow(const PresetGeometry& g, bool across, bool headAtEnd) {
 
 PresetEdges RoundRectangle(const PresetGeometry& g, const char* name, double radius) {
   const double inset = g.Short() * g.Adjust(name, radius, 0.5) * kCorner;
-  return Inside(g, inset, inset);
+  return RoomInside(g, inset, inset);
 }
 
 PresetEdges Hexagon(const PresetGeometry& g) {
   const double limit = 0.5 * g.WideLimit();
   const double adjust = g.Adjust("adj", 0.25, limit);
-  if (limit <= 0) return Inside(g, 0, 0);
+  if (limit <= 0) return RoomInside(g, 0, 0);
   const double middle = limit / -2.0;
   const bool flat = adjust + middle > 0;
   const double share =
       (flat ? 4.0 : 2.0) - (flat ? 3.0 : 2.0) * (adjust + (flat ? middle : 0.0)) / middle;
-  return Inside(g, g.width * share / 24.0, g.height * share / 24.0);
+  return RoomInside(g, g.width * share / 24.0, g.height * share / 24.0);
 }
 
 // Arrows that point both ways, and those with something cut out of their tail.
@@ -111,9 +111,8 @@ PresetEdges DoubleArrow(const PresetGeometry& g, bool across) {
 
 PresetEdges TailArrow(const PresetGeometry& g, bool notched) {
   const PresetEdges room = Arrow(g, true, true);
-  // The notch is as deep as the text reaches into the head.
-  const double head = g.Short() * g.Adjust("adj2", 0.5, g.WideLimit());
-  const double notch = head - (g.width - room.right);
+  // The notch is as deep as the tip that the text leaves free.
+  const double notch = g.width - room.right;
   return {notched ? notch : g.Short() * 5.0 / 32.0, room.top, room.right, room.bottom};
 }
 
@@ -165,7 +164,7 @@ PresetEdges Snipped(const PresetGeometry& g, std::string_view word) {
   if (oneCorner) return {0, one / 2.0, g.width - one / 2.0, g.height};
   const double two = g.Short() * g.Adjust("adj2", word == "snip2SameRect" ? 0.0 : 0.16667, 0.5);
   const double side = std::max(one, two) / 2.0;
-  if (twoOpposite) return Inside(g, side, side);
+  if (twoOpposite) return RoomInside(g, side, side);
   if (word == "snip2SameRect") return {side, one / 2.0, g.width - side, g.height - two / 2.0};
   // Round at the left, cut at the right.
   return {one * kCorner, one * kCorner, g.width - two / 2.0, g.height};
@@ -179,7 +178,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
   if (word == "flowChartAlternateProcess") return RoundRectangle(g, "", 1.0 / 6.0);
   if (word == "plaque") {
     const double inset = g.Short() * g.Adjust("adj", 0.16667, 0.5) * (1.0 - kCorner);
-    return Inside(g, inset, inset);
+    return RoomInside(g, inset, inset);
   }
   if (word == "round2SameRect" || word == "round1Rect" || word == "round2DiagRect") {
     const char* const first = word == "round1Rect" ? "adj" : "adj1";
@@ -187,7 +186,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
     if (word == "round1Rect") return {0, 0, w - one, h};
     const double two = g.Short() * g.Adjust("adj2", 0.0, 0.5) * kCorner;
     const double side = std::max(one, two);
-    if (word == "round2DiagRect") return Inside(g, side, side);
+    if (word == "round2DiagRect") return RoomInside(g, side, side);
     return {side, one, w - side, h - two};
   }
   if (word == "triangle") {
@@ -199,7 +198,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
     const double limit = g.WideLimit();
     const double share =
         limit > 0 ? (1.0 + 5.0 * g.Adjust("adj", 0.25, limit) / limit) / 12.0 : 0.0;
-    return Inside(g, w * share, h * share);
+    return RoomInside(g, w * share, h * share);
   }
   if (word == "trapezoid") {
     const double limit = 0.5 * g.WideLimit();
@@ -209,19 +208,19 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
   if (word == "hexagon") return Hexagon(g);
   if (word == "octagon") {
     const double inset = g.Short() * g.Adjust("adj", kCorner, 0.5) / 2.0;
-    return Inside(g, inset, inset);
+    return RoomInside(g, inset, inset);
   }
   if (word == "plus") {
     const double arm = g.Short() * g.Adjust("adj", 0.25, 0.5);
-    return w > h ? Inside(g, 0, arm) : Inside(g, arm, 0);
+    return w > h ? RoomInside(g, 0, arm) : RoomInside(g, arm, 0);
   }
   if (word == "frame" || word == "bevel") {
     const double inset = g.Short() * g.Adjust(word == "frame" ? "adj1" : "adj", 0.125, 0.5);
-    return Inside(g, inset, inset);
+    return RoomInside(g, inset, inset);
   }
   if (word == "chevron") {
     const double point = g.Short() * g.Adjust("adj", 0.5, g.WideLimit());
-    return w - 2.0 * point > 0 ? Inside(g, point, 0) : Inside(g, 0, 0);
+    return w - 2.0 * point > 0 ? RoomInside(g, point, 0) : RoomInside(g, 0, 0);
   }
   if (word == "homePlate") {
     return {0, 0, w - g.Short() * g.Adjust("adj", 0.5, g.WideLimit()) / 2.0, h};
@@ -239,7 +238,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
     return {0, depth, w - depth, h};
   }
   if (word == "foldedCorner") return {0, 0, w, h - g.Short() * g.Adjust("adj", 0.16667, 0.5)};
-  return Inside(g, 0, 0);
+  return RoomInside(g, 0, 0);
 }
 
 // Scrolls, waves, ribbons and boxes with arrows.
@@ -251,8 +250,12 @@ PresetEdges OrnateRoom(const PresetGeometry& g, std::string_view word) {
     if (word == "verticalScroll") return {roll, roll, w - roll, h - roll / 2.0};
     return {roll, roll, w - roll / 2.0, h - roll};
   }
-  if (word == "wave") return Inside(g, 0, 2.0 * h * g.Adjust("adj1", 0.125, 0.2));
-  if (word == "doubleWave") return Inside(g, 0, 2.0 * h * g.Adjust("adj1", 0.0625, 0.125));
+  if (word == "wave" || word == "doubleWave") {
+    const bool two = word == "doubleWave";
+    const double crest = g.Adjust("adj1", two ? 0.0625 : 0.125, two ? 0.125 : 0.2);
+    const double slant = std::min(0.1, std::fabs(g.Stored("adj2", 0.0)));
+    return RoomInside(g, 2.0 * w * slant, 2.0 * h * crest);
+  }
   if (word == "ribbon" || word == "ribbon2") {
     const double fold = h * g.Adjust("adj1", 0.16667, 0.33333);
     const double side = w * (1.0 - std::max(g.Adjust("adj2", 0.5, 0.75), 0.25)) / 2.0;
@@ -274,19 +277,32 @@ PresetEdges OrnateRoom(const PresetGeometry& g, std::string_view word) {
 
 }  // namespace
 
-double PresetGeometry::Adjust(std::string_view name, double otherwise, double most) const {
+double PresetGeometry::Stored(std::string_view name, double otherwise) const {
   for (const pugi::xml_node guide : list.children()) {
     if (guide.attribute("name").value() != name) continue;
     // The formula of an adjustment is always "val" and its number.
     const std::string_view formula = guide.attribute("fmla").value();
-    if (!formula.starts_with("val ")) break;
-    const double value = std::strtod(formula.data() + 4, nullptr) / kWhole;
-    return std::clamp(value, 0.0, std::max(most, 0.0));
+    if (formula.starts_with("val ")) return std::strtod(formula.data() + 4, nullptr) / kWhole;
+    break;
   }
-  return std::clamp(otherwise, 0.0, std::max(most, 0.0));
+  return otherwise;
+}
+
+double PresetGeometry::Adjust(std::string_view name, double otherwise, double most) const {
+  return std::clamp(Stored(name, otherwise), 0.0, std::max(most, 0.0));
+}
+
+double PresetGeometry::AdjustAngle(std::string_view name, double otherwise) const {
+  constexpr double kMost = 360.0 * kSharesPerDegree - 1.0 / kWhole;
+  return Adjust(name, otherwise * kSharesPerDegree, kMost) / kSharesPerDegree;
+}
+
+PresetEdges RoomInside(const PresetGeometry& g, double side, double end) {
+  return {side, end, g.width - side, g.height - end};
 }
 
 PresetEdges PresetRoom(const PresetGeometry& g, std::string_view word) {
+  if (word.empty() || word == "rect") return RoomInside(g, 0, 0);
   for (const FixedRoom& room : kFixedRooms) {
     if (word == room.word) {
       return {g.width * room.left, g.height * room.top, g.width * room.right,
@@ -300,6 +316,7 @@ PresetEdges PresetRoom(const PresetGeometry& g, std::string_view word) {
       word == "snipRoundRect") {
     return Snipped(g, word);
   }
+  if (const std::optional<PresetEdges> rare = RareRoom(g, word)) return *rare;
   return OrnateRoom(g, word);
 }
 

@@ -64,6 +64,7 @@ struct TextMeasure::Entry {
   deck::ShapeAddress address;
   deck::Deck::FrameVersion version;
   deck::ShapeBox area;
+  double turn = 0;
   layout::LayoutFrame frame;
   layout::LaidText text;
   mutable deck::TextSpan bounded = kNothing;  // what `bounds` is the box of
@@ -112,6 +113,7 @@ const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeA
   found->address = address;
   found->version = version;
   found->area = area;
+  found->turn = TextTurn(deck, address);
   return found;
 }
 
@@ -128,7 +130,9 @@ bool TextMeasure::Bounds(deck::Deck& deck, const deck::ShapeAddress& address, de
     entry->boundedToTheEnd = toTheEnd;
   }
   const layout::Box& box = entry->bounds;
-  out = {entry->area.left + box.left, entry->area.top + box.top, box.width, box.height};
+  out =
+      TurnedAround({entry->area.left + box.left, entry->area.top + box.top, box.width, box.height},
+                   entry->area, entry->turn);
   return true;
 }
 
@@ -151,22 +155,26 @@ void TextMeasure::Fit(deck::Deck& deck, const deck::ShapeAddress& address) {
 void TextMeasure::FitShape(deck::Deck& deck, const deck::ShapeAddress& address) {
   const Entry* const entry = Laid(deck, address);
   if (entry == nullptr) return;
-  const layout::FrameSize wanted = layout::FitShapeToText(entry->frame, entry->text);
+  layout::FrameSize wanted = layout::FitShapeToText(entry->frame, entry->text);
+  const bool across = StandsAcross(entry->turn);
+  if (across) std::swap(wanted.width, wanted.height);
   const deck::SlidePart* const part = deck.Page(address.page);
   const deck::ShapeBox now = deck.Box(address);
   const deck::ShapeBox size = ShapeAround(part->names(), part->shapes().At(address.shape).node, now,
                                           {0, 0, wanted.width, wanted.height});
   const bool turned = entry->frame.direction != layout::Direction::kHorizontal;
-  const double wider = size.width - now.width;
-  const double taller = size.height - now.height;
-  // The middle moves where the growth is not the same on both sides, and with the shape's turn.
-  const double across = wider * (0.5 - ShareAtBegin(entry->frame, !turned));
+  double wider = size.width - now.width;
+  double taller = size.height - now.height;
+  if (across) std::swap(wider, taller);
+  // The middle moves where the growth is not the same on both sides, and with the turns of the
+  // shape and of the text in it.
+  const double aside = wider * (0.5 - ShareAtBegin(entry->frame, !turned));
   const double down = taller * (0.5 - ShareAtBegin(entry->frame, turned));
-  const double angle = RotationOf(deck, address);
+  const double angle = RotationOf(deck, address) + entry->turn;
   const double middleX =
-      now.left + now.width / 2.0 + across * std::cos(angle) - down * std::sin(angle);
+      now.left + now.width / 2.0 + aside * std::cos(angle) - down * std::sin(angle);
   const double middleY =
-      now.top + now.height / 2.0 + across * std::sin(angle) + down * std::cos(angle);
+      now.top + now.height / 2.0 + aside * std::sin(angle) + down * std::cos(angle);
   deck.PutBox(address,
               {middleX - size.width / 2.0, middleY - size.height / 2.0, size.width, size.height});
   deck.SetFitted(address);

@@ -16,4 +16,10 @@ deck::ShapeBox TextRectangle(const deck::XmlNames& names, pugi::xml_node shape, 
 deck::ShapeBox ShapeAround(const deck::XmlNames& names, pugi::xml_node shape,
                            const deck::ShapeBox& now, const deck::ShapeBox& wanted);
 
+// Whether text that is turned by `turn` (radians, clockwise) within its shape runs rather down or
+// up than across. The sides of its area then change places.
+bool StandsAcross(double turn);
+// The box around `box` when it is turned about the middle of `area`.
+deck::ShapeBox TurnedAround(const deck::ShapeBox& box, const deck::ShapeBox& area, double turn);
+
 }  // namespace model

@@ -185,6 +185,25 @@ TEST_F(Bounds, AnAdjustmentMovesTheOutline) {
   EXPECT_NEAR(Single(Range(1), u"BoundLeft"), 10.0F + 25.0F * 0.292893F, kNear);
 }
 
+TEST_F(Bounds, AnOutlineOfItsOwnSaysWhereItsTextStands) {
+  std::string box = Box(Fixed("x"), "<a:bodyPr lIns=\"0\" tIns=\"0\"/>");
+  box.replace(box.find("</a:xfrm>"), 9,
+              "</a:xfrm><a:custGeom><a:avLst/><a:gdLst><a:gd name=\"in\" fmla=\"*/ w 1 4\"/>"
+              "</a:gdLst><a:rect l=\"in\" t=\"vc\" r=\"r\" b=\"b\"/><a:pathLst/></a:custGeom>");
+  OpenSlide(box);
+  ExpectBox(Range(1), 35.0F, 45.0F, kCell, 12.0F);
+}
+
+TEST_F(Bounds, TextThatIsTurnedInItsShapeIsMeasuredAsItStands) {
+  OpenSlide(Box(Fixed("hello"), "<a:bodyPr rot=\"10800000\"/>") +
+            Box(Fixed("aaaa bbbb"), "<a:bodyPr rot=\"5400000\"/>"));
+  // The first line stands at the bottom, from right to left.
+  ExpectBox(Range(1), 110.0F - 7.2F - 5 * kCell, 70.0F - 3.6F - 12.0F, 5 * kCell, 12.0F);
+  // Lines run down: 50 points less the insets take five characters, and the first line stands at
+  // the right.
+  ExpectBox(Range(2), 110.0F - 3.6F - 24.0F, 20.0F + 7.2F, 24.0F, 4 * kCell);
+}
+
 TEST_F(Bounds, AShapeOfAGroupIsMeasuredWhereItShows) {
   OpenSlide(Group(Box(Fixed("aaaa bbbb cccc dddd"))));
   const ObjectRef leaf = Get(Get(Shape(1), u"GroupItems"), u"Item", {Variant::I4(1)});

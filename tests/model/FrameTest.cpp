@@ -328,6 +328,15 @@ TEST_F(Frame, ATurnedShapeGrowsAwayFromItsFirstLine) {
   EXPECT_NEAR(Single(Shape(1), u"Top"), 20.0F - 8.6F, 0.001);
 }
 
+TEST_F(Frame, AShapeGrowsTheWayItsTurnedTextRuns) {
+  OpenSlide(Box(Fixed("x"), "<a:bodyPr rot=\"5400000\"><a:spAutoFit/></a:bodyPr>"));
+  ASSERT_EQ(Put(Range(1), u"1\r2\r3\r4\r5"), kOk);
+  // The first line stands at the right edge, which stays.
+  EXPECT_NEAR(Single(Shape(1), u"Width"), 67.2, 0.001);
+  EXPECT_NEAR(Single(Shape(1), u"Left"), 110.0F - 67.2F, 0.001);
+  EXPECT_NEAR(Single(Shape(1), u"Height"), 50.0F, 0.001);
+}
+
 TEST_F(Frame, AnEllipseGrowsSoThatItsTextHasRoom) {
   std::string box = Box(Fixed("x"), kGrows);
   box.replace(box.find("</a:xfrm>"), 9,
