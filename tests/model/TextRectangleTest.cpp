@@ -190,6 +190,8 @@ TEST(ShapeGuides, EveryFormulaOfTheFormatIsKnown) {
   EXPECT_NEAR(ValueOf("cat2 10 3 4"), 6.0, 1e-9);
   EXPECT_NEAR(ValueOf("sat2 10 3 4"), 8.0, 1e-9);
   EXPECT_EQ(ValueOf("val 3cd4"), 6.0 * kHalfRight);
+  EXPECT_EQ(ValueOf("val 3cd8"), 3.0 * kHalfRight);
+  EXPECT_EQ(ValueOf("val 5cd8"), 5.0 * kHalfRight);
   EXPECT_EQ(ValueOf("val 7cd8"), 7.0 * kHalfRight);
   EXPECT_EQ(ValueOf("val nan"), -1e9);
 }
