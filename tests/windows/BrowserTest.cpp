@@ -34,6 +34,8 @@ class BrowserTest : public ModuleTest {
   ComPtr<IDispatch> application;
 };
 
+class NoBrowserTest : public BrowserTest {};
+
 std::wstring ClipboardText() {
   std::wstring text;
   if (OpenClipboard(nullptr) == FALSE) return text;
@@ -69,6 +71,16 @@ TEST_F(BrowserTest, EachStageMayFailAndOnlyTheFirstFailureOfTheProcessIsShown) {
   FailAt(Stage::kView, E_FAIL);
   EXPECT_TRUE(Logged("PptPane WebView2 core failed hr=0x80004005"));
   FailAt(Stage::kView, S_OK, true);
+  EXPECT_EQ(1U, boxes.seen().size());
+}
+
+// Run with a module that lies alone in its folder.
+TEST_F(NoBrowserTest, AMissingLoaderLibraryIsToldToTheUser) {
+  Open();
+  ASSERT_EQ(1U, boxes.seen().size());
+  EXPECT_EQ(FromWinText(boxes.seen()[0].text), Text(u"msg.webview2.body"));
+  EXPECT_TRUE(Logged("PptPane WebView2 create failed hr=0x80070002"));
+  EXPECT_EQ(S_OK, host.Click(L"btnTranslateFullDoc"));
   EXPECT_EQ(1U, boxes.seen().size());
 }
 

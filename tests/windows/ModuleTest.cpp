@@ -10,6 +10,7 @@
 using winhost::CallSlot;
 using winhost::Export;
 using winhost::ModuleTest;
+using winhost::Setting;
 
 namespace {
 
@@ -250,6 +251,34 @@ TEST_F(ModuleServerTest, TheTypeLibraryDescribesBothClasses) {
     EXPECT_STREQ(words, text);
     SysFreeString(text);
   }
+}
+
+TEST_F(ModuleServerTest, AModuleWithoutItsTypeLibraryServesAllTheSameAndDoesNotRegister) {
+  const HMODULE module = LoadLibraryW(Setting(L"QUILLMARCH_TEST_BARE_MODULE").c_str());
+  ASSERT_NE(nullptr, module);
+  const auto exported = [module](const char* name) {
+    return reinterpret_cast<void*>(GetProcAddress(module, name));
+  };
+  {
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(S_OK, reinterpret_cast<GetClassObjectFunction>(exported("DllGetClassObject"))(
+                        kConnect, IID_IClassFactory, reinterpret_cast<void**>(factory.put())));
+    ComPtr<IDispatch> connect;
+    ASSERT_EQ(S_OK, factory->CreateInstance(nullptr, IID_IDispatch,
+                                            reinterpret_cast<void**>(connect.put())));
+    ComPtr<ITypeInfo> type;
+    EXPECT_TRUE(FAILED(connect->GetTypeInfo(0, 0, type.put())));
+    EXPECT_EQ(-1, IdOf(connect.get(), L"NoSuchHandler"));
+    EXPECT_EQ(100, IdOf(connect.get(), L"TranslateFullDocClicked"));
+    DISPPARAMS none = {};
+    EXPECT_TRUE(FAILED(
+        connect->Invoke(77, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr)));
+  }
+  EXPECT_EQ(TYPE_E_CANTLOADLIBRARY,
+            reinterpret_cast<CanUnloadFunction>(exported("DllRegisterServer"))());
+  FreeLibrary(module);
+  // It came as far as the classes, which are now its own.
+  EXPECT_EQ(S_OK, Export<CanUnloadFunction>("DllRegisterServer")());
 }
 
 TEST_F(ModuleServerTest, ThePaneAnswersToEveryInterfaceOfAControl) {

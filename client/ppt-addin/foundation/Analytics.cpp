@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "foundation/ClientIdentity.h"
+#include "foundation/LiveCounts.h"
 #include "foundation/Log.h"
 #include "foundation/ModulePin.h"
 
@@ -98,6 +99,7 @@ void PostBeacon(const Wide& eventName, const Wide& bodyJson) {
   PinOwnModule();
   auto counted = std::make_shared<InTheAir>();
   std::thread([beacon = std::move(beacon), counted = std::move(counted)]() mutable {
+    const LiveCount<LiveKind::kThread> running;
     try {
       DeliverBeacon(beacon);
     } catch (const std::exception&) {

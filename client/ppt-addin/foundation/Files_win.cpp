@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "foundation/Files.h"
+#include "foundation/LiveCounts.h"
 #include "foundation/WinText.h"
 
 const char16_t kPathSeparator = u'\\';
@@ -33,6 +34,7 @@ class FileHandle {
 
  private:
   HANDLE handle_;
+  LiveCount<LiveKind::kFile> live_;
 };
 
 }  // namespace

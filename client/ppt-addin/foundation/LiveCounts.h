@@ -15,6 +15,8 @@ enum class LiveKind {
   kThread,
   kGdiObject,
   kFile,
+  kRegistryKey,
+  kConnection,  // handles of the transport
   kKinds
 };
 

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "foundation/LiveCounts.h"
 #include "foundation/Registry.h"
 #include "foundation/WinText.h"
 
@@ -18,6 +19,7 @@ class RegistryKey {
 
  private:
   HKEY key_ = nullptr;
+  LiveCount<LiveKind::kRegistryKey> live_;
 };
 
 bool WriteValue(WideView key, WideView name, DWORD type, const void* data, std::size_t bytes) {

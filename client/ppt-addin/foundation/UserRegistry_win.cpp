@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include "foundation/LiveCounts.h"
 #include "foundation/UserRegistry.h"
 #include "foundation/WinText.h"
 
@@ -21,6 +22,7 @@ class OpenKey {
 
  private:
   HKEY key_ = nullptr;
+  LiveCount<LiveKind::kRegistryKey> live_;
   UserRegistry::Code code_;
 };
 

@@ -4,9 +4,25 @@
 
 #include <exception>
 
+#include "foundation/LiveCounts.h"
 #include "foundation/WinText.h"
 
 namespace {
+
+class ScreenContext {
+ public:
+  ScreenContext() : context_(GetDC(nullptr)) {}
+  ~ScreenContext() {
+    if (context_ != nullptr) ReleaseDC(nullptr, context_);
+  }
+  ScreenContext(const ScreenContext&) = delete;
+  ScreenContext& operator=(const ScreenContext&) = delete;
+  HDC get() const { return context_; }
+
+ private:
+  HDC context_;
+  LiveCount<LiveKind::kGdiObject> live_;
+};
 
 // Not 0 goes on. No exception may pass through the enumeration.
 int CALLBACK AddFamily(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM into) {
@@ -22,11 +38,10 @@ int CALLBACK AddFamily(const LOGFONTW* font, const TEXTMETRICW*, DWORD, LPARAM i
 
 std::vector<Wide> GdiFontList::FamilyNames() {
   std::vector<Wide> names;
-  const HDC screen = GetDC(nullptr);
-  if (screen == nullptr) return names;
+  const ScreenContext screen;
+  if (screen.get() == nullptr) return names;
   LOGFONTW all = {};
   all.lfCharSet = DEFAULT_CHARSET;
-  EnumFontFamiliesExW(screen, &all, &AddFamily, reinterpret_cast<LPARAM>(&names), 0);
-  ReleaseDC(nullptr, screen);
+  EnumFontFamiliesExW(screen.get(), &all, &AddFamily, reinterpret_cast<LPARAM>(&names), 0);
   return names;
 }

@@ -4,6 +4,7 @@
 #include <exception>
 #include <system_error>
 
+#include "foundation/LiveCounts.h"
 #include "translate/TranslateRequest.h"
 
 namespace {
@@ -134,6 +135,7 @@ bool StartWorker(RunState& run) {
   run.surroundings.thread.OutsideWorkBegins();
   try {
     run.thread = std::thread([context = &run.workerContext] {
+      const LiveCount<LiveKind::kThread> running;
       RunWorkerLoop(*context);
       // The end first: whoever is woken by the second must see the first.
       HostThread& hostThread = *context->hostThread;

@@ -5,6 +5,7 @@
 #include <string>
 #include <type_traits>
 
+#include "foundation/LiveCounts.h"
 #include "foundation/WinText.h"
 #include "translate/HttpTransport.h"
 #include "translate/RunHold.h"
@@ -15,6 +16,7 @@ constexpr wchar_t kUserAgent[] = L"Quillmarch/1.0";
 
 struct CloseInternetHandle {
   void operator()(HINTERNET handle) const { WinHttpCloseHandle(handle); }
+  LiveCount<LiveKind::kConnection> live;
 };
 using InternetHandle = std::unique_ptr<std::remove_pointer_t<HINTERNET>, CloseInternetHandle>;
 

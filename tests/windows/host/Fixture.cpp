@@ -22,7 +22,6 @@ constexpr CLSID kPaneClass = {
 constexpr IID kModuleCounts = {
     0x7D1E4C52, 0x93B6, 0x4A0F, {0x8C, 0x27, 0x51, 0xE0, 0xB9, 0x64, 0xD3, 0x1A}};
 
-using RegisterFunction = HRESULT(STDAPICALLTYPE*)();
 using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 
 // The apartment of the host thread, and the module's registration, for the whole program.
@@ -30,10 +29,28 @@ class Process final : public ::testing::Environment {
  public:
   void SetUp() override {
     ASSERT_EQ(S_OK, OleInitialize(nullptr));
-    ASSERT_NE(nullptr, TestedModule()) << "QUILLMARCH_TEST_MODULE names no module";
-    ASSERT_EQ(S_OK, Export<RegisterFunction>("DllRegisterServer")());
+    ASSERT_EQ(0U, RunRegsvr(L"/s")) << "the module could not be registered";
   }
-  void TearDown() override { Export<RegisterFunction>("DllUnregisterServer")(); }
+  void TearDown() override { RunRegsvr(L"/u /s"); }
+
+ private:
+  // In a process of its own, so that in this one the module's first load is the host's.
+  static DWORD RunRegsvr(const std::wstring& options) {
+    std::wstring command = L"regsvr32.exe " + options + L" \"" + TestedModulePath() + L"\"";
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process = {};
+    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &start, &process) == FALSE) {
+      return GetLastError();
+    }
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return code;
+  }
 };
 
 [[maybe_unused]] const ::testing::Environment* const kProcess =
@@ -41,10 +58,6 @@ class Process final : public ::testing::Environment {
 
 std::uint16_t HostPort() {
   return static_cast<std::uint16_t>(_wtoi(Setting(L"QUILLMARCH_TEST_HOST_PORT").c_str()));
-}
-
-std::wstring FolderOf(const std::wstring& path) {
-  return path.substr(0, path.find_last_of(L'\\'));
 }
 
 }  // namespace
@@ -78,9 +91,12 @@ std::vector<long> ModuleCounts() {
   return counts;
 }
 
+long CountOf(LiveKind kind) {
+  return ModuleCounts().at(static_cast<std::size_t>(kind));
+}
+
 standin::Control& Browser() {
-  static const HMODULE loader =
-      LoadLibraryW((FolderOf(TestedModulePath()) + L"\\WebView2Loader.dll").c_str());
+  static const HMODULE loader = LoadLibraryW(Setting(L"QUILLMARCH_TEST_BROWSER").c_str());
   const auto get = reinterpret_cast<standin::GetControl>(
       reinterpret_cast<void*>(GetProcAddress(loader, standin::kGetControl)));
   return *get();
@@ -134,7 +150,9 @@ ModuleTest::~ModuleTest() {
   host.factory->DestroyPanes();
   host.Unload();
   Browser().Deliver();
-  PumpFor(20);
+  if (keptByAWorker) return;
+  // Events to the service may still be in the air.
+  EXPECT_TRUE(PumpUntil([] { return CountOf(LiveKind::kThread) == 0; }));
   Browser().Deliver();
   EXPECT_EQ(0, Browser().LiveObjects()) << "objects of the browser";
   EXPECT_EQ(0, Browser().LiveHandlers()) << "handlers that the browser holds";
@@ -168,6 +186,39 @@ ComPtr<IDispatch> ModuleTest::OpenDeck(const std::wstring& path, const std::wstr
   EXPECT_TRUE(application.hasObject()) << ToUtf8(VariantToText(Ask(u"Error")));
   if (!application.hasObject()) return {};
   return ComPtr<IDispatch>(DispatchOf(application.object().get()));
+}
+
+void ModuleTest::OpenPane(IDispatch* application) {
+  ASSERT_EQ(S_OK, host.Start(application));
+  ASSERT_EQ(S_OK, host.Click(L"btnTranslateFullDoc"));
+  ASSERT_TRUE(PumpUntil([this] { return !pages.empty() && !page().navigations.empty(); }));
+  page().Load();
+}
+
+std::wstring ModuleTest::StartMessage(const std::wstring& moreFields) {
+  return L"{\"action\":\"start\",\"panelMode\":\"full\",\"targetLang\":\"es\","
+         L"\"transport\":\"native\",\"accessToken\":\"test-token\",\"targetFont\":\"\"" +
+         moreFields + L"}";
+}
+
+void ModuleTest::AnswerTerminology() {
+  ASSERT_TRUE(PumpUntil([this] { return !page().Messages(u"terminologyResolveRequest").empty(); }));
+  const Wide request = page().Messages(u"terminologyResolveRequest").back();
+  page().Say(L"{\"action\":\"terminologyResolveResult\",\"requestId\":\"" +
+             ToWinText(JsonGetString(request, u"requestId")) + L"\",\"ok\":true,\"result\":{}}");
+}
+
+std::wstring ModuleTest::WaitForEnd() {
+  std::wstring end;
+  PumpUntil([&] {
+    for (const wchar_t* const function : {L"onComplete", L"onError", L"onCancelled"}) {
+      if (page().Called(function) > 0) end = function;
+    }
+    return !end.empty();
+  });
+  // The run's last steps come behind its last event.
+  PumpUntil([] { return CountOf(LiveKind::kThread) == 0; });
+  return end;
 }
 
 ComPtr<IDispatch> ModuleTest::OpenSample() {

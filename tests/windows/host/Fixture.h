@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "foundation/Automation.h"
+#include "foundation/LiveCounts.h"
 #include "windows/ScriptedPage.h"
 #include "windows/browser/StandInBrowser.h"
 #include "windows/host/AddinHost.h"
@@ -32,6 +33,7 @@ Function Export(const char* name) {
 
 // What the module holds now, by LiveKind.
 std::vector<long> ModuleCounts();
+long CountOf(LiveKind kind);
 
 standin::Control& Browser();
 
@@ -50,6 +52,15 @@ class ModuleTest : public ::testing::Test {
   ComPtr<IDispatch> OpenDeck(const std::wstring& path,
                              const std::wstring& personality = L"powerpoint");
   ComPtr<IDispatch> OpenSample();
+  // Starts the add-in over an application, presses the button of the whole deck and has the page
+  // loaded.
+  void OpenPane(IDispatch* application);
+  // What the page says to start a run of the whole deck over the module's own transport.
+  static std::wstring StartMessage(const std::wstring& moreFields = {});
+  // Waits until the page is asked for its terminology, and says that there is none.
+  void AnswerTerminology();
+  // Waits for the run's end: the page function that told it, "onComplete" or another.
+  std::wstring WaitForEnd();
   // A member of the desk, with arguments in their natural order.
   Variant Ask(WideView member, std::vector<Variant> args = {});
   static ObjectRef Member(IDispatch* object, WideView name);
@@ -62,6 +73,7 @@ class ModuleTest : public ::testing::Test {
   ComPtr<IDispatch> desk;
   AddinHost host;
   std::vector<std::shared_ptr<PageRecord>> pages;
+  bool keptByAWorker = false;  // the test leaves a busy worker behind, with what it holds
 };
 
 }  // namespace winhost

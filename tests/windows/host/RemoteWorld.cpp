@@ -14,6 +14,8 @@ namespace winhost {
 
 namespace {
 
+constexpr std::size_t kMostUnsent = 16384;
+
 InterfaceId ToInterfaceId(REFIID iid) {
   InterfaceId out = {static_cast<std::uint32_t>(iid.Data1), iid.Data2, iid.Data3, {}};
   for (std::size_t i = 0; i < sizeof out.data4; ++i) out.data4[i] = iid.Data4[i];
@@ -193,7 +195,9 @@ std::string RemoteWorld::Exchange(const std::string& request, bool wantsReply) {
   if (!connected()) return {};
   WireWriter message;
   message.Word(static_cast<std::uint32_t>(request.size()));
-  const std::string bytes = message.bytes() + request;
+  unsent_ += message.bytes() + request;
+  if (!wantsReply && unsent_.size() < kMostUnsent) return {};
+  const std::string bytes = std::exchange(unsent_, std::string());
   for (std::size_t sent = 0; sent < bytes.size();) {
     const int put = send(socket_, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
     if (put <= 0) {

@@ -48,6 +48,7 @@ class RemoteWorld {
   ComPtr<IDispatch> Take(const WireObject& object);
 
   SOCKET socket_ = INVALID_SOCKET;
+  std::string unsent_;  // messages that want no reply go with the next that does
   WireClient client_;
   // By identity: two handles of one object are one object here too.
   std::map<std::uint64_t, RemoteObject*> live_;
