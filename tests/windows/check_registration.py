@@ -81,6 +81,10 @@ def read_registry(path):
         if line.startswith("["):
             key = line[1:line.rindex("]")].replace("\\\\", "\\")
             values = registry.setdefault(key, {})
+            # A key that holds nothing but others is not written down by itself.
+            while "\\" in key:
+                key = key.rpartition("\\")[0]
+                registry.setdefault(key, {})
         elif values is not None and line and line[0] in '"@':
             name, _, value = line.partition("=") if line[0] == "@" else re.match(
                 r'("(?:[^"\\]|\\.)*")(=)(.*)', line).groups()
@@ -126,9 +130,10 @@ def compare(faults, what, got, wanted):
 # What every start of Wine may touch by itself.
 def not_wines_own(keys):
     return {key: values for key, values in keys.items()
-            if not key.lower().startswith((r"software\wine", "volatile environment", "control panel",
-                                           r"software\microsoft\windows\currentversion\explorer",
-                                           "environment"))}
+            if not key.lower().startswith((
+                r"software\wine", "volatile environment", "control panel", "environment",
+                r"software\microsoft\windows\currentversion\explorer",
+                r"system\currentcontrolset\control\class"))}
 
 
 def main(wine_run, prefix, module):
@@ -136,7 +141,8 @@ def main(wine_run, prefix, module):
     prefix.prefix.mkdir(parents=True, exist_ok=True)
     windows_module = "Z:" + module.replace("/", "\\")
     library_keys = tuple(rf"software\classes\{kind}".lower() for kind in (
-        rf"TypeLib\{LIBRARY}", rf"Interface\{CALLBACKS}", rf"Interface\{SINK}"))
+        rf"TypeLib\{LIBRARY}", rf"Interface\{CALLBACKS}", rf"Interface\{SINK}",
+        rf"Wow6432Node\Interface\{CALLBACKS}", rf"Wow6432Node\Interface\{SINK}"))
     faults = []
     # What a run before left behind; and Wine has done its first steps.
     prefix.run("regsvr32", "/u", "/s", windows_module)

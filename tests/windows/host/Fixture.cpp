@@ -149,11 +149,12 @@ ModuleTest::ModuleTest() : world(HostPort()), desk(world.Root()) {
 ModuleTest::~ModuleTest() {
   host.factory->DestroyPanes();
   host.Unload();
-  Browser().Deliver();
   if (keptByAWorker) return;
-  // Events to the service may still be in the air.
-  EXPECT_TRUE(PumpUntil([] { return CountOf(LiveKind::kThread) == 0; }));
-  Browser().Deliver();
+  // What the browser completes late, and events to the service, may still be on their way.
+  EXPECT_TRUE(PumpUntil([] {
+    Browser().Deliver();
+    return CountOf(LiveKind::kThread) == 0 && Browser().LiveHandlers() == 0;
+  }));
   EXPECT_EQ(0, Browser().LiveObjects()) << "objects of the browser";
   EXPECT_EQ(0, Browser().LiveHandlers()) << "handlers that the browser holds";
   EXPECT_EQ(1U, host.factory->references()) << "references to the task pane factory";
