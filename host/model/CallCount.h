@@ -6,6 +6,7 @@
 struct CallCount {
   std::uint64_t invokes = 0;
   std::uint64_t nameLookups = 0;
+  std::uint64_t jumps = 0;  // of the invokes, those that brought a slide to view
 };
 
 CallCount& HostCallCount();

@@ -1,5 +1,6 @@
 // The host itself, its windows and presentations.
 #include "foundation/HostMembers.h"
+#include "host/model/CallCount.h"
 #include "host/model/Objects.h"
 #include "host/model/SelectionObjects.h"
 
@@ -167,6 +168,7 @@ ResultCode ViewObject::GotoSlide(Args args, Variant&) {
   if (!args.Whole(0, 0, index)) return kTypeMismatch;
   if (index < 1 || static_cast<std::uint32_t>(index) > deck().SlideCount()) return kHostException;
   open()->Show(static_cast<std::uint32_t>(index) - 1);
+  ++HostCallCount().jumps;
   return kOk;
 }
 

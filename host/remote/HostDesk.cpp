@@ -40,6 +40,7 @@ class HostDesk final : public AutomationObject {
   Variant Edited(const Args&) { return Variant::Bool(host_ != nullptr && host_->Edited()); }
   Variant Invokes(const Args&) { return Number(HostCallCount().invokes); }
   Variant NameLookups(const Args&) { return Number(HostCallCount().nameLookups); }
+  Variant Jumps(const Args&) { return Number(HostCallCount().jumps); }
   Variant LiveReferences(const Args&) { return Number(server_.liveHandles()); }
   Variant FailCall(const Args& args);
   Variant Refuse(const Args& args);
@@ -69,6 +70,7 @@ constexpr std::array kMembers = {DeskMember{u"Open", &HostDesk::Open},
                                  DeskMember{u"Edited", &HostDesk::Edited},
                                  DeskMember{u"Invokes", &HostDesk::Invokes},
                                  DeskMember{u"NameLookups", &HostDesk::NameLookups},
+                                 DeskMember{u"Jumps", &HostDesk::Jumps},
                                  DeskMember{u"LiveReferences", &HostDesk::LiveReferences},
                                  DeskMember{u"FailCall", &HostDesk::FailCall},
                                  DeskMember{u"Refuse", &HostDesk::Refuse}};
@@ -154,6 +156,7 @@ Variant HostDesk::SelectShape(const Args& args) {
 Variant HostDesk::FailCall(const Args& args) {
   server_.faults.failAt = WholeAt(args, 0);
   server_.faults.code = WholeAt(args, 1);
+  server_.faults.more = args.size() > 2 ? WholeAt(args, 2) : 0;
   return {};
 }
 

@@ -10,8 +10,11 @@
 //   SelectShape(slide, index) selects a shape of a slide; both count from 1
 //   Edited                    whether the deck was changed
 //   Invokes, NameLookups      calls of all hosts so far
+//   Jumps                     of the invokes, those that brought a slide to view
 //   LiveReferences            what the remote program holds, this object's own reference included
-//   FailCall(number, code)    of the calls from now on, the one of that number fails
+//   FailCall(number, code[, more])
+//                             of the calls from now on, the one of that number fails, and as many
+//                             more behind it
 //   Refuse(names, types)      no name is found; no published interface is answered to
 #pragma once
 

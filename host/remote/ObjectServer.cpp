@@ -18,7 +18,13 @@ WireObject ObjectServer::Hand(const ObjectRef& object) {
 
 bool ObjectServer::FailsNow(AutomationObject& object) {
   if (&object == root_.get() || faults.failAt == 0) return false;
-  return --faults.failAt == 0;
+  if (--faults.failAt != 0) return false;
+  // The next call is at the same place again.
+  if (faults.more > 0) {
+    --faults.more;
+    faults.failAt = 1;
+  }
+  return true;
 }
 
 std::string ObjectServer::Answer(std::string_view request) {

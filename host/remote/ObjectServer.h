@@ -13,6 +13,7 @@
 // answers.
 struct ServerFaults {
   std::int64_t failAt = 0;  // counts down with each call; the one that brings it to 0 fails
+  std::int64_t more = 0;    // how many fail behind that one
   ResultCode code = kFail;
   bool refuseNames = false;  // no name is found
   bool refuseTypes = false;  // no published interface is answered to

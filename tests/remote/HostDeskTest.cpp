@@ -99,6 +99,30 @@ TEST_F(HostDeskTest, CallsAndReferencesAreCounted) {
   EXPECT_EQ(1, Count(u"LiveReferences"));
 }
 
+TEST_F(HostDeskTest, TheCallsThatAreToFailDoAndThoseBehindThemDoNot) {
+  const ObjectRef application = Open();
+  constexpr ResultCode kBusy = MakeResult(0x8001010A);
+  Variant value;
+  const auto ask = [&] { return AutoGet(application.get(), u"ActiveWindow", value); };
+  ASSERT_EQ(kOk, ask());
+  // Each asking is a look-up of the name and a call.
+  Ask(u"FailCall", {Variant::I4(4), Variant::I4(kBusy)});
+  EXPECT_EQ(kOk, ask());
+  EXPECT_EQ(kBusy, ask());
+  EXPECT_EQ(kOk, ask());
+  Ask(u"FailCall", {Variant::I4(3), Variant::I4(kBusy), Variant::I4(2)});
+  EXPECT_EQ(kOk, ask());
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(kBusy, ask());
+  EXPECT_EQ(kOk, ask());
+}
+
+TEST_F(HostDeskTest, SlidesThatAreBroughtToViewAreCounted) {
+  const ObjectRef view = Step(Step(Open(), u"ActiveWindow"), u"View");
+  const std::int64_t jumps = Count(u"Jumps");
+  Step(view, u"GotoSlide", {Variant::I4(2)});
+  EXPECT_EQ(jumps + 1, Count(u"Jumps"));
+}
+
 TEST_F(HostDeskTest, TheViewAndTheSelectionAreTheCallersToSet) {
   const ObjectRef application = Open();
   EXPECT_TRUE(VariantToFlag(Ask(u"ShowSlide", {Variant::I4(2)})));

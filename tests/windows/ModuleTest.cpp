@@ -57,6 +57,33 @@ DISPID IdOf(IDispatch* dispatch, const wchar_t* name) {
   return id;
 }
 
+// Puts in the place of the user's branch one that ends with the session and so takes nothing that
+// would outlive it.
+class FleetingUser {
+ public:
+  FleetingUser() {
+    EXPECT_EQ(ERROR_SUCCESS,
+              RegCreateKeyExW(HKEY_CURRENT_USER, kPath, 0, nullptr, REG_OPTION_VOLATILE,
+                              KEY_ALL_ACCESS, nullptr, &key_, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_CURRENT_USER, key_));
+  }
+  ~FleetingUser() {
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    RegCloseKey(key_);
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_CURRENT_USER, kPath));
+  }
+  DWORD Keys() const {
+    DWORD keys = 77;
+    RegQueryInfoKeyW(key_, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr, nullptr);
+    return keys;
+  }
+
+ private:
+  static constexpr wchar_t kPath[] = L"Quillmarch-test-takes-nothing";
+  HKEY key_ = nullptr;
+};
+
 class ModuleServerTest : public ModuleTest {};
 
 }  // namespace
@@ -279,6 +306,17 @@ TEST_F(ModuleServerTest, AModuleWithoutItsTypeLibraryServesAllTheSameAndDoesNotR
   FreeLibrary(module);
   // It came as far as the classes, which are now its own.
   EXPECT_EQ(S_OK, Export<CanUnloadFunction>("DllRegisterServer")());
+}
+
+TEST_F(ModuleServerTest, ARegistryThatTakesNothingIsAFailureOfRegistering) {
+  {
+    const FleetingUser branch;
+    EXPECT_EQ(HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE),
+              Export<CanUnloadFunction>("DllRegisterServer")());
+    EXPECT_EQ(0U, branch.Keys());
+  }
+  // What was registered before is as it was.
+  EXPECT_TRUE(Make(kConnect));
 }
 
 TEST_F(ModuleServerTest, ThePaneAnswersToEveryInterfaceOfAControl) {

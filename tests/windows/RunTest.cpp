@@ -51,15 +51,17 @@ TEST_F(RunTest, DecksAreTranslatedAndSaved) {
     OpenPane(application.get());
     const std::int64_t invokes = Count(u"Invokes");
     const std::int64_t lookUps = Count(u"NameLookups");
+    const std::int64_t jumps = Count(u"Jumps");
     page().Say(StartMessage());
     // The first event is posted, so the run's start lies behind it in one piece.
     ASSERT_TRUE(PumpUntil([this] { return page().Called(L"onRunStarted") == 1; }));
     const std::int64_t toCollect = Count(u"Invokes") - invokes;
     EXPECT_EQ(L"onComplete", WaitForEnd()) << ToUtf8(page().Payload(L"onError"));
     EXPECT_EQ(1U, page().Called(L"onReady"));
-    std::printf("calls %ls %lld %lld %lld\n", name.c_str(), static_cast<long long>(toCollect),
+    std::printf("calls %ls %lld %lld %lld %lld\n", name.c_str(), static_cast<long long>(toCollect),
                 static_cast<long long>(Count(u"Invokes") - invokes),
-                static_cast<long long>(Count(u"NameLookups") - lookUps));
+                static_cast<long long>(Count(u"NameLookups") - lookUps),
+                static_cast<long long>(Count(u"Jumps") - jumps));
     const std::wstring out = Setting(L"QUILLMARCH_TEST_FOLDER") + L"/" + name;
     EXPECT_TRUE(VariantToFlag(Ask(u"Save", {Variant::Text(FromWinText(out))})));
     host.Stop();
@@ -116,6 +118,16 @@ TEST_F(RunTest, AWindowThatIsDestroyedInMidRunEndsIt) {
   host.factory->panes.back()->DestroyWindowFirst();
   PumpFor(300);
   host.Stop();
+}
+
+TEST_F(RunTest, AHostThatLetsGoOfEverythingInMidRunWithoutAWordEndsIt) {
+  const ComPtr<IDispatch> application = OpenDeck(Sample(L"many-scripts.pptx"));
+  OpenPane(application.get());
+  page().Say(StartMessage());
+  ASSERT_TRUE(PumpUntil([this] { return page().Called(L"onReady") == 1; }));
+  host.Unload();
+  host.factory->DestroyPanes();
+  EXPECT_TRUE(page().closed);
 }
 
 TEST_F(RunTest, AHostThatGoesInMidRunEndsItWithoutACrash) {

@@ -319,6 +319,45 @@ TEST_F(ShellTest, AWindowThatGoesWithItsParentTakesTheBrowserAlong) {
   EXPECT_EQ(S_OK, host.Click(L"btnTranslateFullDoc"));
 }
 
+TEST_F(ShellTest, AControlMayBeClosedTwiceAndBeAskedForMoreBehindThat) {
+  Start();
+  ASSERT_EQ(S_OK, host.Click(L"btnTranslateFullDoc"));
+  ASSERT_TRUE(WaitForPage());
+  const ComPtr<IOleObject> control(taskPane().control());
+  const auto inPlace = control.As<IOleInPlaceObject>(IID_IOleInPlaceObject);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(S_OK, inPlace->InPlaceDeactivate());
+    EXPECT_EQ(S_OK, control->Close(OLECLOSE_NOSAVE));
+    EXPECT_EQ(S_OK, control->SetClientSite(nullptr));
+  }
+  EXPECT_TRUE(page().closed);
+  EXPECT_EQ(nullptr, taskPane().controlWindow());
+  const std::size_t calls = Browser().Calls().size();
+  const RECT place = {0, 0, 200, 200};
+  control->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, nullptr, 0, taskPane().container(), &place);
+  inPlace->SetObjectRects(&place, &place);
+  winhost::PumpFor(100);
+  EXPECT_EQ(calls, Browser().Calls().size());
+  EXPECT_EQ(S_OK, host.Click(L"btnGlossary"));
+}
+
+TEST_F(ShellTest, TheHostMayLetGoOfTheConnectionBeforeItsPanes) {
+  Start();
+  ASSERT_EQ(S_OK, host.Click(L"btnTranslateFullDoc"));
+  ASSERT_TRUE(WaitForPage());
+  host.OnDisconnection();
+  host.Unload();
+  EXPECT_FALSE(page().closed);
+  // The pane lives on by itself: its page, its timer and its size.
+  page().Load();
+  winhost::PumpFor(400);
+  taskPane().Resize(410, 300);
+  page().Say(L"{\"action\":\"getFontList\"}");
+  EXPECT_EQ(1U, page().Messages(u"fontList").size());
+  host.factory->DestroyPanes();
+  EXPECT_TRUE(page().closed);
+}
+
 TEST_F(ShellTest, ShutdownClosesTheBrowserBeforeTheHostClosesItsPanes) {
   Start();
   ASSERT_EQ(S_OK, host.Click(L"btnTranslateFullDoc"));
