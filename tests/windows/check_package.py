@@ -47,8 +47,11 @@ def check_scripts(faults, wine_run, prefix, package, folder):
                               stdout=subprocess.PIPE)
         return told.returncode, told.stdout.decode(errors="replace").replace("\r", "").strip()
 
+    def run(name):
+        return wine("cmd", "/c", "Z:" + str(folder / name).replace("/", "\\"), "/quiet")
+
     def script(name, words):
-        code, told = wine("cmd", "/c", "Z:" + str(folder / name).replace("/", "\\"))
+        code, told = run(name)
         print(f"{name}: exit code {code}, {told}")
         if code != 0 or not told.startswith(words):
             faults.append(f"{name} failed")
@@ -70,7 +73,7 @@ def check_scripts(faults, wine_run, prefix, package, folder):
             faults.append(f"{key} is left")
     # A copy without the module says so.
     (folder / "PptAddin.dll").unlink()
-    code, told = wine("cmd", "/c", "Z:" + str(folder / "register.cmd").replace("/", "\\"))
+    code, told = run("register.cmd")
     if code == 0 or "could not be registered" not in told:
         faults.append(f"a folder without the module registers: {code}, {told}")
     subprocess.run([wine_run, "--stop"], env=environment, check=True)
