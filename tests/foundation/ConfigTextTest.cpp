@@ -64,6 +64,10 @@ TEST(PatchIntKey, PutsTheFirstMemberIntoAnEmptyObject) {
   EXPECT_EQ(Patched("{}", 640), "{\n  \"paneWidthPt\": 640\n}");
 }
 
+TEST(PatchIntKey, AQuoteBehindTheLastBraceIsNoMember) {
+  EXPECT_EQ(Patched("{ } \"note\"", 640), "{ \n  \"paneWidthPt\": 640\n} \"note\"");
+}
+
 TEST(PatchIntKey, RefusesATextWithoutABraceAndAValueWithoutADigit) {
   std::string out;
   EXPECT_FALSE(PatchIntKey("nonsense", kKey, 640, out));

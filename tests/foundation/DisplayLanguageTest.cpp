@@ -87,6 +87,15 @@ TEST_F(DisplayLanguageOfTheUser, TheConfigurationWinsOverTheHostAndCountsAtOnce)
   EXPECT_EQ(Text(u"settings.cancel"), u"ยกเลิก");
 }
 
+TEST_F(DisplayLanguageOfTheUser,
+       AChoiceCountsAlsoAfterTheHostWasAskedAndItsRemovalAsksTheHostAgain) {
+  EXPECT_EQ(ResolveLang(HostWithLanguage(Variant::I4(1041)).get()), u"ja");
+  config_.Write("{\"uiLang\":\"th\"}");
+  EXPECT_EQ(ResolveLang(HostWithLanguage(Variant::I4(1041)).get()), u"th");
+  config_.Write("{}");
+  EXPECT_EQ(ResolveLang(HostWithLanguage(Variant::I4(1031)).get()), u"de");
+}
+
 TEST_F(DisplayLanguageOfTheUser, ATagThatIsNotInTheListLeavesTheHostsLanguage) {
   config_.Write("{\"uiLang\":\"fr-FR\"}");
   const ObjectRef application = HostWithLanguage(Variant::I4(5124));

@@ -276,6 +276,22 @@ TEST(PanelTransport, ThePagesTermsReachTheRunWithoutTheDisabledOnes) {
   EXPECT_EQ(h.glossary[0].note, u"n");
 }
 
+TEST(PanelTransport, TheListOfTermsEndsAtItsBracketAndATermAtItsFirstBrace) {
+  TransportHarness h;
+  h.onAsked = [&](const Wide&) {
+    h.transport.CompleteTerminology(
+        Result(u"terminologyResolveResult", u"pptterm_1",
+               u"\"ok\":true,\"result\":{\"entries\":[{\"source\":\"a\",\"target\":\"b\"},"
+               u"{\"source\":\"c}\",\"target\":\"d\"} , {\"target\":\"f\",\"source\":\"e\"}],"
+               u"\"others\":[{\"source\":\"g\",\"target\":\"h\"}]}"));
+  };
+  EXPECT_TRUE(h.AskTerms());
+  ASSERT_EQ(h.glossary.size(), 2U);
+  EXPECT_EQ(h.glossary[0].source, u"a");
+  EXPECT_EQ(h.glossary[1].source, u"e");
+  EXPECT_EQ(h.glossary[1].target, u"f");
+}
+
 TEST(IsSoftBridgeError, HoldsForExactlyEightCodes) {
   for (const char16_t* code : {u"cancelled", u"aborted", u"AbortError", u"request_timeout",
                                u"webview_navigating", u"webview_unavailable", u"401", u"402"}) {
