@@ -176,6 +176,16 @@ TEST(CollectSelection, AShapeOnTheNotesPageKeepsItsPage) {
   EXPECT_TRUE(log.Has("PptCtrl shape selection slide=1 shapes[2] notes cell=1,1"));
 }
 
+TEST(CollectSelection, OnePathOnASlideAndOnItsNotesPageIsTwoShapes) {
+  Collection c;
+  const FakeShapeRef shape = Numbered(TextShape(u"a"), 2);
+  const FakeShapeRef note = Numbered(TextShape(u"note"), 20);
+  c.deck().AddSlide({shape}, {note});
+  c.selection().SelectShapes({shape, note, shape});
+  ASSERT_EQ(c.Run(), kOk);
+  EXPECT_EQ(c.run.sourceTexts, (std::vector<Wide>{u"a", u"note"}));
+}
+
 TEST(CollectSelection, AShapeThatIsOnNoSlideCostsANoteAndTheOthersGoOn) {
   test::LogCapture log;
   Collection c;
