@@ -64,8 +64,8 @@ function(quillmarch_test name)
   quillmarch_alone_under_wine(${name})
 endfunction()
 
-# Programs under one Wine prefix share a user's log, and Wine appends to a file in two steps, so that
-# two at once lose each other's lines.
+# Programs under one Wine prefix share a user's configuration and log, and Wine appends to a file in
+# two steps, so that two at once lose each other's lines.
 function(quillmarch_alone_under_wine test)
   if(WIN32)
     set_tests_properties(${test} PROPERTIES RESOURCE_LOCK wine_prefix)
