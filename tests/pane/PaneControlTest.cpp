@@ -118,6 +118,20 @@ TEST(CPptPane, TimerOneCallsTheWidthHookEvery300Ms) {
   h.pane->OnTimer(77);  // any other timer is ignored
 }
 
+TEST(CPptPane, AWidthHookThatIsTakenBackInsideItselfComesToItsEnd) {
+  PaneHarness h;
+  const auto words = std::make_shared<std::string>("taken back");
+  std::string seen;
+  SetPaneWidthHook([words, &seen](CPptPane&) {
+    SetPaneWidthHook({});
+    seen = *words;
+  });
+  h.pane->OnTimer(CPptPane::kWidthTimer);
+  h.pane->OnTimer(CPptPane::kWidthTimer);
+  EXPECT_EQ(seen, "taken back");
+  EXPECT_EQ(words.use_count(), 1);
+}
+
 TEST(CPptPane, ANewSizeReachesTheBrowserWhenThereIsOne) {
   PaneHarness h;
   h.pane->OnSize(320, 640);

@@ -191,12 +191,42 @@ TEST_F(WebViewHost, TheEventDoesNotDependOnTheDialog) {
   EXPECT_THAT(beacons_, SizeIs(1));
 }
 
+TEST_F(WebViewHost, AnEventThatCannotBeSentDoesNotCostTheDialog) {
+  SetBeaconSender([](const AnalyticsBeacon&) { throw std::bad_alloc(); });
+  Open();
+  browser_.CompleteEnvironment(kFail);
+  EXPECT_THAT(desktop_.messages, SizeIs(1));
+}
+
 TEST_F(WebViewHost, WithoutAWindowTheDialogHasNoOwner) {
   CPptPane& pane = Open();
   pane.window->Destroy();
   browser_.CompleteEnvironment(kFail);
   ASSERT_THAT(desktop_.messages, SizeIs(1));
   EXPECT_EQ(desktop_.messages[0].owner, 0U);
+}
+
+TEST_F(WebViewHost, AWindowThatGoesWhileTheDialogIsReadOwnsNoClipboard) {
+  CPptPane& pane = Open();
+  browser_.CompleteEnvironment(kFail);
+  ForgetFailureDialog();
+  desktop_.whileShown = [&] { pane.OnDestroy(); };
+  pane.ReportWebViewFailure(u"controller", kFail);
+  EXPECT_EQ(desktop_.messages[1].owner, kWindow);
+  EXPECT_THAT(desktop_.copyOwners, ElementsAre(kWindow, 0U));
+}
+
+TEST_F(WebViewHost, APaneThatTheHostDropsWhileTheDialogIsReadEndsItsVerb) {
+  PaneSurroundings surroundings = h_.Surroundings();
+  surroundings.loader = &browser_;
+  surroundings.desktop = &desktop_;
+  browser_.createResult = kFail;
+  std::shared_ptr<CPptPane> pane = CPptPane::Create(surroundings);
+  CPptPane& verbs = *pane;
+  desktop_.whileShown = [&] { std::exchange(pane, nullptr)->OnDestroy(); };
+  EXPECT_EQ(verbs.DoVerb(-5, 0x1234, [] { return kOk; }), kOk);
+  EXPECT_THAT(desktop_.copied, ElementsAre(u"Quillmarch-1"));
+  EXPECT_TRUE(log_.Has("CPptPane DoVerb done hr=0x00000000 hwnd=0x0000000000000000"));
 }
 
 TEST_F(WebViewHost, ASuccessWithoutAnObjectIsAFailureOfItsStage) {

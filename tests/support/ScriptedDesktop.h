@@ -23,7 +23,10 @@ class ScriptedDesktop final : public Desktop {
     messages.push_back({owner, text, title, style});
     if (whileShown) whileShown();
   }
-  void PutClipboardText(std::uintptr_t, const Wide& text) override { copied.push_back(text); }
+  void PutClipboardText(std::uintptr_t owner, const Wide& text) override {
+    copied.push_back(text);
+    copyOwners.push_back(owner);
+  }
   std::intptr_t OpenInBrowser(const Wide& url) override {
     opened.push_back(url);
     return openResult;
@@ -32,6 +35,7 @@ class ScriptedDesktop final : public Desktop {
   std::vector<Message> messages;
   std::function<void()> whileShown;  // runs before the user closes the message
   std::vector<Wide> copied;
+  std::vector<std::uintptr_t> copyOwners;
   std::vector<Wide> opened;
   std::intptr_t openResult = 42;
 };

@@ -66,6 +66,8 @@ void CPptPane::FinalConstruct() {
 
 ResultCode CPptPane::DoVerb(std::int32_t verb, std::uintptr_t parent,
                             const std::function<ResultCode()>& stock) {
+  // The host may drop the pane while its browser's failure is shown.
+  const std::shared_ptr<CPptPane> self = shared_from_this();
   LogLine(u"CPptPane DoVerb verb=" + Decimal(verb) + u" parent=" + PointerText(parent) + u" hwnd=" +
           PointerText(windowHandle));
   if (parent != 0) parentWindow = parent;
@@ -142,7 +144,8 @@ void CPptPane::OnTimer(std::uint32_t id) {
   const std::shared_ptr<CPptPane> self = shared_from_this();
   switch (id) {
     case kWidthTimer:
-      if (WidthHook()) WidthHook()(*this);
+      // A copy, as the connection may take the hook back inside it.
+      if (const PaneWidthHook hook = WidthHook()) hook(*this);
       return;
     case kDeferredStartTimer:
       OnDeferredStart();

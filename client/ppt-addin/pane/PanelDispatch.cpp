@@ -103,13 +103,14 @@ void CPptPane::PostFontList() {
 }
 
 void CPptPane::HandleTerminology(const Wide& message) {
-  const ObjectRef document = FindDocumentWindow(hostApp.get(), windowContext);
+  const ObjectRef application = hostApp;
+  const ObjectRef document = FindDocumentWindow(application.get(), windowContext);
   ObjectRef presentation;
   if (document) {
     TypedGetObject(document.get(), ppt::documentWindow::kPresentation, presentation);
   }
   Wide reply;
-  if (HandleTerminologyMessage(hostApp.get(), message, reply, presentation.get()) &&
+  if (HandleTerminologyMessage(application.get(), message, reply, presentation.get()) &&
       !reply.empty()) {
     RunScript(reply);
   }
@@ -117,9 +118,10 @@ void CPptPane::HandleTerminology(const Wide& message) {
 
 void CPptPane::PushSelectionPreview() {
   if (shuttingDown != 0 || webView == nullptr || runActive != 0 || StaGateHasOwner()) return;
+  const ObjectRef application = hostApp;
   Wide argument;
   try {
-    argument = PreviewArgument(ReadSelectionPreview(hostApp.get(), windowContext));
+    argument = PreviewArgument(ReadSelectionPreview(application.get(), windowContext));
   } catch (const std::exception&) {
     argument = u"{error:\"无法读取选区\",pptEmpty:true}";
   }

@@ -47,7 +47,9 @@ Wide CPptPane::BuildPanelUrl(const Wide& page) {
   url += IsWpsProcess() ? u"&host=wps-ppt" : u"&host=ppt";
   if (paneId > 0) url += u"&pane=ppt" + Decimal(paneId);
   url += u"&mode=" + mode;
-  url += u"&uiLang=" + ResolveLang(hostApp.get());
+  // Held, as the last release of the pane's object may come inside the call.
+  const ObjectRef application = hostApp;
+  url += u"&uiLang=" + ResolveLang(application.get());
   return url;
 }
 

@@ -176,10 +176,15 @@ void CPptPane::OnNavigationCompleted(bool isSuccess) {
 
 void CPptPane::ReportWebViewFailure(const char16_t* stage, ResultCode code) {
   LogLine(u"PptPane WebView2 " + Wide(stage) + u" failed hr=" + HrText(code));
-  SendWebViewInitError(stage, static_cast<std::uint32_t>(code));
+  try {
+    SendWebViewInitError(stage, static_cast<std::uint32_t>(code));
+  } catch (const std::exception&) {
+    // No thread could be had: the user is told all the same.
+  }
   if (!TakeFailureDialog() || surroundings_.desktop == nullptr) return;
-  const std::uintptr_t owner = HasWindow() ? windowHandle : 0;
-  surroundings_.desktop->ShowMessage(owner, Text(u"msg.webview2.body"), Text(u"msg.title"),
+  // The window may go while the user reads.
+  const auto owner = [this] { return HasWindow() ? windowHandle : 0; };
+  surroundings_.desktop->ShowMessage(owner(), Text(u"msg.webview2.body"), Text(u"msg.title"),
                                      Desktop::kIconWarning | Desktop::kSetForeground);
-  surroundings_.desktop->PutClipboardText(owner, kSupportHandle);
+  surroundings_.desktop->PutClipboardText(owner(), kSupportHandle);
 }

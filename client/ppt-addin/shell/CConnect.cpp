@@ -27,10 +27,12 @@ CConnect::~CConnect() {
   LeaveWidthHook();
 }
 
-ResultCode CConnect::OnConnection(ObjectRef application) {
+ResultCode CConnect::OnConnection(const ObjectRef& application) {
   return Enter([&] {
-    hostApp = std::move(application);
-    DetectHost(hostApp.get());
+    hostApp = application;
+    // The host may disconnect us inside a call.
+    const ObjectRef held = application;
+    DetectHost(held.get());
     LogLine(u"PPT OnConnection hostApp=" + HostWord() + u" appName=" +
             (HostName().empty() ? Wide(u"(unknown)") : HostName()));
     std::uint8_t unsent = 0;

@@ -32,7 +32,7 @@ class CConnect {
 
   // ---- _IDTExtensibility2 (CConnect.cpp) -------------------------------------------------------
 
-  ResultCode OnConnection(ObjectRef application);
+  ResultCode OnConnection(const ObjectRef& application);
   ResultCode OnDisconnection();
   ResultCode OnAddInsUpdate();
   ResultCode OnStartupComplete();
@@ -103,7 +103,7 @@ class CConnect {
   ResultCode CreateTaskPane(TaskPaneFactory& factory, const WindowContext& context,
                             const ObjectRef& window, std::shared_ptr<TaskPane>& pane);
   void KeepPane(std::int64_t key, const WindowContext& context,
-                const std::shared_ptr<TaskPane>& pane);
+                const std::shared_ptr<TaskPane>& pane, std::int32_t width);
   void DropPane(std::int64_t key, const PaneMapEntry& entry, const char16_t* reason);
 
   void ServeWidthHook();
@@ -111,6 +111,7 @@ class CConnect {
   void ForEachPane(const std::function<void(TaskPane&, PaneWidthState&)>& act);
 
   ShellSurroundings surroundings_;
+  const std::shared_ptr<const bool> life_ = std::make_shared<const bool>();  // goes with this
 };
 
 // The number of the next pane: how many the process has tried to make.

@@ -29,12 +29,15 @@ void CConnect::LeaveWidthHook() {
 }
 
 void CConnect::ForEachPane(const std::function<void(TaskPane&, PaneWidthState&)>& act) {
-  // A host call may let in what changes the map, so each entry is looked up anew and the pane held.
+  // A host call may let in what changes the map, so each entry is looked up anew and the pane held;
+  // inside a timer's call the host may even let go of us.
+  const std::weak_ptr<const bool> life = life_;
   for (auto at = panes.begin(); at != panes.end();) {
     const std::int64_t key = at->first;
     if (const std::shared_ptr<TaskPane> pane = at->second.pane) {
       PaneWidthState width = at->second.width;
       act(*pane, width);
+      if (life.expired()) return;
       const auto still = panes.find(key);
       if (still != panes.end() && still->second.pane == pane) still->second.width = width;
     }

@@ -91,11 +91,14 @@ ResultCode CConnect::InvokeButton(DispId id, std::span<const RibbonArgument> arg
 ResultCode CConnect::InvokeCommon(DispId id, std::span<const RibbonArgument> args,
                                   Variant* result) {
   switch (id) {
-    case ribbon::kOnRibbonLoad:
+    case ribbon::kOnRibbonLoad: {
+      // The host may disconnect us inside a call.
+      const ObjectRef application = hostApp;
       ribbonUi = ControlOf(args);
       // Asked here once, so that its cost falls at the load.
-      ResolveLang(hostApp.get());
+      ResolveLang(application.get());
       return kOk;
+    }
     case ribbon::kGetLabel:
       return TextOfControl(args, false, result);
     case ribbon::kGetScreentip:
@@ -108,9 +111,10 @@ ResultCode CConnect::InvokeCommon(DispId id, std::span<const RibbonArgument> arg
 
 ResultCode CConnect::TextOfControl(std::span<const RibbonArgument> args, bool tip,
                                    Variant* result) {
+  const ObjectRef application = hostApp;
   const ObjectRef control = ControlOf(args);
   const Wide id = IdOfControl(control.get());
-  ResolveLang(hostApp.get());
+  ResolveLang(application.get());
   if (result != nullptr) *result = Variant::Text(RibbonText(id, tip));
   return kOk;
 }

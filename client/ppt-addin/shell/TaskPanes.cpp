@@ -120,6 +120,8 @@ void CConnect::OpenPage(const char16_t* page, AutomationObject* control, const W
     if (live->HasWindow()) live->SetMode(mode);
   }
   if (live != nullptr) live->SetPanelPage(asked);
+  // Let go of in one of these calls, the pane has been hidden for good.
+  if (!panes.contains(PaneMapKey(clicked.context))) return;
   taskPane->PutVisible(true);
   LogLine(u"PPT ShowPanePage visible panes=" + DecimalUnsigned(panes.size()) + u" justCreated=" +
           Decimal(justCreated ? 1 : 0));
@@ -154,15 +156,16 @@ ResultCode CConnect::EnsureTaskPane(const WindowContext& context, const ObjectRe
     ShowBox(FormatHr(Text(u"msg.createPaneFailed"), failure), Desktop::kIconError);
     return failure;
   }
-  // Or while the pane was made.
-  if (!hostApp) return kFail;
   DockRight(*pane);
   if (!StandsIn(*pane, context)) {
     LogLine(u"PPT CreateCTP window verify mismatch ctp[" + ContextText(ContextOfPane(*pane)) +
             u"] want[" + ContextText(context) + u"]");
     ctpWindowMismatch = true;
   }
-  KeepPane(key, context, pane);
+  const std::int32_t width = LoadInitialWidth();
+  // Or in any call since: nobody would release what is kept now.
+  if (!hostApp) return kFail;
+  KeepPane(key, context, pane, width);
   LogLine(u"PPT CreateCTP OK key=" + Decimal(key) + u" " + ContextText(context) + u" panes=" +
           DecimalUnsigned(panes.size()));
   justCreatedOut = true;
@@ -198,8 +201,7 @@ ResultCode CConnect::CreateTaskPane(TaskPaneFactory& factory, const WindowContex
 }
 
 void CConnect::KeepPane(std::int64_t key, const WindowContext& context,
-                        const std::shared_ptr<TaskPane>& pane) {
-  const std::int32_t width = LoadInitialWidth();
+                        const std::shared_ptr<TaskPane>& pane, std::int32_t width) {
   PaneMapEntry& entry = panes[key];
   entry.pane = pane;
   entry.context = context;
