@@ -27,6 +27,7 @@ struct TaskPaneState {
   ResultCode dockResult = kOk;
   ResultCode widthResult = kOk;
   std::function<void()> onVisible;   // inside PutVisible
+  std::function<void()> onDock;      // inside GetDockPosition
   std::function<void()> onPutWidth;  // inside PutWidth
 };
 
@@ -47,6 +48,7 @@ class FakeTaskPane final : public TaskPane {
     return state_->visibleResult;
   }
   ResultCode GetDockPosition(std::int32_t& out) override {
+    if (state_->onDock) state_->onDock();
     out = state_->dock;
     return state_->dockResult;
   }

@@ -324,6 +324,18 @@ TEST(ConnectWidth, APaneInASecondWindowOpensAtTheFirstsLiveWidth) {
   EXPECT_TRUE(log.Has("PaneWidth initial from live pane pt=333"));
 }
 
+TEST(ConnectWidth, OfSeveralPanesTheFirstGivesTheWidth) {
+  ShellHarness h;
+  h.AddWindow();
+  h.AddWindow();
+  h.Click(ribbon::kTranslateFullDocClicked, 0);
+  h.Click(ribbon::kTranslateFullDocClicked, 1);
+  h.made(0).task->width = 333;
+  h.made(1).task->width = 444;
+  h.Click(ribbon::kTranslateFullDocClicked, 2);
+  EXPECT_EQ(h.made(2).task->width, 333);
+}
+
 TEST(ConnectWidth, ACollapsedOrUnreadablePaneIsNoSourceOfAWidth) {
   ShellHarness h;
   h.Click(ribbon::kTranslateFullDocClicked, 0);
@@ -409,6 +421,17 @@ TEST(ConnectWidth, TheDisconnectionSavesToo) {
   EXPECT_TRUE(log.Has("PaneWidth shutdown-save pt=230"));
   bool fromFile = false;
   EXPECT_EQ(ReadPaneWidth(fromFile), 240);
+}
+
+TEST(ConnectWidth, AWidthThatTheEndSavedCountsAsJudged) {
+  ShellHarness h;
+  h.Click(ribbon::kTranslateFullDocClicked, 0);
+  h.made(0).task->width = 700;
+  h.connect->SaveAllOnShutdown();
+  const PaneWidthState& state = h.connect->panes.begin()->second.width;
+  EXPECT_EQ(state.lastHandled, 700);
+  EXPECT_EQ(state.lastSaved, 700);
+  EXPECT_TRUE(state.saveOk);
 }
 
 TEST(ConnectWidth, TheEndDoesNotSaveWhatIsSavedOrNotReal) {

@@ -424,6 +424,17 @@ TEST(TaskPanes, ADisconnectionInsideTheMakingLeavesNothingBehind) {
   EXPECT_EQ(h.made(0).task->references, 0);
 }
 
+TEST(TaskPanes, APaneThatADisconnectionHidInsideTheClickIsNotShownAgain) {
+  ShellHarness h;
+  h.Click(ribbon::kGlossaryClicked, 0);
+  h.made(0).task->onDock = [&] { h.connect->OnDisconnection(); };
+  LogCapture log;
+  EXPECT_EQ(h.Click(ribbon::kGlossaryClicked, 0), kOk);
+  EXPECT_FALSE(h.made(0).task->visible);
+  EXPECT_EQ(h.made(0).task->references, 0);
+  EXPECT_EQ(log.CountContaining("PPT ShowPanePage visible"), 0);
+}
+
 TEST(TaskPanes, AClickInsideAnotherMakesBothPanes) {
   ShellHarness h;
   h.AddWindow();
