@@ -87,6 +87,19 @@ TEST(CPptPane, TheFallbackMakesTheWindowOnceAndASecondVerbNoSecondWebView) {
   EXPECT_FALSE(pane->HasWindow());
 }
 
+TEST(CPptPane, AVerbWithoutAParentUsesTheOneOfAnEarlierVerb) {
+  PaneHarness h;
+  h.createsWindow = false;
+  const auto pane = CPptPane::Create(h.Surroundings());
+  pane->DoVerb(-1, 0x1234, StockVerb);
+  EXPECT_FALSE(pane->HasWindow());
+  h.createsWindow = true;
+  pane->DoVerb(-1, 0, StockVerb);
+  EXPECT_TRUE(pane->HasWindow());
+  EXPECT_EQ(pane->parentWindow, 0x1234U);
+  pane->OnDestroy();
+}
+
 TEST(CPptPane, AWindowThatCannotBeMadeShowsInTheLogAlone) {
   PaneHarness h;
   h.createsWindow = false;
