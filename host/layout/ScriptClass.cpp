@@ -67,7 +67,8 @@ bool StaysWithPrevious(char32_t character) {
 bool MayTurn(char16_t unit) {
   // Right-to-left scripts lie in these ranges; those beyond the first plane have lead surrogates
   // from D802 to D83B, which is close enough: the answer only saves the full algorithm.
-  return (unit >= 0x590 && unit <= 0x8FF) || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
+  if (unit < 0x590) return false;  // most texts
+  return unit <= 0x8FF || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
          (unit >= 0x2066 && unit <= 0x2069) || (unit >= 0xFB1D && unit <= 0xFDFF) ||
          (unit >= 0xFE70 && unit <= 0xFEFC) || (unit >= 0xD802 && unit <= 0xD803) ||
          (unit >= 0xD83A && unit <= 0xD83B);

@@ -1,5 +1,7 @@
 #include "run/ApplyText.h"
 
+#include <algorithm>
+
 #include "foundation/Automation.h"
 #include "foundation/HostMembers.h"
 #include "run/FontStyle.h"
@@ -49,10 +51,13 @@ bool WrittenPart(AutomationObject* paragraph, ObjectRef& part) {
 }  // namespace
 
 Wide FlattenTranslation(WideView text) {
-  Wide flat;
+  // Most texts have no break.
+  const std::size_t first =
+      static_cast<std::size_t>(std::find_if(text.begin(), text.end(), IsBreak) - text.begin());
+  Wide flat(text.substr(0, first));
   flat.reserve(text.size());
   bool pending = false;
-  for (const char16_t unit : text) {
+  for (const char16_t unit : text.substr(first)) {
     if (IsBreak(unit)) {
       pending = !flat.empty();
       continue;
