@@ -49,11 +49,15 @@ function(quillmarch_room name)
   target_link_libraries(${name} PUBLIC ${ROOM_LINK} PRIVATE quillmarch_options)
 endfunction()
 
-# One test program of the folder's sources, one entry in ctest.
-#   quillmarch_test(NAME LINK lib... [LABELS label...] [TIMEOUT seconds])
+# One test program of the folder's sources, one entry in ctest. OWN_HOME keeps what it writes for a
+# user in a folder of its own; under Wine the prefix does.
+#   quillmarch_test(NAME LINK lib... [OWN_HOME] [LABELS label...] [TIMEOUT seconds])
 function(quillmarch_test name)
-  cmake_parse_arguments(T "" "TIMEOUT" "LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(T "OWN_HOME" "TIMEOUT" "LINK;LABELS" ${ARGN})
   quillmarch_sources(sources)
+  if(T_OWN_HOME AND NOT WIN32)
+    list(APPEND sources ${CMAKE_SOURCE_DIR}/tests/support/home/TestHome.cpp)
+  endif()
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE ${T_LINK} quillmarch_test_support quillmarch_options)
   add_test(NAME ${name} COMMAND ${name})

@@ -2,60 +2,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <deque>
-#include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
 
 #include "pane/CPptPane.h"
 #include "pane/PanelTransport.h"
+#include "support/IdleSurroundings.h"
 
 namespace {
-
-// Without a deck: every run is turned away in its start, so no worker ever lives.
-class FuzzThread final : public HostThread {
- public:
-  std::uint64_t TickCount() override { return ++ticks_; }
-  void Sleep(std::uint32_t) override {}
-  bool PumpUntil(const std::function<bool()>& done, std::uint32_t) override {
-    RunPosts();
-    return done();
-  }
-  bool Post(Callable call) override {
-    posts_.push_back(std::move(call));
-    return true;
-  }
-  bool SetTimer(TimerId, std::uint32_t, Callable) override { return true; }
-  void KillTimer(TimerId) override {}
-  void OutsideWorkBegins() override {}
-  void OutsideWorkEnds() override {}
-  bool OnHostThread() const override { return true; }
-
-  void RunPosts() {
-    while (!posts_.empty()) {
-      const Callable call = std::move(posts_.front());
-      posts_.pop_front();
-      call();
-    }
-  }
-
- private:
-  std::uint64_t ticks_ = 0;
-  std::deque<Callable> posts_;
-};
-
-class NoHands final : public InputState {
- public:
-  bool LeftButtonDown() override { return false; }
-  bool HasCapture() override { return false; }
-  std::uint32_t QueueStatus(std::uint32_t) override { return 0; }
-};
-
-class TwoFonts final : public FontList {
- public:
-  std::vector<Wide> FamilyNames() override { return {u"Arial", u"@Mincho"}; }
-};
 
 class DeafPage final : public WebView {
  public:
@@ -73,7 +28,7 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-void Hear(CPptPane& pane, FuzzThread& thread, const Wide& text) {
+void Hear(CPptPane& pane, test::IdleThread& thread, const Wide& text) {
   pane.OnWebMessageReceived(text);
   thread.RunPosts();
   Require(pane.runActive == 0);
@@ -81,7 +36,7 @@ void Hear(CPptPane& pane, FuzzThread& thread, const Wide& text) {
 }
 
 // The text as the rest of both answers that a run waits for.
-void Answer(FuzzThread& thread, const Wide& text) {
+void Answer(test::IdleThread& thread, const Wide& text) {
   PanelTransport* asked = nullptr;
   PanelTransport transport({thread, [] { return true; },
                             [&](const Wide&) {
@@ -109,9 +64,10 @@ void Answer(FuzzThread& thread, const Wide& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static FuzzThread thread;
-  static NoHands hands;
-  static TwoFonts fonts;
+  // Without a deck: every run is turned away in its start, so no worker ever lives.
+  static test::IdleThread thread;
+  static test::IdleHands hands;
+  static test::TwoFonts fonts;
   const std::shared_ptr<CPptPane> pane = CPptPane::Create({thread, hands, fonts, {}, {}, {}});
   pane->OnCreate(1);
   pane->AttachWebView(nullptr, std::make_shared<DeafPage>());

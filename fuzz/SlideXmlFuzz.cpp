@@ -3,6 +3,7 @@
 // and read back as it was left.
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -63,7 +64,11 @@ class OneSlide final : public Package {
     parts_[std::string(name)] = std::move(bytes);
     edited_ = true;
   }
-  bool Edited() const override { return edited_; }
+  void PutPartLater(std::string_view name, std::size_t,
+                    std::function<std::string()> make) override {
+    PutPart(name, make());
+  }
+  bool Edited() override { return edited_; }
   PackageResult<bool> Save(const std::string&) override {
     PackageResult<bool> result;
     result.ok = true;

@@ -4,7 +4,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <deque>
 #include <map>
 #include <memory>
 #include <string>
@@ -13,6 +12,7 @@
 #include "foundation/JsonText.h"
 #include "pane/CPptPane.h"
 #include "pane/PanelTransport.h"
+#include "support/IdleSurroundings.h"
 
 namespace {
 
@@ -22,51 +22,6 @@ constexpr std::int64_t kLong = 1 << 20;
 constexpr double kMostMs = 10.0;  // for a message of 1 MB
 // Caches hold the shorter texts and not the longest one.
 constexpr double kMostGrowth = 3.0;
-
-// ---- Surroundings ------------------------------------------------------------------------------
-
-class Thread final : public HostThread {
- public:
-  std::uint64_t TickCount() override { return ++ticks_; }
-  void Sleep(std::uint32_t) override {}
-  bool PumpUntil(const std::function<bool()>& done, std::uint32_t) override {
-    RunPosts();
-    return done();
-  }
-  bool Post(Callable call) override {
-    posts_.push_back(std::move(call));
-    return true;
-  }
-  bool SetTimer(TimerId, std::uint32_t, Callable) override { return true; }
-  void KillTimer(TimerId) override {}
-  void OutsideWorkBegins() override {}
-  void OutsideWorkEnds() override {}
-  bool OnHostThread() const override { return true; }
-
-  void RunPosts() {
-    while (!posts_.empty()) {
-      const Callable call = std::move(posts_.front());
-      posts_.pop_front();
-      call();
-    }
-  }
-
- private:
-  std::uint64_t ticks_ = 0;
-  std::deque<Callable> posts_;
-};
-
-class Hands final : public InputState {
- public:
-  bool LeftButtonDown() override { return false; }
-  bool HasCapture() override { return false; }
-  std::uint32_t QueueStatus(std::uint32_t) override { return 0; }
-};
-
-class Fonts final : public FontList {
- public:
-  std::vector<Wide> FamilyNames() override { return {}; }
-};
 
 // ---- Texts -------------------------------------------------------------------------------------
 
@@ -143,9 +98,9 @@ void RegisterReaders() {
 struct Stage {
   Stage() : pane(CPptPane::Create({thread, hands, fonts, {}, {}, {}})) { pane->OnCreate(1); }
   ~Stage() { pane->OnDestroy(); }
-  Thread thread;
-  Hands hands;
-  Fonts fonts;
+  test::IdleThread thread;
+  test::IdleHands hands;
+  test::TwoFonts fonts;
   std::shared_ptr<CPptPane> pane;
 };
 
@@ -164,7 +119,7 @@ void Dispatch(const char* name, const Wide& json) {
 template <typename Ask>
 void Answered(const char* name, Ask ask) {
   benchmark::RegisterBenchmark(name, [ask](benchmark::State& state) {
-    Thread thread;
+    test::IdleThread thread;
     for (auto _ : state) ask(thread);
   })->Unit(benchmark::kMillisecond);
 }
@@ -179,7 +134,7 @@ void RegisterMessages() {
   Dispatch("1 MB: setAccessToken",
            OneString(u"{\"action\":\"setAccessToken\",\"accessToken\":\"", kLong));
   Dispatch("1 MB: unknown action", Message(u"{\"x\":[", u",\"action\":\"none\"}", kLong));
-  Answered("1 MB: translateBatchResult", [](Thread& thread) {
+  Answered("1 MB: translateBatchResult", [](test::IdleThread& thread) {
     static const Wide kAnswer = TranslationsOf(kLong);
     PanelTransport* to = nullptr;
     PanelTransport transport(
@@ -188,7 +143,7 @@ void RegisterMessages() {
     to = &transport;
     benchmark::DoNotOptimize(transport.TranslateViaPage({}).translations.size());
   });
-  Answered("1 MB: terminologyResolveResult", [](Thread& thread) {
+  Answered("1 MB: terminologyResolveResult", [](test::IdleThread& thread) {
     static const Wide kAnswer = [] {
       Wide json =
           u"{\"action\":\"terminologyResolveResult\",\"requestId\":\"pptterm_1\",\"ok\":true,"

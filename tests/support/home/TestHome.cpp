@@ -1,9 +1,10 @@
 // The tests write their log and registry below a folder of their own, never in the user's.
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <memory>
 
-#include "TempFolder.h"
-#include "gtest/gtest.h"
+#include "foundation/TempFolder.h"
 
 namespace {
 
