@@ -63,7 +63,7 @@ TEST(UserConfigurationOfTwoProcesses, KeepsWhatNeitherWrites) {
   WriterProcess one("width");
   WriterProcess other("language");
   const std::set<std::string> texts = ReadWhile(one, other);
-  EXPECT_GT(texts.size(), 2U);
+  EXPECT_FALSE(texts.empty());
   for (const std::string& text : texts) {
     EXPECT_TRUE(text.starts_with("{ \"foreign\" : [1, 2],\r\n\"paneWidthPt\" : ")) << text;
     EXPECT_TRUE(text.ends_with(", \"uiLang\":\"en\" }") || text.ends_with(", \"uiLang\":\"ja\" }"))
