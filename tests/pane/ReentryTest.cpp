@@ -101,6 +101,7 @@ TEST(Reentry, TheWindowsEndAtEveryHostCallLeavesNothingBehind) {
     // The step that the window's end came into ends the run, since no tick follows.
     if (workerHadEnded) {
       EXPECT_EQ(log.Count("PptPane run finished"), 1) << at;
+      EXPECT_TRUE(weak.expired()) << at;
     }
     ASSERT_TRUE(h.RunUntil([] { return ReleaseEndedPanes() == 0; })) << at;
     EXPECT_TRUE(weak.expired()) << at;

@@ -362,6 +362,22 @@ TEST(ConnectWidth, TheTimerOfAPaneLooksAtEveryPaneAndLogs) {
   EXPECT_EQ(log.CountContaining("PaneWidth save pt=620 ok=1 err=0"), 1);
 }
 
+TEST(ConnectWidth, ASecondClickKeepsTheUsersWidthAndLooksAfterItAgain) {
+  ShellHarness h;
+  h.Click(ribbon::kTranslateFullDocClicked, 0);
+  h.made(0).task->width = 610;
+  SetPaneWidthHook({});  // as another connection leaves it behind
+  LogCapture log;
+  h.Click(ribbon::kTranslateFullDocClicked, 0);
+  EXPECT_EQ(h.made(0).task->width, 610);
+  EXPECT_EQ(log.CountContaining("PPT pane width begin"), 0);
+  for (int i = 0; i < 8; ++i) {
+    h.thread.Advance(kPollMs);
+    h.thread.FireDueTimers();
+  }
+  EXPECT_EQ(log.CountContaining("PaneWidth save pt=610 ok=1 err=0"), 1);
+}
+
 TEST(ConnectWidth, WithSeveralPanesASaveStillTakesASecond) {
   ShellHarness h;
   for (int i = 0; i < 3; ++i) h.AddWindow();

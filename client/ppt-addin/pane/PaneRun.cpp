@@ -201,6 +201,8 @@ void CPptPane::EndRun() {
   LogLine(u"PptPane run finished");
   runReference_.reset();  // the callers hold the pane themselves
   runHoldsObject_.reset();
+  // Where the window went inside a step of the run, its end handed the run's references on.
+  if (!HasWindow()) ReleaseEndedPanes();
 }
 
 void CPptPane::StopFlags() {

@@ -142,6 +142,9 @@ ResultCode CConnect::EnsureTaskPane(const WindowContext& context, const ObjectRe
   if (IsGoodEntry(key, context)) {
     LogLine(u"PPT EnsureTaskPane reuse panes=" + DecimalUnsigned(panes.size()) + u" " +
             Decimal(key));
+    // As behind a creation, save that the width stays what the user made of it.
+    if (const auto entry = panes.find(key); entry != panes.end()) entry->second.context = context;
+    ServeWidthHook();
     return kOk;
   }
   LogNoMatch(key, context);
