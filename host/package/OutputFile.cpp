@@ -99,6 +99,24 @@ bool OutputFile::Write(std::uint64_t offset, const void* from, std::size_t lengt
   return error_ == 0;
 }
 
+std::uint64_t OutputFile::Size() const {
+  struct stat status = {};
+  return fstat(handle_, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+bool OutputFile::ReadAt(std::uint64_t offset, void* to, std::size_t length) const {
+  char* at = static_cast<char*>(to);
+  while (length > 0) {
+    const ssize_t got = pread(handle_, at, length, static_cast<off_t>(offset));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return false;
+    at += got;
+    length -= static_cast<std::size_t>(got);
+    offset += static_cast<std::uint64_t>(got);
+  }
+  return true;
+}
+
 bool OutputFile::CopyFrom(const InputFile& input, std::uint64_t length) {
   std::vector<char> buffer(static_cast<std::size_t>(std::min<std::uint64_t>(length, kCopyBytes)));
   for (std::uint64_t at = 0; at < length && error_ == 0;) {

@@ -24,6 +24,9 @@ class OutputFile {
   bool Replaces(const InputFile& input) const;
 
   bool Write(std::uint64_t offset, const void* from, std::size_t length);
+  // What was written so far, in bytes; and `length` of them, false when there are not as many.
+  std::uint64_t Size() const;
+  bool ReadAt(std::uint64_t offset, void* to, std::size_t length) const;
   // Copies the front of `input` to the same place here.
   bool CopyFrom(const InputFile& input, std::uint64_t length);
 

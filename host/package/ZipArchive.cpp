@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "host/package/EntryFlags.h"
 #include "host/package/ZipDirectory.h"
 #include "host/package/ZipSource.h"
 
@@ -217,6 +218,8 @@ bool ZipArchive::Write(const std::vector<ZipReplacement>& replacements, OutputFi
   }
   if (written && zip_close(state_->archive) == 0) {
     state_->archive = nullptr;
+    written = AgreeEntryFlags(output);
+    if (!written) reason = "It cannot be written: its directory cannot be read back.";
   } else {
     written = false;
     reason = std::string("It cannot be written: ") + zip_strerror(state_->archive) + ".";

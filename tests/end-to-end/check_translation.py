@@ -134,6 +134,8 @@ class Check:
         if self.source.names != self.result.names:
             self.fault("package", "other parts, or in another order")
             return
+        for name in set(self.result.quarrels()) - set(self.source.quarrels()):
+            self.fault(name, "the archive's directory has other flags than stand before the data")
         text_parts = {part.name: part for part in self.source.text_parts()}
         for name in self.source.names:
             before, after = self.source.data(name), self.result.data(name)

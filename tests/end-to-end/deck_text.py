@@ -195,6 +195,16 @@ class Deck:
     def data(self, name):
         return self.archive.read(name)
 
+    def quarrels(self):
+        """The entries whose flags in the archive's directory are not those before their data."""
+        file = self.archive.fp
+        found = []
+        for entry in self.archive.infolist():
+            file.seek(entry.header_offset + 6)
+            if int.from_bytes(file.read(2), "little") != entry.flag_bits:
+                found.append(entry.filename)
+        return found
+
     def relations(self, part):
         folder, _, name = part.rpartition("/")
         where = self.by_lower.get(f"{folder}/_rels/{name}.rels".strip("/").lower())
