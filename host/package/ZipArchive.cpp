@@ -11,7 +11,6 @@
 #include <unordered_set>
 #include <utility>
 
-#include "host/package/EntryFlags.h"
 #include "host/package/ZipDirectory.h"
 #include "host/package/ZipSource.h"
 

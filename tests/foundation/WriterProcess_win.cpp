@@ -4,26 +4,30 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
 constexpr const char* kRole = "QUILLMARCH_TEST_ROLE";
 
-// What the other process runs of this program; by itself it is no test.
-TEST(WriterProcess, DISABLED_ActsInItsRole) {
-  const char* const role = std::getenv(kRole);
-  ASSERT_NE(role, nullptr);
-  EXPECT_TRUE(ActInRole(role));
-}
+// In the other process, which runs the same program, the role takes the place of the tests.
+class OtherProcess : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    if (const char* const role = std::getenv(kRole)) std::_Exit(ActInRole(role) ? 0 : 1);
+  }
+};
+
+// The framework owns what is handed over.
+const auto* const kOtherProcess =
+    ::testing::AddGlobalTestEnvironment(std::make_unique<OtherProcess>().release());
 
 }  // namespace
 
 WriterProcess::WriterProcess(const std::string& role) {
   char program[MAX_PATH] = {};
   GetModuleFileNameA(nullptr, program, MAX_PATH);
-  std::string line = std::string("\"") + program +
-                     "\" --gtest_also_run_disabled_tests"
-                     " --gtest_filter=WriterProcess.DISABLED_ActsInItsRole";
+  std::string line = std::string("\"") + program + "\"";
   SetEnvironmentVariableA(kRole, role.c_str());
   STARTUPINFOA start = {};
   start.cb = sizeof(start);

@@ -1,4 +1,4 @@
-#include "host/package/EntryFlags.h"
+#include "host/package/ZipDirectory.h"
 
 #include <gtest/gtest.h>
 
