@@ -99,7 +99,7 @@ struct Stage {
   Stage() : pane(CPptPane::Create({thread, hands, fonts, {}, {}, {}})) { pane->OnCreate(1); }
   ~Stage() { pane->OnDestroy(); }
   test::IdleThread thread;
-  test::IdleHands hands;
+  IdleHands hands;
   test::TwoFonts fonts;
   std::shared_ptr<CPptPane> pane;
 };

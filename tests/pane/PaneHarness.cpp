@@ -92,6 +92,15 @@ void PaneHarness::RunPosts() {
   while (thread.HasPosts()) thread.RunPosts();
 }
 
+void PaneHarness::LetIn(std::size_t at, std::size_t& calls, std::function<void()> inside) {
+  host.onCall = [at, &calls, inside = std::move(inside), in = false](const std::string&) mutable {
+    if (in || ++calls != at) return;
+    in = true;
+    inside();
+    in = false;
+  };
+}
+
 void PaneHarness::Say(const std::string& json) {
   SayWide(ToWide(json));
 }

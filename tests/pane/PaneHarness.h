@@ -33,6 +33,10 @@ class PaneHarness {
   FakePresentation& deck() { return *host.presentations.front(); }
   FakeShapeRef AddSlide(const Wide& text);
 
+  // Lets `inside` in at the host's call number `at`, 1-based and 0 for never, and counts the calls
+  // from outside of it in `calls`, which must live until host.onCall is another.
+  void LetIn(std::size_t at, std::size_t& calls, std::function<void()> inside);
+
   // A message of the page, with what it leads to at once.
   void Say(const std::string& json);
   void SayWide(const Wide& json);

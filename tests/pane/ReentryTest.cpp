@@ -24,13 +24,7 @@ Outcome RunWith(PaneHarness& h, std::size_t at, Inside inside) {
   const auto one = h.AddSlide(u"one");
   const auto two = h.AddSlide(u"two");
   std::size_t count = 0;
-  bool in = false;
-  h.host.onCall = [&](const std::string&) {
-    if (in || ++count != at) return;
-    in = true;
-    inside();
-    in = false;
-  };
+  h.LetIn(at, count, inside);
   h.Say(R"({"action":"start"})");
   h.WaitForWorker();
   for (int i = 0; i < 12 && h.pane != nullptr && h.pane->runActive != 0; ++i) h.Tick();

@@ -33,13 +33,7 @@ class AlternatingRun {
   template <typename Inside>
   std::size_t With(std::size_t at, Inside inside) {
     std::size_t count = 0;
-    bool in = false;
-    h.host.onCall = [&](const std::string&) {
-      if (in || ++count != at) return;
-      in = true;
-      inside();
-      in = false;
-    };
+    h.LetIn(at, count, inside);
     h.Say(R"({"action":"startSelection"})");
     h.WaitForWorker();
     h.Finish();

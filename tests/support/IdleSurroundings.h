@@ -9,7 +9,7 @@
 
 #include "foundation/FontList.h"
 #include "foundation/HostThread.h"
-#include "foundation/InputState.h"
+#include "host/driver/IdleHands.h"
 
 namespace test {
 
@@ -43,13 +43,6 @@ class IdleThread final : public HostThread {
  private:
   std::uint64_t ticks_ = 0;
   std::deque<Callable> posts_;
-};
-
-class IdleHands final : public InputState {
- public:
-  bool LeftButtonDown() override { return false; }
-  bool HasCapture() override { return false; }
-  std::uint32_t QueueStatus(std::uint32_t) override { return 0; }
 };
 
 class TwoFonts final : public FontList {

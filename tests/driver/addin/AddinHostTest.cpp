@@ -142,12 +142,8 @@ TEST(AddinHost, TwoWindowsRunAtTheSameTime) {
 TEST(AddinHost, AnotherModeDuringARunLeavesItsPageAlone) {
   AddinScene s;
   s.AddDeck(u"hello");
-  s.panelTranslates = false;
   AddinHost addin(s.host.Application(), s.Parts());
-  ASSERT_TRUE(addin.Start());
-  ASSERT_TRUE(s.OpenPage(addin, u"btnTranslateFullDoc", s.Window(0)));
-  addin.SayStart(0, test::WholeDeck());
-  ASSERT_TRUE(s.Wait([&] { return s.batches == 1; }));
+  ASSERT_TRUE(s.RunToTheFirstRequest(addin));
   addin.Click(u"btnTranslateCurrentSlide", s.Window(0));
   s.Pass(kPastAPollMs);
   EXPECT_THAT(s.loaded, SizeIs(1));
@@ -158,12 +154,8 @@ TEST(AddinHost, AnotherModeDuringARunLeavesItsPageAlone) {
 TEST(AddinHost, AnotherPageDuringARunEndsItsRequestAndTheRunGoesOn) {
   AddinScene s;
   const FakeShapeRef shape = s.AddDeck(u"hello");
-  s.panelTranslates = false;
   AddinHost addin(s.host.Application(), s.Parts());
-  ASSERT_TRUE(addin.Start());
-  ASSERT_TRUE(s.OpenPage(addin, u"btnTranslateFullDoc", s.Window(0)));
-  addin.SayStart(0, test::WholeDeck());
-  ASSERT_TRUE(s.Wait([&] { return s.batches == 1; }));
+  ASSERT_TRUE(s.RunToTheFirstRequest(addin));
   s.panelTranslates = true;
   ASSERT_TRUE(s.OpenPage(addin, u"btnGlossary", s.Window(0)));
   ASSERT_TRUE(s.Wait([&] { return !s.records.empty(); }));
@@ -297,12 +289,8 @@ TEST(AddinHost, AHundredLivesLeaveNothingBehind) {
 TEST(AddinHost, AStopDuringARunAbortsItAndLeavesNothingBehind) {
   AddinScene s;
   const FakeShapeRef shape = s.AddDeck(u"hello");
-  s.panelTranslates = false;
   AddinHost addin(s.host.Application(), s.Parts());
-  ASSERT_TRUE(addin.Start());
-  ASSERT_TRUE(s.OpenPage(addin, u"btnTranslateFullDoc", s.Window(0)));
-  addin.SayStart(0, test::WholeDeck());
-  ASSERT_TRUE(s.Wait([&] { return s.batches == 1; }));
+  ASSERT_TRUE(s.RunToTheFirstRequest(addin));
   const std::shared_ptr<PlayedPage> page = addin.taskPanes()[0]->browser->page();
   LogCapture log;
   addin.Stop();

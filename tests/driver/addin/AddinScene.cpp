@@ -60,6 +60,13 @@ bool AddinScene::OpenPage(AddinHost& addin, const Wide& button, const ObjectRef&
   return Wait([&] { return loaded.size() > before; });
 }
 
+bool AddinScene::RunToTheFirstRequest(AddinHost& addin) {
+  panelTranslates = false;
+  if (!addin.Start() || !OpenPage(addin, u"btnTranslateFullDoc", Window(0))) return false;
+  addin.SayStart(0, WholeDeck());
+  return Wait([this] { return batches == 1; });
+}
+
 bool AddinScene::Run(AddinHost& addin, std::size_t index) {
   const std::size_t before = records.size();
   addin.SayStart(index, WholeDeck());

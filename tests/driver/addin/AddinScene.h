@@ -44,6 +44,8 @@ class AddinScene {
   }
   // Clicks, and waits for the page that the click loads.
   bool OpenPage(AddinHost& addin, const Wide& button, const ObjectRef& window);
+  // Begins to run over the first window's deck from the ribbon, up to a request that stays open.
+  bool RunToTheFirstRequest(AddinHost& addin);
   // A whole run of a task pane's page; true when its record has come.
   bool Run(AddinHost& addin, std::size_t index);
 
