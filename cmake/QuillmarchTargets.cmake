@@ -12,6 +12,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # GCC 12 sees overlapping copies in "x" + std::string at -O3 where there are none.
   target_compile_options(quillmarch_options INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  # Its -Wconversion also asks for what GCC calls -Wsign-conversion.
+  target_compile_options(quillmarch_options INTERFACE -Wno-sign-conversion)
+  target_link_options(quillmarch_options INTERFACE -fuse-ld=lld)
+endif()
 if(QUILLMARCH_SANITIZE)
   target_compile_options(quillmarch_options INTERFACE
     -fsanitize=${QUILLMARCH_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
@@ -22,10 +27,14 @@ if(WIN32)
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
 endif()
 
-# The folder's own sources that this platform builds: X.cpp always, X_win.cpp or X_posix.cpp by
-# platform.
+# The sources of this folder, and of its sub-folders named after `out`, that this platform builds:
+# X.cpp always, X_win.cpp or X_posix.cpp by platform.
 function(quillmarch_sources out)
-  file(GLOB found CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  set(patterns ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  foreach(folder IN LISTS ARGN)
+    list(APPEND patterns ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  endforeach()
+  file(GLOB found CONFIGURE_DEPENDS ${patterns})
   if(WIN32)
     list(FILTER found EXCLUDE REGEX "_posix\\.cpp$")
   else()
@@ -34,27 +43,22 @@ function(quillmarch_sources out)
   set(${out} ${found} PARENT_SCOPE)
 endfunction()
 
-# One room of the house: a static library of the folder's sources, or of those that ONLY names, or
-# of all but those that EXCEPT names; both are regular expressions over file names.
-#   quillmarch_room(NAME LINK lib... [ONLY regex] [EXCEPT regex])
+# One room of the house: a static library of the folder's sources and those of the named sub-folders.
+#   quillmarch_room(NAME LINK lib... [FOLDERS folder...])
 function(quillmarch_room name)
-  cmake_parse_arguments(ROOM "" "ONLY;EXCEPT" "LINK" ${ARGN})
-  quillmarch_sources(sources)
-  if(ROOM_ONLY)
-    list(FILTER sources INCLUDE REGEX "/(${ROOM_ONLY})(_win|_posix)?\\.cpp$")
-  elseif(ROOM_EXCEPT)
-    list(FILTER sources EXCLUDE REGEX "/(${ROOM_EXCEPT})(_win|_posix)?\\.cpp$")
-  endif()
+  cmake_parse_arguments(ROOM "" "" "LINK;FOLDERS" ${ARGN})
+  quillmarch_sources(sources ${ROOM_FOLDERS})
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC ${ROOM_LINK} PRIVATE quillmarch_options)
 endfunction()
 
 # One test program of the folder's sources, one entry in ctest. OWN_HOME keeps what it writes for a
 # user in a folder of its own; under Wine the prefix does.
-#   quillmarch_test(NAME LINK lib... [OWN_HOME] [LABELS label...] [TIMEOUT seconds])
+#   quillmarch_test(NAME LINK lib... [FOLDERS folder...] [OWN_HOME] [LABELS label...]
+#                   [TIMEOUT seconds])
 function(quillmarch_test name)
-  cmake_parse_arguments(T "OWN_HOME" "TIMEOUT" "LINK;LABELS" ${ARGN})
-  quillmarch_sources(sources)
+  cmake_parse_arguments(T "OWN_HOME" "TIMEOUT" "LINK;FOLDERS;LABELS" ${ARGN})
+  quillmarch_sources(sources ${T_FOLDERS})
   if(T_OWN_HOME AND NOT WIN32)
     list(APPEND sources ${CMAKE_SOURCE_DIR}/tests/support/home/TestHome.cpp)
   endif()

@@ -4,8 +4,11 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "foundation/JsonText.h"
-#include "foundation/JsonTextReference.h"
+#include "foundation/settings/TargetStyle.h"
+#include "foundation/text/JsonText.h"
+#include "foundation/text/JsonTextReference.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -40,3 +43,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Require(JsonGetString(u"{\"k\":\"" + JsonEscape(json) + u"\"}", u"k") == json);
   return 0;
 }
+
+}  // namespace quillmarch::addin

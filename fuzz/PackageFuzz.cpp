@@ -8,12 +8,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "host/package/Namespaces.h"
 #include "host/package/Package.h"
-#include "host/package/Utf16Xml.h"
-#include "host/package/XmlCheck.h"
-#include "host/package/XmlText.h"
-#include "package/XmlJudge.h"
+#include "host/package/xml/Namespaces.h"
+#include "host/package/xml/Utf16Xml.h"
+#include "host/package/xml/XmlCheck.h"
+#include "host/package/xml/XmlText.h"
+#include "package/xml/XmlJudge.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -109,3 +111,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   return 0;
 }
+
+}  // namespace quillmarch::host

@@ -10,6 +10,10 @@
 #include "pane/PanelTransport.h"
 #include "support/IdleSurroundings.h"
 
+namespace quillmarch::host {
+
+using namespace addin;
+
 namespace {
 
 class DeafPage final : public WebView {
@@ -84,3 +88,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Answer(thread, text);
   return 0;
 }
+
+}  // namespace quillmarch::host

@@ -5,8 +5,12 @@
 #include <string_view>
 #include <vector>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "translate/ResponseChecks.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
 
 namespace {
 
@@ -68,3 +72,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   RequireRoundTrip(Pieces(text));
   return 0;
 }
+
+}  // namespace quillmarch::host

@@ -8,8 +8,10 @@
 #include <string>
 
 #include "host/deck/Deck.h"
-#include "host/deck/RunPropertiesEdit.h"
-#include "host/package/XmlCheck.h"
+#include "host/deck/text/RunPropertiesEdit.h"
+#include "host/package/xml/XmlCheck.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -149,3 +151,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   });
   return 0;
 }
+
+}  // namespace quillmarch::host

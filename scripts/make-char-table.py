@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes client/ppt-addin/foundation/CharClassTable.cpp: which UTF-16 units Windows classes as
+"""Writes client/ppt-addin/foundation/text/CharClassTable.cpp: which UTF-16 units Windows classes as
 letters, blanks and digits.
 
 Windows keeps these classes in its own table (CT_CTYPE1). It follows the general categories of
@@ -18,7 +18,7 @@ import unicodedata
 # The version whose letters the add-in knows; a Python with another one would move them unseen.
 UNICODE_VERSION = "14.0.0"
 TARGET = (pathlib.Path(__file__).resolve().parent.parent
-          / "client/ppt-addin/foundation/CharClassTable.cpp")
+          / "client/ppt-addin/foundation/text/CharClassTable.cpp")
 
 LETTERS = {"Lu", "Ll", "Lt", "Lm", "Lo", "Nl"}
 SEPARATORS = {"Zs", "Zl", "Zp"}
@@ -60,12 +60,13 @@ def source():
     lines = ["// Made by scripts/make-char-table.py from Unicode " + UNICODE_VERSION
              + "; change the script, not this file.",
              "// clang-format off", "",
-             '#include "foundation/CharClassTable.h"', "", "namespace {", ""]
+             '#include "foundation/text/CharClassTable.h"', "", "namespace quillmarch {", "", "namespace {", ""]
     for name, bits in classes():
         lines += table(name, bits)
     lines += ["}  // namespace", ""]
     for name, _ in classes():
         lines.append(f"const CharClassTable k{name}Table = {{k{name}Pages, k{name}Blocks}};")
+    lines += ["", "}  // namespace quillmarch"]
     return "\n".join(lines) + "\n"
 
 

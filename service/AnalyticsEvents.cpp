@@ -5,6 +5,8 @@
 
 #include "service/JsonText.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 using Json = nlohmann::json;
@@ -101,3 +103,5 @@ EventsAnswer AnswerEvents(const std::string& body) {
   answer.body = "{\"accepted\":" + std::to_string(answer.lines.size()) + "}";
   return answer;
 }
+
+}  // namespace quillmarch::service

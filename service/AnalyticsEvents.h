@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::service {
+
 struct EventsAnswer {
   int status = 200;
   // Never empty: an add-in takes an answer without text for a failure.
@@ -20,3 +22,5 @@ inline constexpr std::size_t kMaxEventsBytes = 64u << 10;
 
 // All events of a body are taken, or none. Never throws for what a client sends.
 EventsAnswer AnswerEvents(const std::string& body);
+
+}  // namespace quillmarch::service

@@ -12,6 +12,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace quillmarch::service {
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -211,3 +213,5 @@ void ClientConnection::Close(bool unread) {
     if (got < 0 && errno != EINTR && (errno != EAGAIN || !Wait(Direction::kReading))) return;
   }
 }
+
+}  // namespace quillmarch::service

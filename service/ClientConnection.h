@@ -12,6 +12,8 @@
 struct ssl_ctx_st;
 struct ssl_st;
 
+namespace quillmarch::service {
+
 // A server's TLS settings.
 using TlsContext = std::shared_ptr<ssl_ctx_st>;
 // Null and a sentence in `error` when the PEM files can't be used or don't belong together.
@@ -69,3 +71,5 @@ class ClientConnection {
   bool stopping_ = false;
   Clock::time_point stopDeadline_;
 };
+
+}  // namespace quillmarch::service

@@ -22,6 +22,8 @@
 #include "service/TokenTable.h"
 #include "service/TranslateRequest.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -370,3 +372,5 @@ std::unique_ptr<Service> ServeHttp(const ServiceOptions& options, int listeningS
   if (!server->Run(error)) return nullptr;
   return server;
 }
+
+}  // namespace quillmarch::service

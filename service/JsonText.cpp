@@ -4,6 +4,8 @@
 
 #include "service/Utf8.h"
 
+namespace quillmarch::service {
+
 void AppendJsonString(std::string& out, std::string_view text) {
   static constexpr char kHex[] = "0123456789abcdef";
   out += '"';
@@ -51,3 +53,5 @@ std::string ErrorJson(std::string_view code, std::string_view message) {
   out += '}';
   return out;
 }
+
+}  // namespace quillmarch::service

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace quillmarch::service {
+
 // Appends `text` as a JSON string with its quotes. Non-ASCII stays raw UTF-8. Control characters
 // other than tab, line feed and carriage return go out as \u00xx and never as \b or \f: the
 // add-in's reader takes those for plain letters.
@@ -14,3 +16,5 @@ void AppendJsonStrings(std::string& out, const std::vector<std::string>& texts);
 
 // {"code":...,"message":...}
 std::string ErrorJson(std::string_view code, std::string_view message);
+
+}  // namespace quillmarch::service

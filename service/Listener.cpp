@@ -10,6 +10,8 @@
 #include <cstring>
 #include <memory>
 
+namespace quillmarch::service {
+
 namespace {
 
 constexpr int kBacklog = 128;
@@ -62,3 +64,5 @@ Listener OpenListener(const std::string& address, std::uint16_t port, std::strin
   listener.port = BoundPort(listener.socket);
   return listener;
 }
+
+}  // namespace quillmarch::service

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+namespace quillmarch::service {
+
 struct Listener {
   int socket = -1;  // the caller closes it
   std::uint16_t port = 0;
@@ -13,3 +15,5 @@ struct Listener {
 // Listens on a numeric address or a host name; port 0 takes any free one. socket stays -1 and
 // `error` gets a sentence on failure. Accepted connections send without delay.
 Listener OpenListener(const std::string& address, std::uint16_t port, std::string& error);
+
+}  // namespace quillmarch::service

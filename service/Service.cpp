@@ -5,6 +5,8 @@
 #include "service/HttpServer.h"
 #include "service/Listener.h"
 
+namespace quillmarch::service {
+
 std::unique_ptr<Service> Service::Start(const ServiceOptions& options,
                                         std::unique_ptr<Engine> engine, std::string& error) {
   if (!engine) {
@@ -15,3 +17,5 @@ std::unique_ptr<Service> Service::Start(const ServiceOptions& options,
   if (listener.socket < 0) return nullptr;
   return ServeHttp(options, listener.socket, listener.port, std::move(engine), error);
 }
+
+}  // namespace quillmarch::service

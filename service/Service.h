@@ -12,6 +12,8 @@
 
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 struct ServiceOptions {
   std::string address = "127.0.0.1";  // bound to loopback unless told otherwise
   std::uint16_t port = 0;             // 0: any free port
@@ -47,3 +49,5 @@ class Service {
   // Takes no new request, ends the open ones within a second, then returns. Idempotent.
   virtual void Stop() = 0;
 };
+
+}  // namespace quillmarch::service

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <sstream>
 
+namespace quillmarch::service {
+
 namespace {
 
 constexpr std::string_view kScheme = "bearer ";
@@ -96,3 +98,5 @@ void TokenTable::GiveBack(std::size_t token, std::uint64_t credits) {
   const std::lock_guard lock(mutex_);
   if (entries_[token].limited) entries_[token].left += credits;
 }
+
+}  // namespace quillmarch::service

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+namespace quillmarch::service {
+
 // Credits are counted in UTF-16 units of source text that were translated, since the service's
 // start. All functions may be called on any thread.
 class TokenTable {
@@ -37,3 +39,5 @@ class TokenTable {
   std::vector<Entry> entries_;
   std::mutex mutex_;
 };
+
+}  // namespace quillmarch::service

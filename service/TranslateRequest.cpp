@@ -8,6 +8,8 @@
 #include "service/JsonText.h"
 #include "service/Utf8.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 using Json = nlohmann::json;
@@ -169,3 +171,5 @@ TranslateAnswer AnswerTranslate(const std::string& body, std::size_t maxTexts, E
   answer.body += '}';
   return counted(std::move(answer));
 }
+
+}  // namespace quillmarch::service

@@ -9,6 +9,8 @@
 #include "service/TokenTable.h"
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 struct TranslateAnswer {
   int status = 200;
   std::string body;
@@ -22,3 +24,5 @@ struct TranslateAnswer {
 TranslateAnswer AnswerTranslate(const std::string& body, std::size_t maxTexts, Engine& engine,
                                 TokenTable& tokens, std::optional<std::size_t> token,
                                 const std::atomic<bool>& stop);
+
+}  // namespace quillmarch::service

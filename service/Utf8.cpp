@@ -1,5 +1,7 @@
 #include "service/Utf8.h"
 
+namespace quillmarch::service {
+
 namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 }  // namespace
@@ -107,3 +109,5 @@ TrimmedText TrimBlanks(std::string_view text) {
   }
   return {text.substr(0, begin), text.substr(begin, end - begin), text.substr(end)};
 }
+
+}  // namespace quillmarch::service

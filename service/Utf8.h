@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace quillmarch::service {
+
 // Decodes the character at `at` and moves `at` behind it. What is no UTF-8 (a stray or missing
 // continuation byte, an overlong form, a surrogate, a value above U+10FFFF) gives U+FFFD and moves
 // on by one byte. `at` must be inside the text.
@@ -29,3 +31,5 @@ struct TrimmedText {
   std::string_view trailing;
 };
 TrimmedText TrimBlanks(std::string_view text);
+
+}  // namespace quillmarch::service

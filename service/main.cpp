@@ -12,6 +12,8 @@
 #include "service/Service.h"
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 constexpr int kExitFailure = 1;
@@ -55,7 +57,10 @@ bool IsLoopback(const std::string& address) {
 
 }  // namespace
 
+}  // namespace quillmarch::service
+
 int main(int argc, char** argv) {
+  using namespace quillmarch::service;
   ServiceOptions service;
   EngineOptions engine;
   std::string logFile;

@@ -3,22 +3,14 @@
 
     check_layers.py ROOT
 
-Finds includes that point upwards or sideways, and circles of includes between files.
+Finds includes that point upwards or sideways, circles of includes between files, rows of the table without a
+folder, folders of more than 40 files and files of more than 600 lines.
 """
 import pathlib
 import re
 import sys
 
 ADD_IN = "client/ppt-addin"
-ROOMS = ["client/ppt-addin/foundation", "client/ppt-addin/translate", "client/ppt-addin/terminology",
-         "client/ppt-addin/run", "client/ppt-addin/chart", "client/ppt-addin/pane", "client/ppt-addin/shell",
-         "client/ppt-addin/resources", "host/package", "host/deck", "host/layout", "host/model", "host/remote",
-         "host/thread", "host/browser", "host/driver", "host/cli", "service"]
-# What chart may know of the run: the plain records and text rules.
-RUN_RECORDS = {f"{ADD_IN}/run/{name}.h" for name in (
-    "TextUnit", "UnitLocator", "ShapePath", "ShouldSkip", "FlattenTranslation", "RunParams", "RunRecord")}
-HOST = {room for room in ROOMS if room.startswith("host/")}
-CLIENT = {room for room in ROOMS if room.startswith(ADD_IN)}
 
 
 def add_in(*names):
@@ -26,34 +18,49 @@ def add_in(*names):
 
 
 # The add-in's interfaces that the headless host serves or takes part in.
-AUTOMATION = add_in("foundation")
+SHARED = add_in("foundation")
+HOST = {f"host/{room}" for room in ("package", "deck", "geometry", "layout", "model", "remote", "thread", "driver")}
+# Each room with those below it. A file may include its own room; a room also stands for its sub-folders, unless
+# they have rows of their own.
 MAY_INCLUDE = {
-    **{f"{ADD_IN}/{room}": add_in(*below) for room, below in {
-        "foundation": ("resources",), "translate": ("foundation",), "terminology": ("foundation", "translate"),
-        "run": ("foundation", "translate", "chart"), "chart": ("foundation",),
-        "pane": ("foundation", "translate", "terminology", "run", "chart", "resources"),
-        "shell": ("foundation", "translate", "terminology", "run", "chart", "pane", "resources"),
-        "resources": ("foundation",)}.items()},
-    "host/package": set(),
-    "host/deck": {"host/package"} | AUTOMATION,
-    "host/layout": AUTOMATION,
-    "host/model": {"host/deck", "host/layout", "host/package"} | AUTOMATION,
-    "host/remote": {"host/model", "host/package"} | AUTOMATION,
-    "host/thread": AUTOMATION,
-    "host/browser": {"host/thread"} | AUTOMATION,
-    "host/driver": (HOST - {"host/cli"}) | CLIENT,
-    "host/cli": HOST | CLIENT | {"service"},
-    "service": AUTOMATION,
+    f"{ADD_IN}/resources": add_in("foundation/text"),
+    f"{ADD_IN}/foundation/text": set(),
+    f"{ADD_IN}/foundation/system": add_in("foundation/text"),
+    f"{ADD_IN}/foundation/log": add_in("foundation/text", "foundation/system"),
+    f"{ADD_IN}/foundation/automation": add_in("foundation/text", "foundation/system", "foundation/log"),
+    f"{ADD_IN}/foundation/seams": add_in("foundation/text", "foundation/system", "foundation/log",
+                                         "foundation/automation"),
+    f"{ADD_IN}/foundation/settings": add_in("foundation/text", "foundation/system", "foundation/log",
+                                            "foundation/automation", "resources"),
+    f"{ADD_IN}/foundation/transport": add_in("foundation/text", "foundation/system", "foundation/log"),
+    f"{ADD_IN}/foundation/identity": add_in("foundation/text", "foundation/system", "foundation/log",
+                                            "foundation/automation", "foundation/transport"),
+    f"{ADD_IN}/translate": add_in("foundation"),
+    f"{ADD_IN}/terminology": add_in("foundation", "translate"),
+    f"{ADD_IN}/run": add_in("foundation", "translate", "run"),
+    f"{ADD_IN}/pane": add_in("foundation", "translate", "terminology", "run", "resources"),
+    f"{ADD_IN}/shell": add_in("foundation", "translate", "terminology", "run", "pane", "resources"),
+    "host/package": SHARED,
+    "host/deck": {"host/package"} | SHARED,
+    "host/geometry": {"host/deck", "host/package"} | SHARED,
+    "host/layout": SHARED,
+    "host/model": {"host/deck", "host/geometry", "host/layout", "host/package"} | SHARED,
+    "host/remote": {"host/model", "host/package"} | SHARED,
+    "host/thread": SHARED,
+    "host/driver": HOST | {ADD_IN},
+    "host/cli": HOST | {ADD_IN, "service"},
+    "service": SHARED,
 }
-SINGLE_FILES = {
-    f"{ADD_IN}/chart": RUN_RECORDS,
-    f"{ADD_IN}/foundation": {f"{ADD_IN}/translate/HttpTransport.h"},
-}
+MOST_FILES = 40
+MOST_LINES = 600
+SOURCES = {".h", ".cpp", ".py"}
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 
 
 def room_of(path):
-    return next((room for room in ROOMS if path.startswith(room + "/")), None)
+    """The room with the longest name that holds the file."""
+    rooms = [room for room in MAY_INCLUDE if path.startswith(room + "/")]
+    return max(rooms, key=len, default=None)
 
 
 def resolve(root, including, name):
@@ -82,9 +89,25 @@ def wrong_directions(graph):
             yield f"{name} lies in no room of the table"
             continue
         for target in targets:
-            allowed = MAY_INCLUDE[room] | {room}
-            if room_of(target) not in allowed and target not in SINGLE_FILES.get(room, ()):
+            if not any(target.startswith(below + "/") for below in MAY_INCLUDE[room] | {room}):
                 yield f"{name} includes {target}, which {room} may not know"
+
+
+def missing_rooms(root):
+    for room in MAY_INCLUDE:
+        if not (root / room).is_dir():
+            yield f"{room} has a row in the table and no folder"
+
+
+def crowded_rooms(root):
+    for top in ("client", "host", "service", "tests", "bench", "fuzz"):
+        for folder in sorted(path for path in (root / top).rglob("*") if path.is_dir()):
+            files = sum(path.is_file() for path in folder.iterdir() if path.suffix != ".pyc")
+            if files > MOST_FILES:
+                yield f"{folder.relative_to(root)} holds {files} files; {MOST_FILES} are the most"
+        for path in sorted((root / top).rglob("*")):
+            if path.suffix in SOURCES and len(path.read_text(encoding="utf-8").splitlines()) > MOST_LINES:
+                yield f"{path.relative_to(root)} is longer than {MOST_LINES} lines"
 
 
 def circles(graph):
@@ -110,7 +133,8 @@ def circles(graph):
 if __name__ == "__main__":
     if len(sys.argv) != 2:
         sys.exit(__doc__)
-    includes = graph_of(pathlib.Path(sys.argv[1]))
-    faults = [*wrong_directions(includes), *circles(includes)]
+    tree = pathlib.Path(sys.argv[1])
+    includes = graph_of(tree)
+    faults = [*wrong_directions(includes), *circles(includes), *missing_rooms(tree), *crowded_rooms(tree)]
     print("\n".join(faults) or f"{len(includes)} files include downwards only")
     sys.exit(1 if faults or not includes else 0)

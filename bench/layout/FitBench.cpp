@@ -8,10 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Automation.h"
-#include "foundation/HostMembers.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
-#include "run/FitShape.h"
+#include "run/write/FitShape.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
 
 namespace {
 
@@ -94,7 +98,10 @@ BENCHMARK_CAPTURE(Fit, WhatNeverFits, 0.5F, 18.0F)
     ->Range(1, 512)
     ->Unit(benchmark::kMicrosecond);
 
+}  // namespace quillmarch::host
+
 int main(int count, char** arguments) {
+  using namespace quillmarch::host;
   std::string home = (std::filesystem::temp_directory_path() / "quillmarch-bench-XXXXXX").string();
   if (mkdtemp(home.data()) == nullptr) return 1;
   setenv("XDG_DATA_HOME", home.c_str(), 1);

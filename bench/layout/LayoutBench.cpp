@@ -6,6 +6,8 @@
 
 #include "host/layout/TextLayout.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr const char16_t* kEnglish =
@@ -79,3 +81,5 @@ BENCHMARK_CAPTURE(LayOutAgain, Chinese, kChinese)->Arg(1)->Arg(8)->Unit(benchmar
 BENCHMARK_CAPTURE(LayOutAgain, Arabic, kArabic)->Arg(1)->Arg(8)->Unit(benchmark::kMicrosecond);
 BENCHMARK(LayOutNewWords)->Unit(benchmark::kMicrosecond);
 BENCHMARK(OpenFonts)->Unit(benchmark::kMillisecond);
+
+}  // namespace quillmarch::host

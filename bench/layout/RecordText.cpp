@@ -2,6 +2,8 @@
 
 #include <unicode/unistr.h>
 
+namespace quillmarch::host {
+
 namespace {
 
 using nlohmann::json;
@@ -84,3 +86,5 @@ layout::LayoutFrame FrameOf(const json& record) {
   }
   return frame;
 }
+
+}  // namespace quillmarch::host

@@ -5,4 +5,8 @@
 
 #include "host/layout/LayoutText.h"
 
+namespace quillmarch::host {
+
 layout::LayoutFrame FrameOf(const nlohmann::json& record);
+
+}  // namespace quillmarch::host

@@ -9,6 +9,7 @@
 #include "host/layout/TextLayout.h"
 
 int main() {
+  using namespace quillmarch::host;
   layout::TextLayout layout;
   std::string text;
   while (std::getline(std::cin, text)) {

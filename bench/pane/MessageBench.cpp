@@ -9,10 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "pane/CPptPane.h"
 #include "pane/PanelTransport.h"
 #include "support/IdleSurroundings.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
 
 namespace {
 
@@ -210,7 +214,10 @@ class Judge final : public benchmark::ConsoleReporter {
 
 }  // namespace
 
+}  // namespace quillmarch::host
+
 int main(int argc, char** argv) {
+  using namespace quillmarch::host;
   RegisterReaders();
   RegisterMessages();
   benchmark::Initialize(&argc, argv);

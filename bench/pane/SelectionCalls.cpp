@@ -4,11 +4,15 @@
 #include <cstdio>
 #include <functional>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
 #include "host/model/CallCount.h"
 #include "host/model/Host.h"
-#include "run/LocateSelected.h"
-#include "run/SelectionPreview.h"
+#include "run/collect/LocateSelected.h"
+#include "run/collect/SelectionPreview.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
 
 namespace {
 
@@ -42,7 +46,10 @@ ObjectRef Item(const ObjectRef& list, std::int32_t index) {
 
 }  // namespace
 
+}  // namespace quillmarch::host
+
 int main(int argc, char** argv) {
+  using namespace quillmarch::host;
   if (argc != 2) {
     std::fputs("bench_selection DECK\n", stderr);
     return 2;

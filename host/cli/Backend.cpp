@@ -5,12 +5,14 @@
 #include <array>
 #include <cstdint>
 
-#include "translate/Endpoint.h"
-#include "translate/HttpTransport.h"
+#include "foundation/transport/Endpoint.h"
+#include "foundation/transport/HttpTransport.h"
+
+namespace quillmarch::host {
 
 namespace {
 
-// Keeps every other process of the machine from using the embedded service.
+// Keeps every other process of the machine from using the embedded serviceOptions.
 std::string RandomToken() {
   std::array<std::uint8_t, 16> bytes{};
   if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size())) return {};
@@ -34,22 +36,24 @@ std::unique_ptr<Backend> Backend::Make(const TranslateOptions& options, std::str
     return backend;
   }
 
-  if (!EngineServesPair(options.engine, options.sourceLang, options.targetLang, error)) {
+  if (!service::EngineServesPair(options.engine, options.sourceLang, options.targetLang, error)) {
     return nullptr;
   }
-  std::unique_ptr<Engine> engine = MakeEngine(options.engine, error);
+  std::unique_ptr<service::Engine> engine = service::MakeEngine(options.engine, error);
   if (engine == nullptr) return nullptr;
   const std::string token = RandomToken();
   if (token.empty()) {
     error = "the system gives no random numbers";
     return nullptr;
   }
-  ServiceOptions service;
-  service.tokens = {token};
-  service.threads = 0;
-  backend->service_ = Service::Start(service, std::move(engine), error);
+  service::ServiceOptions serviceOptions;
+  serviceOptions.tokens = {token};
+  serviceOptions.threads = 0;
+  backend->service_ = service::Service::Start(serviceOptions, std::move(engine), error);
   if (backend->service_ == nullptr) return nullptr;
   backend->accessToken_ = ToWide(token);
   ReplaceDefaultEndpoint({u"127.0.0.1", backend->service_->port(), false});
   return backend;
 }
+
+}  // namespace quillmarch::host

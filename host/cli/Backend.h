@@ -5,9 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 #include "host/cli/Options.h"
 #include "service/Service.h"
+
+namespace quillmarch::host {
 
 class Backend {
  public:
@@ -19,6 +21,8 @@ class Backend {
   const Wide& accessToken() const { return accessToken_; }
 
  private:
-  std::unique_ptr<Service> service_;
+  std::unique_ptr<service::Service> service_;
   Wide accessToken_;
 };
+
+}  // namespace quillmarch::host

@@ -10,6 +10,8 @@
 
 #include "host/cli/Sentences.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::chrono::milliseconds kRedrawInterval{100};
@@ -110,3 +112,5 @@ void Console::ClearProgress() {
   barShown_ = false;
   WriteError("\r\033[K");
 }
+
+}  // namespace quillmarch::host

@@ -7,6 +7,8 @@
 
 #include "host/cli/ProgressLine.h"
 
+namespace quillmarch::host {
+
 struct ConsoleOptions {
   bool quiet = false;  // errors and warnings alone
   bool json = false;   // standard output belongs to the events
@@ -46,3 +48,5 @@ class Console {
   std::chrono::steady_clock::time_point lastShown_;
   std::int32_t lastTexts_ = -1;
 };
+
+}  // namespace quillmarch::host

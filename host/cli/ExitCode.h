@@ -3,6 +3,8 @@
 
 #include <initializer_list>
 
+namespace quillmarch::host {
+
 inline constexpr int kExitOk = 0;
 inline constexpr int kExitRunFailed = 1;
 inline constexpr int kExitBadInput = 2;    // or usage
@@ -16,3 +18,5 @@ constexpr int GraverExit(int first, int second) {
   }
   return kExitOk;
 }
+
+}  // namespace quillmarch::host

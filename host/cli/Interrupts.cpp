@@ -10,6 +10,8 @@
 
 #include "host/cli/ExitCode.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr int kGraceMs = 2000;
@@ -97,3 +99,5 @@ void Interrupts::LeaveAtOnce() {
   [[maybe_unused]] const auto written = write(STDERR_FILENO, kWords, sizeof(kWords) - 1);
   _exit(kExitCancelled);
 }
+
+}  // namespace quillmarch::host

@@ -8,6 +8,8 @@
 #include <mutex>
 #include <thread>
 
+namespace quillmarch::host {
+
 class Interrupts {
  public:
   // `onFirst` runs on the watching thread. A signal that the command was started to ignore stays
@@ -32,3 +34,5 @@ class Interrupts {
   int readEnd_ = -1;
   std::thread watcher_;
 };
+
+}  // namespace quillmarch::host

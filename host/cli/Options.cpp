@@ -12,6 +12,8 @@
 #include "host/cli/TerminalText.h"
 #include "host/cli/TokenFile.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr const char* kExamples = R"(Examples:
@@ -276,3 +278,5 @@ CommandLine ReadCommandLine(int argc, const char* const* argv) {
   line.run = true;
   return line;
 }
+
+}  // namespace quillmarch::host

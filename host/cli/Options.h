@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "foundation/transport/Endpoint.h"
 #include "host/cli/OutputPlan.h"
 #include "host/cli/SelectOption.h"
 #include "service/engines/Engine.h"
-#include "translate/Endpoint.h"
+
+namespace quillmarch::host {
 
 struct TranslateOptions {
   std::vector<std::string> decks;
@@ -22,7 +24,7 @@ struct TranslateOptions {
   Endpoint service;
   std::string accessToken;
   std::string authorityFile;
-  EngineOptions engine;
+  service::EngineOptions engine;
   bool paced = false;
   bool json = false;
   bool stats = false;
@@ -39,3 +41,5 @@ struct CommandLine {
 
 // Reads the command line; files named there (a token file) are read too.
 CommandLine ReadCommandLine(int argc, const char* const* argv);
+
+}  // namespace quillmarch::host

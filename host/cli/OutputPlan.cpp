@@ -10,6 +10,8 @@
 
 #include "host/cli/TerminalText.h"
 
+namespace quillmarch::host {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -117,3 +119,5 @@ bool OutputWritable(const DeckJob& job, std::string& error) {
   }
   return true;
 }
+
+}  // namespace quillmarch::host

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::host {
+
 struct OutputRule {
   std::string file;       // --output
   std::string directory;  // --output-dir
@@ -24,3 +26,5 @@ bool PlanOutputs(const std::vector<std::string>& decks, const OutputRule& rule,
 // Whether the job's output may be written as far as can be told beforehand; a sentence without the
 // file's name in `error`.
 bool OutputWritable(const DeckJob& job, std::string& error);
+
+}  // namespace quillmarch::host

@@ -6,6 +6,8 @@
 #include "host/cli/Sentences.h"
 #include "host/cli/TerminalText.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::size_t kNarrowestBar = 10;
@@ -67,3 +69,5 @@ std::string FormatProgress(const RunProgress& progress, std::size_t columns) {
   }
   return counts;
 }
+
+}  // namespace quillmarch::host

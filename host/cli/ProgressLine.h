@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+namespace quillmarch::host {
+
 struct RunProgress {
   std::string deck;         // printable name, with "[2/5] " before it when there are several
   std::int32_t slides = 0;  // slides looked through
@@ -19,3 +21,5 @@ std::string FormatProgress(const RunProgress& progress, std::size_t columns);
 
 // "0:07", "12:30", "1:02:03".
 std::string FormatDuration(double seconds);
+
+}  // namespace quillmarch::host

@@ -8,6 +8,8 @@
 #include "host/cli/Sentences.h"
 #include "host/cli/TerminalText.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::size_t kSourceColumns = 60;
@@ -35,17 +37,17 @@ std::string CallsLine(const char* phase, std::uint64_t invokes, std::uint64_t lo
   return line;
 }
 
-std::int32_t Translated(const RunRecord& record) {
+std::int32_t Translated(const addin::RunRecord& record) {
   return record.units - record.unchanged - static_cast<std::int32_t>(record.failed.size());
 }
 
 }  // namespace
 
-bool ReachedTheDeck(const RunRecord& record) {
+bool ReachedTheDeck(const addin::RunRecord& record) {
   return record.failed.empty() && record.slidesNotReached.empty();
 }
 
-std::string OutcomeLine(const DeckJob& job, const RunRecord& record, double seconds) {
+std::string OutcomeLine(const DeckJob& job, const addin::RunRecord& record, double seconds) {
   const std::string deck = PlainLine(job.input);
   const bool same = job.input == job.output;
   if (record.units == 0) {
@@ -60,10 +62,10 @@ std::string OutcomeLine(const DeckJob& job, const RunRecord& record, double seco
   return line;
 }
 
-std::vector<std::string> LostTextLines(const RunRecord& record) {
+std::vector<std::string> LostTextLines(const addin::RunRecord& record) {
   std::vector<std::string> lines;
   std::set<std::int32_t> named;
-  for (const FailedUnit& unit : record.failed) {
+  for (const addin::FailedUnit& unit : record.failed) {
     named.insert(unit.slide);
     std::string line = "slide " + std::to_string(unit.slide) + ", " + PlainLine(ToUtf8(unit.label));
     if (unit.row > 0) {
@@ -80,7 +82,7 @@ std::vector<std::string> LostTextLines(const RunRecord& record) {
 }
 
 std::vector<std::string> StatsLines(const RunReport& report, const DeckTimes& times) {
-  const RunRecord& record = report.record;
+  const addin::RunRecord& record = report.record;
   rusage usage = {};
   getrusage(RUSAGE_SELF, &usage);
   return {
@@ -94,3 +96,5 @@ std::vector<std::string> StatsLines(const RunReport& report, const DeckTimes& ti
       "peak memory: " + Fixed(static_cast<double>(usage.ru_maxrss) / 1024.0, 1) + " MB",
   };
 }
+
+}  // namespace quillmarch::host

@@ -6,6 +6,8 @@
 
 #include "host/cli/TerminalText.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::int32_t kMostSlides = 1000000;
@@ -157,3 +159,5 @@ std::string SelectIn(Host& host, const SelectOption& select) {
   }
   return {};
 }
+
+}  // namespace quillmarch::host

@@ -7,6 +7,8 @@
 
 #include "host/model/Host.h"
 
+namespace quillmarch::host {
+
 struct SelectOption {
   enum class Kind : std::uint8_t { kNothing, kSlides, kShapes, kText };
   Kind kind = Kind::kNothing;
@@ -24,3 +26,5 @@ bool ReadSelect(const std::vector<std::string>& values, SelectOption& select, st
 
 // Selects in the host's active window; a sentence when the deck has no such thing.
 std::string SelectIn(Host& host, const SelectOption& select);
+
+}  // namespace quillmarch::host

@@ -4,6 +4,8 @@
 
 #include "host/cli/TerminalText.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::size_t kLongestMessage = 200;
@@ -85,3 +87,5 @@ std::string FailureSentence(WideView code, WideView message) {
 std::string Counted(std::int64_t count, const char* noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
+
+}  // namespace quillmarch::host

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <string>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::host {
 
 // One sentence without its full stop for the code of a failed run. The service's own `message`
 // follows in brackets where it is plain English text and says more.
@@ -12,3 +14,5 @@ std::string FailureSentence(WideView code, WideView message);
 
 // "1 text", "2 texts".
 std::string Counted(std::int64_t count, const char* noun);
+
+}  // namespace quillmarch::host

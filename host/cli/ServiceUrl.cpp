@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::uint16_t kHttpPort = 80;
@@ -63,3 +65,5 @@ bool ParseServiceUrl(std::string_view url, Endpoint& endpoint, std::string& erro
   }
   return true;
 }
+
+}  // namespace quillmarch::host

@@ -4,8 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "translate/Endpoint.h"
+#include "foundation/transport/Endpoint.h"
+
+namespace quillmarch::host {
 
 // Reads "http://host[:port]" or "https://host[:port]"; an IPv6 host stands in brackets. Anything
 // else, also a path, is false with a sentence in `error`.
 bool ParseServiceUrl(std::string_view url, Endpoint& endpoint, std::string& error);
+
+}  // namespace quillmarch::host

@@ -4,7 +4,9 @@
 #include <iterator>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -103,3 +105,5 @@ std::string ShortenFront(std::string_view utf8, std::size_t columns) {
   for (; from < glyphs.size(); ++from) kept += glyphs[from].bytes;
   return kept;
 }
+
+}  // namespace quillmarch::host

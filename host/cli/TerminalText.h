@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace quillmarch::host {
+
 // The text as valid UTF-8 on one line: control characters, which could steer a terminal, become
 // blanks, bytes that are no UTF-8 the replacement character.
 std::string PlainLine(std::string_view bytes);
@@ -17,3 +19,5 @@ std::size_t DisplayWidth(std::string_view utf8);
 std::string Shorten(std::string_view utf8, std::size_t columns);
 // The same, keeping the end, which tells files apart.
 std::string ShortenFront(std::string_view utf8, std::size_t columns);
+
+}  // namespace quillmarch::host

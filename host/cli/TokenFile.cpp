@@ -7,6 +7,8 @@
 
 #include "host/cli/TerminalText.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::streamsize kLongestToken = 8192;
@@ -35,3 +37,5 @@ bool ReadTokenFile(const std::string& path, std::string& token, std::string& err
   }
   return true;
 }
+
+}  // namespace quillmarch::host

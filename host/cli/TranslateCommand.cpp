@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "host/cli/Backend.h"
 #include "host/cli/Console.h"
 #include "host/cli/ExitCode.h"
@@ -16,6 +16,8 @@
 #include "host/model/Host.h"
 #include "host/thread/HostCallGuard.h"
 #include "host/thread/LoopThread.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -29,9 +31,9 @@ double MsSince(Clock::time_point start) {
   return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
 }
 
-Scope ScopeOf(const TranslateOptions& options) {
-  if (options.select.kind != SelectOption::Kind::kNothing) return Scope::kSelection;
-  return options.slide > 0 ? Scope::kCurrentSlide : Scope::kWholeDeck;
+addin::Scope ScopeOf(const TranslateOptions& options) {
+  if (options.select.kind != SelectOption::Kind::kNothing) return addin::Scope::kSelection;
+  return options.slide > 0 ? addin::Scope::kCurrentSlide : addin::Scope::kWholeDeck;
 }
 
 class Command {
@@ -191,14 +193,14 @@ void Command::ShowProgress() {
 
 int Command::Finish(Host& host, const DeckJob& job, const RunReport& report,
                     Clock::time_point start) {
-  const RunRecord& record = report.record;
+  const addin::RunRecord& record = report.record;
   const std::string deck = PlainLine(job.input);
-  if (record.outcome == RunOutcome::kFailed) {
+  if (record.outcome == addin::RunOutcome::kFailed) {
     console_.Complain(deck + ": " + FailureSentence(report.errorCode, report.errorMessage) +
                       "; nothing was saved");
     return kExitRunFailed;
   }
-  if (record.outcome != RunOutcome::kCompleted || interrupts_.Asked()) {
+  if (record.outcome != addin::RunOutcome::kCompleted || interrupts_.Asked()) {
     console_.Complain(deck + ": cancelled, nothing was saved");
     return kExitCancelled;
   }
@@ -226,3 +228,5 @@ int Command::Finish(Host& host, const DeckJob& job, const RunReport& report,
 int RunTranslate(const TranslateOptions& options) {
   return Command(options).Run();
 }
+
+}  // namespace quillmarch::host

@@ -8,6 +8,8 @@
 #include "host/cli/Options.h"
 #include "host/cli/TranslateCommand.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 // Parts of a deck come and go by the thousand: giving each one's pages back to the system and
@@ -20,7 +22,10 @@ void KeepFreedPages() {
 
 }  // namespace
 
+}  // namespace quillmarch::host
+
 int main(int argc, char** argv) {
+  using namespace quillmarch::host;
   // A reader that went away is a failed write, not the end of the process.
   std::signal(SIGPIPE, SIG_IGN);
   KeepFreedPages();

@@ -1,6 +1,6 @@
 #include "host/deck/AlternateContent.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 // PowerPoint knows the extensions that its own maker published for drawings and slides, and the
@@ -42,4 +42,4 @@ pugi::xml_node ChosenBranch(const XmlNames& names, pugi::xml_node alternateConte
   return fallback;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

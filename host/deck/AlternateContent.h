@@ -5,10 +5,10 @@
 
 #include "host/deck/XmlNames.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 // The first mc:Choice whose required namespaces the host knows, else mc:Fallback; null when
 // neither is there.
 pugi::xml_node ChosenBranch(const XmlNames& names, pugi::xml_node alternateContent);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstring>
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -248,4 +248,4 @@ std::uint32_t ResolveColor(const ColorSpec& color, const ColorMap& map, const Th
   return result;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -9,7 +9,7 @@
 
 #include "host/deck/XmlNames.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 // What a scheme colour may name. The first twelve go through the colour map of slide or master,
 // the next four name the theme's own colours directly.
@@ -88,4 +88,4 @@ ThemeColors ParseThemeColors(const XmlNames& names, pugi::xml_node clrScheme);
 // 0xRRGGBB; black for kUnset and kNoPlain.
 std::uint32_t ResolveColor(const ColorSpec& color, const ColorMap& map, const ThemeColors& theme);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

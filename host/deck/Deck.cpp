@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/package/XmlText.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 // A run works on one slide and its notes page at a time; two more keep a view or a test that looks
@@ -258,4 +258,4 @@ const TableStyles& Deck::TableStyleSheet() {
   return *tableStyles_;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

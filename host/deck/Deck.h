@@ -17,9 +17,9 @@
 #include "host/deck/SlidePart.h"
 #include "host/deck/TableStyles.h"
 #include "host/package/Package.h"
-#include "host/package/ReadAhead.h"
+#include "host/package/zip/ReadAhead.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 // A slide (0-based) or its notes page.
 struct PageAddress {
@@ -189,4 +189,4 @@ class Deck {
   ReadAhead<std::unique_ptr<SlidePart>> ahead_{kMostAheadBytes, &Deck::WeightOf};
 };
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -4,7 +4,7 @@
 #include "host/deck/Deck.h"
 #include "host/deck/FrameEdit.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -177,4 +177,4 @@ void Deck::SetFitted(const ShapeAddress& address) {
   }
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "host/deck/Deck.h"
-#include "host/package/ReadAhead.h"
-#include "host/package/XmlText.h"
+#include "host/package/xml/XmlText.h"
+#include "host/package/zip/ReadAhead.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kP = XmlNamespace::kPresentation;
@@ -395,4 +395,4 @@ PackageResult<std::unique_ptr<Deck>> Deck::Open(std::unique_ptr<Package> package
   return result;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

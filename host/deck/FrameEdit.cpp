@@ -3,10 +3,10 @@
 #include <cmath>
 #include <string>
 
-#include "host/deck/RunPropertiesEdit.h"
-#include "host/package/XmlText.h"
+#include "host/deck/text/RunPropertiesEdit.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -183,4 +183,4 @@ void AppendFrameEdits(const XmlNames& names, std::string_view bytes, pugi::xml_n
   }
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

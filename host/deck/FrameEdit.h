@@ -7,9 +7,9 @@
 
 #include "host/deck/FrameProps.h"
 #include "host/deck/ShapeTree.h"
-#include "host/package/Splice.h"
+#include "host/package/xml/Splice.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 // Whether the file has a place for the shape's a:xfrm.
 bool TakesBox(const XmlNames& names, const ShapeEntry& shape);
@@ -22,4 +22,4 @@ void AppendBoxEdits(const XmlNames& names, std::string_view bytes, const ShapeEn
 void AppendFrameEdits(const XmlNames& names, std::string_view bytes, pugi::xml_node body,
                       const FrameProps& file, const FrameProps& now, std::vector<Edit>& edits);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -3,7 +3,7 @@
 #include <limits>
 #include <string_view>
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -142,4 +142,4 @@ FrameProps DefaultFrame() {
   return props;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

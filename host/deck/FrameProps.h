@@ -8,7 +8,7 @@
 
 #include "host/deck/XmlNames.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 enum class AutofitKind : std::uint8_t { kNone, kShapeToText, kTextToShape };
 
@@ -57,4 +57,4 @@ void Inherit(FrameProps& into, const FrameProps& from);
 // What holds when nobody says anything; all set.
 FrameProps DefaultFrame();
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -1,6 +1,6 @@
 #include "host/deck/Inheritance.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 bool IsTitle(const std::string& placeholderType) {
   return placeholderType == "title" || placeholderType == "ctrTitle";
@@ -148,4 +148,4 @@ const std::shared_ptr<const ParagraphLevels>& MasterParagraphs(const MasterStyle
   return IsFooter(key.type) ? master.otherParagraphs : master.bodyParagraphs;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

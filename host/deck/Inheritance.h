@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "host/deck/CharProps.h"
 #include "host/deck/FrameProps.h"
-#include "host/deck/ParagraphProps.h"
 #include "host/deck/ShapeTree.h"
-#include "host/deck/TextBody.h"
+#include "host/deck/text/CharProps.h"
+#include "host/deck/text/ParagraphProps.h"
+#include "host/deck/text/TextBody.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 struct ThemeStyles {
   ThemeColors colors;
@@ -70,4 +70,4 @@ bool IsTitle(const std::string& placeholderType);
 std::optional<ShapeBox> BoxOf(const XmlNames& names, pugi::xml_node transform, const char* offset,
                               const char* extent);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -5,7 +5,7 @@
 
 #include "host/deck/AlternateContent.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -175,4 +175,4 @@ pugi::xml_node TextBodyOf(const XmlNames& names, pugi::xml_node shape) {
   return names.Child(shape, kP, "txBody");
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -11,7 +11,7 @@
 
 #include "host/deck/XmlNames.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 inline constexpr std::uint32_t kNoShape = 0xFFFFFFFF;
 // Groups nested deeper than this are not looked into.
@@ -92,4 +92,4 @@ pugi::xml_node TableOfFrame(const XmlNames& names, pugi::xml_node frame);
 // The p:txBody of a shape; null when there is none.
 pugi::xml_node TextBodyOf(const XmlNames& names, pugi::xml_node shape);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -3,10 +3,10 @@
 #include <utility>
 
 #include "host/deck/FrameEdit.h"
-#include "host/package/Splice.h"
-#include "host/package/XmlText.h"
+#include "host/package/xml/Splice.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -111,4 +111,4 @@ std::string SlidePart::TakeBytes() {
   return edits.empty() ? std::move(bytes_) : ApplyEdits(bytes_, std::move(edits));
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

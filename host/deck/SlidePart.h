@@ -11,13 +11,13 @@
 #include <vector>
 
 #include "host/deck/FrameProps.h"
-#include "host/deck/RunFormats.h"
 #include "host/deck/ShapeTree.h"
 #include "host/deck/TableGrid.h"
-#include "host/deck/TextBody.h"
 #include "host/deck/XmlNames.h"
+#include "host/deck/text/RunFormats.h"
+#include "host/deck/text/TextBody.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 // A shape's frame where it was asked for. The properties are resolved, all set.
 struct FrameState {
@@ -89,4 +89,4 @@ class SlidePart {
   std::uint64_t framesRevision_ = 0;
 };
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -78,4 +78,4 @@ pugi::xml_node TableGrid::Cell(std::uint32_t row, std::uint32_t column) const {
   return At(row, column).node;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -7,7 +7,7 @@
 
 #include "host/deck/XmlNames.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 class TableGrid {
  public:
@@ -41,4 +41,4 @@ class TableGrid {
   std::uint32_t columns_ = 0;
 };
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

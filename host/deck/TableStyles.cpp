@@ -1,6 +1,6 @@
 #include "host/deck/TableStyles.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -79,4 +79,4 @@ CharProps TableStyles::CellProps(const XmlNames& names, const TableGrid& grid, s
   return props;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

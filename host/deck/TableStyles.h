@@ -6,10 +6,10 @@
 #include <pugixml.hpp>
 #include <string>
 
-#include "host/deck/CharProps.h"
 #include "host/deck/TableGrid.h"
+#include "host/deck/text/CharProps.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 class TableStyles {
  public:
@@ -28,4 +28,4 @@ class TableStyles {
   std::map<std::string, Style, std::less<>> styles_;
 };
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -1,8 +1,8 @@
 #include "host/deck/TagList.h"
 
-#include "host/package/XmlText.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kP = XmlNamespace::kPresentation;
@@ -106,4 +106,4 @@ bool PutTag(Deck& deck, const TagOwner& owner, WideView name, WideView value) {
   return true;
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

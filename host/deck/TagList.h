@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 #include "host/deck/Deck.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 struct Tag {
   Wide name;  // as the file has it; hosts show and compare it in upper case
@@ -30,4 +30,4 @@ std::vector<Tag> ReadTags(Deck& deck, const TagOwner& owner);
 // False when the owner has no tags part yet: one is not made.
 bool PutTag(Deck& deck, const TagOwner& owner, WideView name, WideView value);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -3,9 +3,9 @@
 #include <charconv>
 #include <cstring>
 
-#include "host/package/XmlText.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 namespace {
 
 constexpr std::string_view kDeclaration = "xmlns";
@@ -178,4 +178,4 @@ std::string_view XmlNames::RelationshipAttribute(pugi::xml_node node, const char
   return {};
 }
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/package/Namespaces.h"
+#include "host/package/xml/Namespaces.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
 
 // Numbers out of a file: anything that is no plain decimal, or out of range, gives `otherwise`.
 std::int64_t WholeAttribute(pugi::xml_node node, const char* name, std::int64_t otherwise);
@@ -58,4 +58,4 @@ const char* LocalName(const char* qualified);
 // The prefix with its colon ("a:"), or an empty text.
 std::string_view PrefixWithColon(const char* qualified);
 
-}  // namespace deck
+}  // namespace quillmarch::host::deck

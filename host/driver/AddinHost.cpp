@@ -3,7 +3,9 @@
 #include <pugixml.hpp>
 #include <utility>
 
-#include "foundation/Variant.h"
+#include "foundation/automation/Variant.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -123,9 +125,9 @@ class TaskPaneReference final : public TaskPane {
 void EndPane(HostedTaskPane& task) {
   task.visible = false;
   task.window.Reset();
-  const std::shared_ptr<CPptPane> pane = std::exchange(task.pane, nullptr);
+  const std::shared_ptr<addin::CPptPane> pane = std::exchange(task.pane, nullptr);
   if (pane != nullptr && pane->HasWindow()) {
-    pane->OnWindowMessage({pane->windowHandle, WindowMessage::kDestroy, 0, 0, 0});
+    pane->OnWindowMessage({pane->windowHandle, addin::WindowMessage::kDestroy, 0, 0, 0});
   }
 }
 
@@ -157,8 +159,8 @@ AddinHost::~AddinHost() {
 
 bool AddinHost::Start() {
   // Held, for any of the calls may end in Stop.
-  const auto connection = std::make_shared<CConnect>(
-      ShellSurroundings{parts_.thread, parts_.desktop, parts_.resources});
+  const auto connection = std::make_shared<addin::CConnect>(
+      addin::ShellSurroundings{parts_.thread, parts_.desktop, parts_.resources});
   connection_ = connection;
   Wide xml;
   const auto copy = [&xml](const Wide& text) {
@@ -213,12 +215,12 @@ void AddinHost::DrawButtons() {
 ResultCode AddinHost::Call(const Wide& name, const ObjectRef& control, Variant* result) {
   const Wide names[] = {name};
   DispId ids[] = {-1};
-  const ResultCode found = RibbonIdsOfNames(names, ids, {});
+  const ResultCode found = addin::RibbonIdsOfNames(names, ids, {});
   if (Failed(found)) return found;
-  const RibbonArgument args[] = {
+  const addin::RibbonArgument args[] = {
       {static_cast<std::uint16_t>(VariantType::kObject), Variant::Object(control)}};
   // Held as a caller holds what it calls, for the call may end in Stop.
-  const std::shared_ptr<CConnect> connection = connection_;
+  const std::shared_ptr<addin::CConnect> connection = connection_;
   ResultCode code = kMemberNotFound;
   if (connection != nullptr) connection->Invoke(ids[0], args, result, code);
   return code;
@@ -241,19 +243,19 @@ std::shared_ptr<HostedTaskPane> AddinHost::MakeTaskPane(const Wide& title,
   task->dock = kDockLeft;
   task->width = kFirstWidthPt;
   task->browser = std::make_unique<PlayedBrowser>(parts_.thread, parts_.onPage, parts_.answer);
-  PaneSurroundings surroundings{.thread = parts_.thread,
-                                .input = parts_.input,
-                                .fonts = parts_.fonts,
-                                .observer = parts_.observer,
-                                .startWebView = {},
-                                .createWindow = {},
-                                .bridgeWaitMs = parts_.bridgeWaitMs};
+  addin::PaneSurroundings surroundings{.thread = parts_.thread,
+                                       .input = parts_.input,
+                                       .fonts = parts_.fonts,
+                                       .observer = parts_.observer,
+                                       .startWebView = {},
+                                       .createWindow = {},
+                                       .bridgeWaitMs = parts_.bridgeWaitMs};
   surroundings.loader = task->browser.get();
   surroundings.desktop = &parts_.desktop;
-  task->pane = CPptPane::Create(std::move(surroundings));
+  task->pane = addin::CPptPane::Create(std::move(surroundings));
   // A host that activates the control in place makes its window inside the call.
   task->pane->OnWindowMessage(
-      {kFirstPaneWindow + taskPanes_.size(), WindowMessage::kCreate, 0, 0, 0});
+      {kFirstPaneWindow + taskPanes_.size(), addin::WindowMessage::kCreate, 0, 0, 0});
   taskPanes_.push_back(task);
   return task;
 }
@@ -268,7 +270,7 @@ void AddinHost::SayStart(std::size_t index, const RunRequest& request) {
 }
 
 void AddinHost::Stop() {
-  if (const std::shared_ptr<CConnect> connection = std::exchange(connection_, nullptr)) {
+  if (const std::shared_ptr<addin::CConnect> connection = std::exchange(connection_, nullptr)) {
     connection->OnBeginShutdown();
     connection->OnDisconnection();
   }
@@ -277,3 +279,5 @@ void AddinHost::Stop() {
   ribbon_.Reset();
   application_.Reset();
 }
+
+}  // namespace quillmarch::host

@@ -8,15 +8,17 @@
 #include <string>
 #include <vector>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Desktop.h"
-#include "foundation/FontList.h"
-#include "foundation/HostThread.h"
-#include "foundation/InputState.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/seams/Desktop.h"
+#include "foundation/seams/FontList.h"
+#include "foundation/seams/HostThread.h"
+#include "foundation/seams/InputState.h"
 #include "host/driver/PlayedBrowser.h"
 #include "host/driver/RunRequest.h"
 #include "pane/CPptPane.h"
 #include "shell/CConnect.h"
+
+namespace quillmarch::host {
 
 // A button of the ribbon as the host drew it.
 struct DrawnButton {
@@ -33,7 +35,7 @@ struct HostedTaskPane {
   bool visible = false;
   std::int32_t dock = 0;
   std::int32_t width = 0;  // points
-  std::shared_ptr<CPptPane> pane;
+  std::shared_ptr<addin::CPptPane> pane;
   std::unique_ptr<PlayedBrowser> browser;
   int references = 0;  // the add-in's
 };
@@ -44,12 +46,12 @@ struct AddinHostParts {
   Desktop& desktop;
   InputState& input;
   FontList& fonts;
-  ModuleResources& resources;
-  RunObserver observer;                     // may be empty
+  addin::ModuleResources& resources;
+  addin::RunObserver observer;              // may be empty
   std::function<void(PlayedPage&)> onPage;  // a pane's page has been made; may be empty
   // For the task panes' calls and their browsers' steps; may be empty.
   PlayedAnswer answer;
-  std::uint32_t bridgeWaitMs = kBridgeWaitMs;  // how long a page may take over a request
+  std::uint32_t bridgeWaitMs = addin::kBridgeWaitMs;  // how long a page may take over a request
 };
 
 class AddinHost {
@@ -77,7 +79,7 @@ class AddinHost {
   const std::vector<std::shared_ptr<HostedTaskPane>>& taskPanes() const { return taskPanes_; }
   // How often the add-in has asked for the ribbon to be drawn again.
   int invalidations() const { return invalidations_; }
-  CConnect* connection() { return connection_.get(); }
+  addin::CConnect* connection() { return connection_.get(); }
 
  private:
   class Factory;
@@ -89,10 +91,12 @@ class AddinHost {
 
   ObjectRef application_;
   AddinHostParts parts_;
-  std::shared_ptr<CConnect> connection_;
+  std::shared_ptr<addin::CConnect> connection_;
   ObjectRef ribbon_;
   Wide onLoad_;
   std::vector<DrawnButton> buttons_;
   std::vector<std::shared_ptr<HostedTaskPane>> taskPanes_;
   int invalidations_ = 0;
 };
+
+}  // namespace quillmarch::host

@@ -2,11 +2,13 @@
 
 #include <utility>
 
-#include "foundation/Automation.h"
-#include "foundation/HostId.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/HostId.h"
 #include "host/driver/IdleHands.h"
 #include "host/layout/DesktopFonts.h"
 #include "pane/HandOver.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -34,26 +36,26 @@ FontList& Fonts() {
 }  // namespace
 
 HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_ptr<WebView> page,
-                       RunObserver observer, std::uint32_t bridgeWaitMs) {
+                       addin::RunObserver observer, std::uint32_t bridgeWaitMs) {
   static std::int32_t panesMade = 0;
   DetectHost(application.get());
-  HandOver& block = HandOverBlock();
+  addin::HandOver& block = addin::HandOverBlock();
   if (AutoGetObject(application.get(), u"ActiveWindow", block.window)) {
     block.context = ContextOf(block.window.get());
   }
   block.app = std::move(application);
   block.paneId = panesMade++;
-  PaneSurroundings surroundings{.thread = thread,
-                                .input = Hands(),
-                                .fonts = Fonts(),
-                                .observer = std::move(observer),
-                                .startWebView = {},
-                                .createWindow = {},
-                                .bridgeWaitMs = bridgeWaitMs};
-  surroundings.startWebView = [page = std::move(page)](CPptPane& pane) {
+  addin::PaneSurroundings surroundings{.thread = thread,
+                                       .input = Hands(),
+                                       .fonts = Fonts(),
+                                       .observer = std::move(observer),
+                                       .startWebView = {},
+                                       .createWindow = {},
+                                       .bridgeWaitMs = bridgeWaitMs};
+  surroundings.startWebView = [page = std::move(page)](addin::CPptPane& pane) {
     pane.AttachWebView(nullptr, page);
   };
-  pane_ = CPptPane::Create(std::move(surroundings));
+  pane_ = addin::CPptPane::Create(std::move(surroundings));
   block = {};
   pane_->OnCreate(kFirstPaneWindow + static_cast<std::uintptr_t>(pane_->paneId));
 }
@@ -61,3 +63,5 @@ HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_pt
 HostedPane::~HostedPane() {
   pane_->OnDestroy();
 }
+
+}  // namespace quillmarch::host

@@ -4,10 +4,12 @@
 
 #include <memory>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/HostThread.h"
-#include "foundation/WebView.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/seams/HostThread.h"
+#include "foundation/seams/WebView.h"
 #include "pane/CPptPane.h"
+
+namespace quillmarch::host {
 
 class HostedPane {
  public:
@@ -15,7 +17,7 @@ class HostedPane {
   // run that hung when the pane went. `observer` gets the record of each run's end; may be empty.
   // `bridgeWaitMs` is how long the page may take over a request.
   HostedPane(ObjectRef application, HostThread& thread, std::shared_ptr<WebView> page,
-             RunObserver observer, std::uint32_t bridgeWaitMs = kBridgeWaitMs);
+             addin::RunObserver observer, std::uint32_t bridgeWaitMs = addin::kBridgeWaitMs);
   // The window's end: a run that lasts is aborted, with a wait of up to 2000 ms for its worker.
   ~HostedPane();
   HostedPane(const HostedPane&) = delete;
@@ -24,8 +26,10 @@ class HostedPane {
   // A message of the page arrives.
   void Say(const Wide& json) { pane_->OnWebMessageReceived(json); }
 
-  CPptPane& pane() { return *pane_; }
+  addin::CPptPane& pane() { return *pane_; }
 
  private:
-  std::shared_ptr<CPptPane> pane_;
+  std::shared_ptr<addin::CPptPane> pane_;
 };
+
+}  // namespace quillmarch::host

@@ -1,7 +1,9 @@
 // The input state of a host at which nobody sits.
 #pragma once
 
-#include "foundation/InputState.h"
+#include "foundation/seams/InputState.h"
+
+namespace quillmarch::host {
 
 class IdleHands final : public InputState {
  public:
@@ -9,3 +11,5 @@ class IdleHands final : public InputState {
   bool HasCapture() override { return false; }
   std::uint32_t QueueStatus(std::uint32_t) override { return 0; }
 };
+
+}  // namespace quillmarch::host

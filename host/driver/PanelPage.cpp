@@ -2,7 +2,9 @@
 
 #include <utility>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+
+namespace quillmarch::host {
 
 std::int32_t NumberIn(const PageCall& call, WideView field) {
   return static_cast<std::int32_t>(JsonGetNumber(call.payload, field));
@@ -28,3 +30,5 @@ void PanelPage::ExecuteScript(const Wide& script) {
   PageCall call;
   if (onCall_ && ReadPageCall(script, call)) onCall_(call);
 }
+
+}  // namespace quillmarch::host

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <functional>
 
-#include "foundation/WebView.h"
+#include "foundation/seams/WebView.h"
+
+namespace quillmarch::host {
 
 // One call of a page function, such as onReady({"runId":7,...}).
 struct PageCall {
@@ -37,3 +39,5 @@ class PanelPage final : public WebView {
  private:
   std::function<void(const PageCall&)> onCall_;
 };
+
+}  // namespace quillmarch::host

@@ -2,6 +2,8 @@
 
 #include "host/model/CallCount.h"
 
+namespace quillmarch::host {
+
 PhaseMeter::PhaseMeter()
     : since_(std::chrono::steady_clock::now()),
       invokes_(HostCallCount().invokes),
@@ -14,3 +16,5 @@ PhaseCost PhaseMeter::Next() {
   *this = next;
   return cost;
 }
+
+}  // namespace quillmarch::host

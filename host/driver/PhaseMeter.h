@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cstdint>
 
+namespace quillmarch::host {
+
 struct PhaseCost {
   double ms = 0.0;  // by the real clock, also when the host's clock leaps
   std::uint64_t invokes = 0;
@@ -22,3 +24,5 @@ class PhaseMeter {
   std::uint64_t invokes_;
   std::uint64_t lookups_;
 };
+
+}  // namespace quillmarch::host

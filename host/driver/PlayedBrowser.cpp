@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace quillmarch::host {
+
 void PlayedPage::Later(std::function<void(PlayedPage&)> step) {
   thread_.Post([weak = weak_from_this(), step = std::move(step)] {
     const std::shared_ptr<PlayedPage> page = weak.lock();
@@ -104,3 +106,5 @@ ResultCode PlayedBrowser::CreateEnvironment(const Wide&, std::weak_ptr<WebViewSi
   };
   return thread_.Post(complete) ? kOk : kFail;
 }
+
+}  // namespace quillmarch::host

@@ -7,8 +7,10 @@
 #include <memory>
 #include <utility>
 
-#include "foundation/HostThread.h"
-#include "foundation/WebView.h"
+#include "foundation/seams/HostThread.h"
+#include "foundation/seams/WebView.h"
+
+namespace quillmarch::host {
 
 // What a host or its browser answers to one call, or tells of one step: the step's own result.
 // Empty answers success. Anything may be let in here, as at every call of a real host.
@@ -79,3 +81,5 @@ class PlayedBrowser final : public WebViewLoader {
   PlayedAnswer answer_;
   std::shared_ptr<PlayedPage> page_;
 };
+
+}  // namespace quillmarch::host

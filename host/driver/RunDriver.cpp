@@ -2,7 +2,9 @@
 
 #include <utility>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+
+namespace quillmarch::host {
 
 struct RunDriver::Run {
   RunListener listener;
@@ -27,7 +29,7 @@ struct RunDriver::Run {
 RunDriver::RunDriver(ObjectRef application, HostThread& thread)
     : pane_(std::move(application), thread,
             std::make_shared<PanelPage>([this](const PageCall& call) { OnCall(call); }),
-            [this](const RunRecord& record) { OnRecord(record); }) {}
+            [this](const addin::RunRecord& record) { OnRecord(record); }) {}
 
 // The pane goes first, while the run can still be told of its end.
 RunDriver::~RunDriver() = default;
@@ -41,7 +43,7 @@ bool RunDriver::Start(const RunRequest& request, RunListener listener) {
   return true;
 }
 
-void RunDriver::OnRecord(const RunRecord& record) {
+void RunDriver::OnRecord(const addin::RunRecord& record) {
   if (run_ == nullptr) return;
   run_->report.record = record;
   run_->recorded = true;
@@ -53,16 +55,16 @@ void RunDriver::OnCall(const PageCall& call) {
   if (run_ == nullptr) return;
   run_->Collected();
   if (call.name == u"onProgress") run_->Translated();
-  RunRecord& record = run_->report.record;
+  addin::RunRecord& record = run_->report.record;
   bool last = call.name == u"onComplete";
   if (call.name == u"onError") {
     last = true;
     run_->report.errorCode = JsonGetString(call.payload, u"code");
     run_->report.errorMessage = JsonGetString(call.payload, u"message");
-    if (!run_->recorded) record.outcome = RunOutcome::kFailed;
+    if (!run_->recorded) record.outcome = addin::RunOutcome::kFailed;
   } else if (call.name == u"onCancelled") {
     last = true;
-    if (!run_->recorded) record.outcome = RunOutcome::kCancelled;
+    if (!run_->recorded) record.outcome = addin::RunOutcome::kCancelled;
   }
   if (run_->listener.onEvent) run_->listener.onEvent(call);
   if (last) End();
@@ -86,3 +88,5 @@ void RunDriver::Pause() {
 void RunDriver::Resume() {
   pane_.Say(u"{\"action\":\"resume\"}");
 }
+
+}  // namespace quillmarch::host

@@ -5,16 +5,18 @@
 #include <functional>
 #include <memory>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/HostThread.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/seams/HostThread.h"
 #include "host/driver/HostedPane.h"
 #include "host/driver/PanelPage.h"
 #include "host/driver/PhaseMeter.h"
 #include "host/driver/RunRequest.h"
-#include "run/RunRecord.h"
+#include "run/document/RunRecord.h"
+
+namespace quillmarch::host {
 
 struct RunReport {
-  RunRecord record;
+  addin::RunRecord record;
   Wide errorCode;       // of a failed run
   Wide errorMessage;    // of a failed run, as the run says it
   PhaseCost collect;    // up to the run's first event
@@ -55,10 +57,12 @@ class RunDriver {
   struct Run;
 
   void OnCall(const PageCall& call);
-  void OnRecord(const RunRecord& record);
+  void OnRecord(const addin::RunRecord& record);
   void End();
 
   bool running_ = false;
   std::unique_ptr<Run> run_;
   HostedPane pane_;
 };
+
+}  // namespace quillmarch::host

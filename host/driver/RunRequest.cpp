@@ -1,14 +1,16 @@
 #include "host/driver/RunRequest.h"
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+
+namespace quillmarch::host {
 
 namespace {
 
-const char16_t* PanelMode(Scope scope) {
+const char16_t* PanelMode(addin::Scope scope) {
   switch (scope) {
-    case Scope::kCurrentSlide:
+    case addin::Scope::kCurrentSlide:
       return u"slide";
-    case Scope::kSelection:
+    case addin::Scope::kSelection:
       return u"selection";
     default:
       return u"full";
@@ -23,7 +25,7 @@ Wide StartMessage(const RunRequest& request) {
     if (json.size() > 1) json += u",";
     json += Wide(u"\"") + name + u"\":\"" + JsonEscape(value) + u"\"";
   };
-  add(u"action", request.scope == Scope::kSelection ? u"startSelection" : u"start");
+  add(u"action", request.scope == addin::Scope::kSelection ? u"startSelection" : u"start");
   add(u"panelMode", PanelMode(request.scope));
   if (!request.targetLang.empty()) add(u"targetLang", request.targetLang);
   if (!request.sourceLang.empty()) add(u"sourceLang", request.sourceLang);
@@ -37,3 +39,5 @@ Wide StartMessage(const RunRequest& request) {
   }
   return json + u"}";
 }
+
+}  // namespace quillmarch::host

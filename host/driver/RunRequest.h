@@ -1,11 +1,13 @@
 // What the panel's page asks for when it starts a run, and the message in which it says so.
 #pragma once
 
-#include "foundation/Wide.h"
-#include "run/RunParams.h"
+#include "foundation/text/Wide.h"
+#include "run/document/RunParams.h"
+
+namespace quillmarch::host {
 
 struct RunRequest {
-  Scope scope = Scope::kWholeDeck;
+  addin::Scope scope = addin::Scope::kWholeDeck;
   Wide targetLang{};  // empty: the run's own default
   Wide sourceLang{};  // empty: the run's own default
   Wide targetFont{};  // empty: fonts stay as they are
@@ -14,3 +16,5 @@ struct RunRequest {
 };
 
 Wide StartMessage(const RunRequest& request);
+
+}  // namespace quillmarch::host

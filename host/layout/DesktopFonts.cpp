@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace quillmarch::host {
+
 namespace {
 
 struct FreeConfig {
@@ -39,3 +41,5 @@ std::vector<Wide> DesktopFonts::FamilyNames() {
   }
   return names;
 }
+
+}  // namespace quillmarch::host

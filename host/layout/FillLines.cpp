@@ -2,7 +2,7 @@
 
 #include "host/layout/ScriptClass.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // Sums of floats must not break a line that fits exactly.
@@ -66,4 +66,4 @@ std::vector<FilledLine> FillLines(const ParagraphText& text, const std::vector<b
   return lines;
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

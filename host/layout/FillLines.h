@@ -7,7 +7,7 @@
 #include "host/layout/ParagraphText.h"
 #include "host/layout/TabPlan.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 struct FilledLine {
   std::size_t start = 0;
@@ -29,4 +29,4 @@ std::vector<FilledLine> FillLines(const ParagraphText& text, const std::vector<b
                                   const TabPlan& tabs, const LineRoom& room,
                                   bool hangingPunctuation);
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -2,7 +2,7 @@
 
 #include <span>
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // As PowerPoint stores them in files.
@@ -47,4 +47,4 @@ FrameSize FitShapeToText(const LayoutFrame& frame, const LaidText& text) {
   return size;
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -5,7 +5,7 @@
 
 #include "host/layout/TextLayout.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 struct TextFit {
   double fontScale = 1.0;
@@ -30,4 +30,4 @@ struct FrameSize {
 // text its width), with wrap off both do.
 FrameSize FitShapeToText(const LayoutFrame& frame, const LaidText& text);
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

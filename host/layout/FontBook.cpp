@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unordered_map>
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // Characters that a wished font lacks, for which another one was found.
@@ -203,4 +203,4 @@ bool FontBook::Has(const std::string& family) {
   return false;
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -15,6 +15,8 @@
 
 struct hb_font_t;
 
+namespace quillmarch::host {
+
 namespace layout {
 
 // Heights are shares of the size.
@@ -84,3 +86,5 @@ class FontBook {
 };
 
 }  // namespace layout
+
+}  // namespace quillmarch::host

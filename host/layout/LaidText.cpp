@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 Box ToFrame(const LaidText& text, double left, double top, double right, double bottom) {
@@ -67,4 +67,4 @@ Box LaidText::Bounds(std::size_t start, std::size_t count, bool toTheEnd) const 
   return ToFrame(*this, left, top, right, bottom);
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

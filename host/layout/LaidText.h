@@ -7,7 +7,7 @@
 
 #include "host/layout/LayoutText.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 // Points from the frame's left top corner, the frame unrotated.
 struct Box {
@@ -64,4 +64,4 @@ class LaidText {
   Direction direction = Direction::kHorizontal;
 };
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 enum class Caps : std::uint8_t { kNone, kSmall, kAll };
 
@@ -106,4 +106,4 @@ struct LayoutFrame {
   friend bool operator==(const LayoutFrame&, const LayoutFrame&) = default;
 };
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -4,7 +4,7 @@
 
 #include "host/layout/ScriptClass.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 LineBreaks::LineBreaks() {
   UErrorCode error = U_ZERO_ERROR;
@@ -33,4 +33,4 @@ const std::vector<bool>& LineBreaks::Before(std::u16string_view text) {
   return before_;
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

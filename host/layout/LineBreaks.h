@@ -6,6 +6,8 @@
 
 struct UBreakIterator;
 
+namespace quillmarch::host {
+
 namespace layout {
 
 // One thread at a time.
@@ -25,3 +27,5 @@ class LineBreaks {
 };
 
 }  // namespace layout
+
+}  // namespace quillmarch::host

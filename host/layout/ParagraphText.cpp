@@ -8,7 +8,7 @@
 
 #include "host/layout/ScriptClass.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 constexpr double kSmallCapsScale = 0.8;
@@ -335,4 +335,4 @@ double BulletWidth(const Bullet& bullet, const LayoutRun& first, double scale, F
   return width;
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

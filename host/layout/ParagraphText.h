@@ -11,7 +11,7 @@
 #include "host/layout/LayoutText.h"
 #include "host/layout/WordAdvances.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 struct TextPiece {
   enum class Kind : std::uint8_t { kText, kTab, kLineBreak };
@@ -49,4 +49,4 @@ ParagraphText TakeApart(const LayoutParagraph& paragraph, Direction direction, d
 // The width of a bullet in points, 0 for none. `first` is the format it follows.
 double BulletWidth(const Bullet& bullet, const LayoutRun& first, double scale, Fonts fonts);
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

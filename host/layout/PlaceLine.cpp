@@ -4,7 +4,7 @@
 
 #include "host/layout/ScriptClass.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // Units of one level, in the order of the text.
@@ -191,4 +191,4 @@ LinePlace PlaceLine(const ParagraphText& text, const FilledLine& line, const Tab
   return Placer(text, line, tabs, wish, left, right).Do();
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

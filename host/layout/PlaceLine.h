@@ -6,7 +6,7 @@
 
 #include "host/layout/FillLines.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 struct LinePlace {
   double left = 0.0;  // of what is seen, from the left edge of the column
@@ -26,4 +26,4 @@ struct PlaceWish {
 LinePlace PlaceLine(const ParagraphText& text, const FilledLine& line, const TabPlan& tabs,
                     const PlaceWish& wish, float* left, float* right);
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -3,7 +3,7 @@
 #include <hb.h>
 #include <unicode/uchar.h>
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 bool Within(char32_t character, char32_t first, char32_t last) {
@@ -115,4 +115,4 @@ const char* LanguageOf(std::uint32_t script) {
   }
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 enum class FontSlot : std::uint8_t {
   kNone,  // takes that of the text before it
@@ -31,4 +31,4 @@ bool IsUpright(char32_t character);
 // The language that chooses among fonts where the text says none.
 const char* LanguageOf(std::uint32_t script);
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

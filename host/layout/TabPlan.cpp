@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // A stop this near is where the text already stands.
@@ -67,4 +67,4 @@ double LineCursor::Begin() const {
   return std::max(base_, stop_.position - back);
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

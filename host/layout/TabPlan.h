@@ -3,7 +3,7 @@
 
 #include "host/layout/LayoutText.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 class TabPlan {
  public:
@@ -38,4 +38,4 @@ class LineCursor {
   bool tabbed_ = false;
 };
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

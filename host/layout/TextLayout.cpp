@@ -8,7 +8,7 @@
 #include "host/layout/PlaceLine.h"
 #include "host/layout/TabPlan.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // Spacing between paragraphs that is a share counts lines of this height, in sizes.
@@ -264,4 +264,4 @@ LaidText TextLayout::LayOut(const LayoutFrame& frame) {
   return laid;
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -11,7 +11,7 @@
 #include "host/layout/LineBreaks.h"
 #include "host/layout/WordAdvances.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 struct MeasuredParagraph;
 
@@ -41,4 +41,4 @@ class TextLayout {
   std::vector<MeasuredParagraph> measured_;  // of the last frame, in its order
 };
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

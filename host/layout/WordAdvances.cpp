@@ -2,7 +2,7 @@
 
 #include <hb.h>
 
-namespace layout {
+namespace quillmarch::host::layout {
 namespace {
 
 // About 8 MB with the keys; a deck's whole vocabulary is far below.
@@ -67,4 +67,4 @@ void WordAdvances::Shape(const FontFace& face, const WordShape& shape, std::u16s
   }
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

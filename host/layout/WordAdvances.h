@@ -13,6 +13,8 @@
 
 struct hb_buffer_t;
 
+namespace quillmarch::host {
+
 namespace layout {
 
 struct WordShape {
@@ -53,3 +55,5 @@ class WordAdvances {
 };
 
 }  // namespace layout
+
+}  // namespace quillmarch::host

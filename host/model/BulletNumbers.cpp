@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 // Past this Roman numbers are no numbers any more.
@@ -73,4 +73,4 @@ std::u16string BulletNumbers::Next(const deck::BulletMark& bullet, std::size_t l
   return ToWide(Shown(bullet.text, count.number));
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

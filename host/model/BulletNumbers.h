@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <string>
 
-#include "host/deck/ParagraphProps.h"
+#include "host/deck/text/ParagraphProps.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 // Counts the paragraphs of one text, level by level.
 class BulletNumbers {
@@ -24,4 +24,4 @@ class BulletNumbers {
   std::array<Count, deck::kLevels> counts_;
 };
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace quillmarch::host {
+
 struct CallCount {
   std::uint64_t invokes = 0;
   std::uint64_t nameLookups = 0;
@@ -10,3 +12,5 @@ struct CallCount {
 };
 
 CallCount& HostCallCount();
+
+}  // namespace quillmarch::host

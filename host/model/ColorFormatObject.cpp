@@ -2,11 +2,11 @@
 #include <cstdio>
 #include <optional>
 
-#include "foundation/HostMembers.h"
-#include "host/deck/RunPropertiesEdit.h"
+#include "foundation/automation/HostMembers.h"
+#include "host/deck/text/RunPropertiesEdit.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr std::int32_t kTypeMixed = -2;
@@ -241,4 +241,4 @@ const MemberTable& ColorFormatObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

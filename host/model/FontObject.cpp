@@ -1,10 +1,10 @@
 #include <cmath>
 
-#include "foundation/HostMembers.h"
-#include "host/deck/RunPropertiesEdit.h"
+#include "foundation/automation/HostMembers.h"
+#include "host/deck/text/RunPropertiesEdit.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr std::int32_t kMixed = -2;
@@ -210,4 +210,4 @@ const MemberTable& FontObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -1,10 +1,10 @@
 // The two text frames that a shape shows: one state, two ways to name it.
 #include <cmath>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr InterfaceId kTextFrame2{
@@ -210,4 +210,4 @@ const MemberTable& TextFrame2Object::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -3,6 +3,8 @@
 #include "host/model/HostState.h"
 #include "host/model/Objects.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 // Window handles that no real window system would give out, and never 0.
@@ -69,3 +71,5 @@ bool Host::ShowSlide(std::int32_t index) {
 ObjectRef Host::application() const {
   return model::Make<model::ApplicationObject>(state_->session);
 }
+
+}  // namespace quillmarch::host

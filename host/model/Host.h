@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "foundation/AutomationObject.h"
+#include "foundation/automation/AutomationObject.h"
 #include "host/package/Package.h"
+
+namespace quillmarch::host {
 
 // How a host behaves where real hosts differ.
 struct Personality {
@@ -71,3 +73,5 @@ class Host {
   struct State;
   std::unique_ptr<State> state_;
 };
+
+}  // namespace quillmarch::host

@@ -1,10 +1,10 @@
 // The host itself, its windows and presentations.
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/CallCount.h"
 #include "host/model/Objects.h"
 #include "host/model/SelectionObjects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr std::int32_t kNormalView = 9;
@@ -246,4 +246,4 @@ const MemberTable& PageSetupObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

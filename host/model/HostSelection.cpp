@@ -5,6 +5,8 @@
 #include "host/model/Host.h"
 #include "host/model/HostState.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 using model::OpenDeck;
@@ -191,3 +193,5 @@ std::string Host::SelectText(std::int32_t slide, const ShapeKey& shape, std::int
 void Host::ClearSelection() {
   if (OpenDeck* const open = state_->session->Active()) open->selected = {};
 }
+
+}  // namespace quillmarch::host

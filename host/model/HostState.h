@@ -5,6 +5,10 @@
 
 #include "host/model/Session.h"
 
+namespace quillmarch::host {
+
 struct Host::State {
   model::SessionRef session = std::make_shared<model::Session>();
 };
+
+}  // namespace quillmarch::host

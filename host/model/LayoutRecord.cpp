@@ -3,10 +3,10 @@
 #include <numbers>
 #include <utility>
 
+#include "host/geometry/TextRectangle.h"
 #include "host/model/BulletNumbers.h"
-#include "host/model/TextRectangle.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr double kHundredths = 100.0;
@@ -139,4 +139,4 @@ layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& add
   return frame;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

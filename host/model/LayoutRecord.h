@@ -4,7 +4,7 @@
 #include "host/deck/Deck.h"
 #include "host/layout/LayoutText.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 // By how much the text is turned within its shape: radians, clockwise.
 double TextTurn(deck::Deck& deck, const deck::ShapeAddress& address);
@@ -18,4 +18,4 @@ layout::LayoutFrame LayoutRecord(deck::Deck& deck, const deck::ShapeAddress& add
                                  deck::TextBody& text, const deck::ShapeBox& area,
                                  const layout::LayoutFrame* before = nullptr);
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -8,6 +8,8 @@
 
 #include "host/model/CallCount.h"
 
+namespace quillmarch::host {
+
 CallCount& HostCallCount() {
   static CallCount count;
   return count;
@@ -143,3 +145,5 @@ ResultCode ModelObject::QueryTyped(const InterfaceId& iid, ObjectRef& out) {
 }
 
 }  // namespace model
+
+}  // namespace quillmarch::host

@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Variant.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/Variant.h"
 #include "host/model/Session.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 class ModelObject;
 
@@ -119,4 +119,4 @@ struct Putter<M> {
   }
 };
 
-}  // namespace model
+}  // namespace quillmarch::host::model

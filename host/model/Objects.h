@@ -10,7 +10,7 @@
 #include "host/deck/TagList.h"
 #include "host/model/ModelObject.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 class ApplicationObject final : public ModelObject {
  public:
@@ -449,4 +449,4 @@ class TagsObject final : public DeckObject {
   deck::TagOwner owner_;
 };
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -2,6 +2,8 @@
 
 #include "host/model/Host.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 std::array<Personality, 6> MakePersonalities() {
@@ -29,3 +31,5 @@ const Personality* FindPersonality(const std::string& name) {
   }
   return nullptr;
 }
+
+}  // namespace quillmarch::host

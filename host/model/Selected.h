@@ -6,7 +6,7 @@
 
 #include "host/deck/Deck.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 // The host's numbers.
 enum class SelectionType : std::int32_t { kNone = 0, kSlides = 1, kShapes = 2, kText = 3 };
@@ -21,4 +21,4 @@ struct Selected {
   deck::TextSpan text;                   // in the one shape of `shapes`
 };
 
-}  // namespace model
+}  // namespace quillmarch::host::model

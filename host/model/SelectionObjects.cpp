@@ -1,8 +1,8 @@
 #include "host/model/SelectionObjects.h"
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 // The item at a call's one argument, counted from 1; kOk when there is one.
@@ -125,4 +125,4 @@ const MemberTable& SlideRangeObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

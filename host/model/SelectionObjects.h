@@ -6,7 +6,7 @@
 
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 // Asks the window anew with every call; what the type has not fails.
 class SelectionObject final : public DeckObject {
@@ -54,4 +54,4 @@ class SlideRangeObject final : public DeckObject {
   std::vector<std::uint32_t> slides_;
 };
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -15,7 +15,7 @@
 #include "host/model/Selected.h"
 #include "host/model/TextMeasure.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 // A deck in its window.
 struct OpenDeck {
@@ -47,4 +47,4 @@ struct Session {
 
 using SessionRef = std::shared_ptr<Session>;
 
-}  // namespace model
+}  // namespace quillmarch::host::model

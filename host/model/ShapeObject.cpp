@@ -1,10 +1,10 @@
 #include <cmath>
 #include <vector>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
@@ -324,4 +324,4 @@ const MemberTable& PlaceholderFormatObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

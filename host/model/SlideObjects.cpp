@@ -1,8 +1,8 @@
 // Slides, notes pages and their collections of shapes.
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr XmlNamespace kP = XmlNamespace::kPresentation;
@@ -179,4 +179,4 @@ const MemberTable& ShapesObject::Table() const {
   return group_ == deck::kNoShape ? shapes : items;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

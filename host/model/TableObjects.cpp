@@ -1,8 +1,8 @@
 // Tables: grid, rows, columns, cells.
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 deck::TableGrid* GridOf(deck::Deck& deck, const deck::ShapeAddress& address) {
@@ -77,4 +77,4 @@ const MemberTable& CellObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

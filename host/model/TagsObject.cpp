@@ -1,7 +1,7 @@
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 // Hosts keep the names of tags in upper case and compare them so.
@@ -78,4 +78,4 @@ const MemberTable& TagsObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

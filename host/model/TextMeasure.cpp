@@ -5,11 +5,11 @@
 #include <numbers>
 #include <utility>
 
+#include "host/geometry/TextRectangle.h"
 #include "host/layout/FitText.h"
 #include "host/model/LayoutRecord.h"
-#include "host/model/TextRectangle.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 // Who fits a text looks at one frame, with wrap on and off.
@@ -201,4 +201,4 @@ void TextMeasure::FitText(deck::Deck& deck, const deck::ShapeAddress& address) {
   deck.SetFitted(address);
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

@@ -10,7 +10,7 @@
 #include "host/deck/Deck.h"
 #include "host/layout/TextLayout.h"
 
-namespace model {
+namespace quillmarch::host::model {
 
 class TextMeasure {
  public:
@@ -50,4 +50,4 @@ class TextMeasure {
   std::uint64_t layouts_ = 0;
 };
 
-}  // namespace model
+}  // namespace quillmarch::host::model

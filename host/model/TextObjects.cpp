@@ -2,10 +2,10 @@
 // it makes the span the new text's.
 #include <algorithm>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Objects.h"
 
-namespace model {
+namespace quillmarch::host::model {
 namespace {
 
 constexpr std::int32_t kLeftOut = -1;
@@ -168,4 +168,4 @@ const MemberTable& TextRangeObject::Table() const {
   return table;
 }
 
-}  // namespace model
+}  // namespace quillmarch::host::model

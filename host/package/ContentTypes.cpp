@@ -1,8 +1,10 @@
 #include "host/package/ContentTypes.h"
 
-#include "host/package/Namespaces.h"
 #include "host/package/PartName.h"
-#include "host/package/XmlText.h"
+#include "host/package/xml/Namespaces.h"
+#include "host/package/xml/XmlText.h"
+
+namespace quillmarch::host {
 
 bool ContentTypes::Parse(std::string_view xml) {
   pugi::xml_document document;
@@ -36,3 +38,5 @@ std::string ContentTypes::Of(std::string_view name) const {
   const auto general = defaults_.find(key.substr(dot + 1));
   return general == defaults_.end() ? std::string() : general->second;
 }
+
+}  // namespace quillmarch::host

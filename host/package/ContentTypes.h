@@ -5,6 +5,8 @@
 #include <string_view>
 #include <unordered_map>
 
+namespace quillmarch::host {
+
 inline constexpr std::string_view kContentTypesPart = "[Content_Types].xml";
 
 class ContentTypes {
@@ -18,3 +20,5 @@ class ContentTypes {
   std::unordered_map<std::string, std::string> overrides_;  // by PartKey
   std::unordered_map<std::string, std::string> defaults_;   // by extension in small letters
 };
+
+}  // namespace quillmarch::host

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace quillmarch::host {
+
 InputFile::~InputFile() {
   if (handle_ >= 0) close(handle_);
 }
@@ -44,3 +46,5 @@ std::size_t InputFile::ReadAt(std::uint64_t offset, void* to, std::size_t length
   }
   return done;
 }
+
+}  // namespace quillmarch::host

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+namespace quillmarch::host {
+
 class InputFile {
  public:
   InputFile() = default;
@@ -26,3 +28,5 @@ class InputFile {
   int handle_ = -1;
   std::uint64_t size_ = 0;
 };
+
+}  // namespace quillmarch::host

@@ -12,6 +12,8 @@
 #include <random>
 #include <vector>
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr int kMostLinks = 40;  // as many as the kernel follows
@@ -155,3 +157,5 @@ std::string OutputFile::Commit() {
   }
   return {};
 }
+
+}  // namespace quillmarch::host

@@ -8,6 +8,8 @@
 
 #include "host/package/InputFile.h"
 
+namespace quillmarch::host {
+
 class OutputFile {
  public:
   OutputFile() = default;
@@ -42,3 +44,5 @@ class OutputFile {
   int handle_ = -1;
   int error_ = 0;
 };
+
+}  // namespace quillmarch::host

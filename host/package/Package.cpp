@@ -8,16 +8,18 @@
 #include <unordered_set>
 #include <utility>
 
-#include "host/package/CompoundFile.h"
 #include "host/package/ContentTypes.h"
 #include "host/package/InputFile.h"
 #include "host/package/OutputFile.h"
-#include "host/package/PartCompressor.h"
 #include "host/package/PartName.h"
 #include "host/package/Relationships.h"
-#include "host/package/Utf16Xml.h"
-#include "host/package/XmlCheck.h"
-#include "host/package/ZipArchive.h"
+#include "host/package/xml/Utf16Xml.h"
+#include "host/package/xml/XmlCheck.h"
+#include "host/package/zip/CompoundFile.h"
+#include "host/package/zip/PartCompressor.h"
+#include "host/package/zip/ZipArchive.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -298,3 +300,5 @@ PackageResult<std::unique_ptr<Package>> Package::Open(const std::string& path,
   if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
   return Value<std::unique_ptr<Package>>(std::move(package));
 }
+
+}  // namespace quillmarch::host

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+namespace quillmarch::host {
+
 // What is wrong with a package, in one clear English sentence that names the part and the cause
 // but not the file: the caller knows the path and puts it in front.
 struct PackageError {
@@ -89,3 +91,5 @@ class Package {
   // mode bits are kept, and a symbolic link is followed. Reading goes on as before afterwards.
   virtual PackageResult<bool> Save(const std::string& path) = 0;
 };
+
+}  // namespace quillmarch::host

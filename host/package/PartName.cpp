@@ -2,7 +2,9 @@
 
 #include <vector>
 
-#include "host/package/Utf8.h"
+#include "host/package/xml/Utf8.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -147,3 +149,5 @@ std::string Printable(std::string_view name) {
   }
   return result;
 }
+
+}  // namespace quillmarch::host

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace quillmarch::host {
+
 // What two names of one part have in common: percent-encoding resolved, ASCII letters small.
 std::string PartKey(std::string_view name);
 
@@ -30,3 +32,5 @@ std::string RelationshipsPartName(std::string_view name);
 // A name as it can stand in a sentence on a terminal: "?" for control characters and for bytes
 // that are not UTF-8, the rest left out when it is very long.
 std::string Printable(std::string_view name);
+
+}  // namespace quillmarch::host

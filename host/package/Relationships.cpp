@@ -3,9 +3,11 @@
 #include <unordered_set>
 #include <utility>
 
-#include "host/package/Namespaces.h"
 #include "host/package/PartName.h"
-#include "host/package/XmlText.h"
+#include "host/package/xml/Namespaces.h"
+#include "host/package/xml/XmlText.h"
+
+namespace quillmarch::host {
 
 std::string ParseRelationships(std::string_view source, std::string_view xml,
                                std::vector<Relationship>& relationships) {
@@ -46,3 +48,5 @@ std::string ParseRelationships(std::string_view source, std::string_view xml,
   }
   return {};
 }
+
+}  // namespace quillmarch::host

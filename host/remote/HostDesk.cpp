@@ -6,9 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
 #include "host/model/CallCount.h"
 #include "host/model/Host.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -171,3 +173,5 @@ Variant HostDesk::Refuse(const Args& args) {
 ObjectRef MakeHostDesk(ObjectServer& server) {
   return ObjectRef::Adopt(std::make_unique<HostDesk>(server).release());
 }
+
+}  // namespace quillmarch::host

@@ -18,8 +18,12 @@
 //   Refuse(names, types)      no name is found; no published interface is answered to
 #pragma once
 
-#include "foundation/AutomationObject.h"
+#include "foundation/automation/AutomationObject.h"
 #include "host/remote/ObjectServer.h"
+
+namespace quillmarch::host {
 
 // `server` outlives the object.
 ObjectRef MakeHostDesk(ObjectServer& server);
+
+}  // namespace quillmarch::host

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <string>
 
+namespace quillmarch::host {
+
 namespace {
 
 bool ReadAll(int connection, char* into, std::size_t size) {
@@ -74,3 +76,5 @@ void ServeConnection(int connection, ObjectServer& server) {
     if (!WriteAll(connection, length.bytes() + reply)) return;
   }
 }
+
+}  // namespace quillmarch::host

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+namespace quillmarch::host {
+
 namespace {
 
 // Nobody calls with more; refused before anything is allocated.
@@ -109,3 +111,5 @@ ResultCode ObjectServer::Invoke(AutomationObject& object, WireReader& in, WireWr
   out.Value(result, [this](const ObjectRef& given) { return Hand(given); });
   return code;
 }
+
+}  // namespace quillmarch::host

@@ -9,6 +9,8 @@
 
 #include "host/remote/Wire.h"
 
+namespace quillmarch::host {
+
 // What a test makes go wrong with the calls of the objects behind the root; the root itself always
 // answers.
 struct ServerFaults {
@@ -48,3 +50,5 @@ class ObjectServer {
   std::map<WireHandle, ObjectRef> objects_;
   WireHandle lastHandle_ = 0;
 };
+
+}  // namespace quillmarch::host

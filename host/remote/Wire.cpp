@@ -3,6 +3,8 @@
 #include <bit>
 #include <utility>
 
+namespace quillmarch::host {
+
 void WireWriter::Little(std::uint64_t value, int bytes) {
   for (int i = 0; i < bytes; ++i) Byte(static_cast<std::uint8_t>(value >> (8 * i)));
 }
@@ -118,3 +120,5 @@ Variant WireReader::Value(const std::function<ObjectRef(const WireObject&)>& obj
   ok_ = false;
   return {};
 }
+
+}  // namespace quillmarch::host

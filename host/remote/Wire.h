@@ -20,7 +20,9 @@
 #include <string>
 #include <string_view>
 
-#include "foundation/Variant.h"
+#include "foundation/automation/Variant.h"
+
+namespace quillmarch::host {
 
 enum class WireOp : std::uint8_t { kRoot = 1, kIdOfName, kInvoke, kQueryTyped, kRelease };
 
@@ -78,3 +80,5 @@ class WireReader {
   std::string_view bytes_;
   bool ok_ = true;
 };
+
+}  // namespace quillmarch::host

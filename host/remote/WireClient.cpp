@@ -1,5 +1,7 @@
 #include "host/remote/WireClient.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 constexpr std::size_t kCodeBytes = 4;
@@ -67,3 +69,5 @@ ResultCode WireClient::QueryTyped(WireHandle handle, const InterfaceId& iid, Wir
 void WireClient::Release(WireHandle handle) {
   exchange_(RequestTo(WireOp::kRelease, handle).bytes(), false);
 }
+
+}  // namespace quillmarch::host

@@ -7,6 +7,8 @@
 
 #include "host/remote/Wire.h"
 
+namespace quillmarch::host {
+
 class WireClient {
  public:
   // Hands a request's body over and gives the reply's body; with `wantsReply` false, and when the
@@ -37,3 +39,5 @@ class WireClient {
 
 // What a call gives when the server has gone, as calls to a host that has gone do.
 inline constexpr ResultCode kDisconnected = MakeResult(0x80010108);
+
+}  // namespace quillmarch::host

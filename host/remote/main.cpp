@@ -13,6 +13,8 @@
 #include "host/remote/HostDesk.h"
 #include "host/remote/Loopback.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 // Whether a program has come; false when nobody needs this one any more.
@@ -31,7 +33,10 @@ bool WaitForProgram(int listener) {
 
 }  // namespace
 
+}  // namespace quillmarch::host
+
 int main(int argc, char** argv) {
+  using namespace quillmarch::host;
   if (argc > 2) {
     std::cerr << "usage: quillmarch-host [PORT]\n";
     return 2;

@@ -2,7 +2,9 @@
 
 #include <atomic>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -25,3 +27,5 @@ HostCallGuard::~HostCallGuard() {
   SetHostThreadCheck(nullptr);
   guarded = nullptr;
 }
+
+}  // namespace quillmarch::host

@@ -2,7 +2,9 @@
 // the given host thread. One at a time; made and destroyed on the host thread.
 #pragma once
 
-#include "foundation/HostThread.h"
+#include "foundation/seams/HostThread.h"
+
+namespace quillmarch::host {
 
 class HostCallGuard {
  public:
@@ -11,3 +13,5 @@ class HostCallGuard {
   HostCallGuard(const HostCallGuard&) = delete;
   HostCallGuard& operator=(const HostCallGuard&) = delete;
 };
+
+}  // namespace quillmarch::host

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+namespace quillmarch::host {
+
 namespace {
 
 // What Windows makes of a shorter period. A timer of 0 would never let an unpaced clock get ahead.
@@ -230,3 +232,5 @@ void LoopThread::Close() {
   std::map<TimerId, Timer> timers;
   timers.swap(timers_);
 }
+
+}  // namespace quillmarch::host

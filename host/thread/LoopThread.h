@@ -12,7 +12,9 @@
 #include <mutex>
 #include <thread>
 
-#include "foundation/HostThread.h"
+#include "foundation/seams/HostThread.h"
+
+namespace quillmarch::host {
 
 enum class ClockMode {
   kPaced,    // real time, as a user would see it
@@ -96,3 +98,5 @@ class LoopThread final : public HostThread {
   bool closed_ = false;
   bool napping_ = false;  // the host thread looks for posts by itself soon
 };
+
+}  // namespace quillmarch::host

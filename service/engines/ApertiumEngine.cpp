@@ -12,6 +12,8 @@
 #include "service/engines/LanguageCode.h"
 #include "service/engines/LanguageDetector.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 // From this many characters on, one text's own language is believed.
@@ -210,3 +212,5 @@ std::unique_ptr<Engine> MakeApertiumEngine(const EngineOptions& options,
                                            std::vector<ApertiumPair> pairs, const char* name) {
   return std::make_unique<ApertiumEngine>(options, std::move(pairs), name);
 }
+
+}  // namespace quillmarch::service

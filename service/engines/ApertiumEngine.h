@@ -8,6 +8,8 @@
 #include "service/engines/ApertiumPairs.h"
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 // `name` is what the engine calls itself. Glossary and instruction are not used.
 //
 // A text already in the target language comes back as it is, and so does one without letters.
@@ -17,3 +19,5 @@
 // the target, then for English, then for the one language that there is a pair from.
 std::unique_ptr<Engine> MakeApertiumEngine(const EngineOptions& options,
                                            std::vector<ApertiumPair> pairs, const char* name);
+
+}  // namespace quillmarch::service

@@ -7,6 +7,8 @@
 
 #include "service/engines/LanguageCode.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 struct Package {
@@ -118,3 +120,5 @@ std::string AdviseOnPair(const std::vector<ApertiumPair>& pairs, const std::stri
   }
   return "There is no offline translation " + what + "; use " + kOtherEngine + ".";
 }
+
+}  // namespace quillmarch::service

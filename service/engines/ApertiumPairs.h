@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::service {
+
 struct ApertiumPair {
   std::string source;    // ISO 639-3
   std::string target;    // ISO 639-3
@@ -23,3 +25,5 @@ const ApertiumPair* ChooseApertiumPair(const std::vector<ApertiumPair>& pairs,
 // One sentence that says how to get a pair that is not installed. `source` may be "auto".
 std::string AdviseOnPair(const std::vector<ApertiumPair>& pairs, const std::string& source,
                          const std::string& target);
+
+}  // namespace quillmarch::service

@@ -14,6 +14,8 @@
 #include <thread>
 #include <utility>
 
+namespace quillmarch::service {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -201,3 +203,5 @@ ApertiumProcess::Outcome ApertiumProcess::Exchange(const std::string& input, std
   // More than was asked for: the pipeline is out of step.
   return out.size() == count && piece.empty() ? Outcome::kOk : Outcome::kDied;
 }
+
+}  // namespace quillmarch::service

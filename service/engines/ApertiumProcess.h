@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::service {
+
 class ApertiumProcess {
  public:
   enum class Outcome { kOk, kStopped, kTimedOut, kDied };
@@ -40,3 +42,5 @@ class ApertiumProcess {
   int output_ = -1;
   std::uint64_t used_ = 0;  // texts sent so far
 };
+
+}  // namespace quillmarch::service

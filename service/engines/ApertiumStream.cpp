@@ -5,6 +5,8 @@
 
 #include "service/Utf8.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 constexpr std::string_view kSentenceEnd = ".[]";
@@ -77,3 +79,5 @@ std::string FromApertium(std::string_view stream) {
   }
   return out;
 }
+
+}  // namespace quillmarch::service

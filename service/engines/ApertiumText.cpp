@@ -6,6 +6,8 @@
 #include "service/engines/ApertiumStream.h"
 #include "service/engines/LockedSpans.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 bool HasLetter(std::string_view text) {
@@ -129,3 +131,5 @@ bool TranslateTexts(const std::vector<std::string>& texts, const ApertiumRun& ru
   }
   return true;
 }
+
+}  // namespace quillmarch::service

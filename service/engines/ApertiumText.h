@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace quillmarch::service {
+
 // Runs texts in the stream format through a pipeline; false when it could not.
 using ApertiumRun =
     std::function<bool(const std::vector<std::string>& streams, std::vector<std::string>& out)>;
@@ -18,3 +20,5 @@ bool HasTextToTranslate(std::string_view text);
 // word gets lost on the way, the pieces between are translated one by one.
 bool TranslateTexts(const std::vector<std::string>& texts, const ApertiumRun& run,
                     std::vector<std::string>& translations);
+
+}  // namespace quillmarch::service

@@ -8,6 +8,8 @@
 #include <memory>
 #include <mutex>
 
+namespace quillmarch::service {
+
 namespace {
 
 constexpr int kStopCheckMs = 50;
@@ -105,3 +107,5 @@ ChatReply PostChat(const std::string& url, const std::string& key, const std::st
   }
   return reply;
 }
+
+}  // namespace quillmarch::service

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <string>
 
+namespace quillmarch::service {
+
 struct ChatReply {
   enum class Outcome { kAnswered, kStopped, kTimedOut, kNoConnection };
   Outcome outcome = Outcome::kNoConnection;
@@ -19,3 +21,5 @@ struct ChatReply {
 ChatReply PostChat(const std::string& url, const std::string& key, const std::string& caFile,
                    const std::string& body, std::chrono::milliseconds limit,
                    const std::atomic<bool>& stop);
+
+}  // namespace quillmarch::service

@@ -9,6 +9,8 @@
 #include "service/engines/LanguageCode.h"
 #include "service/engines/LockedSpans.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 // Kept in the order in which a reader, or a model, should meet it.
@@ -171,3 +173,5 @@ bool ReadChatAnswer(const std::string& body, const std::vector<std::string>& tex
   }
   return true;
 }
+
+}  // namespace quillmarch::service

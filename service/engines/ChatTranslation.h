@@ -6,6 +6,8 @@
 
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 // The body of a chat completions request. The texts are numbered from 1, so that an answer in
 // another order can be put right.
 std::string ChatRequestBody(const EngineRequest& request, const std::string& model);
@@ -17,3 +19,5 @@ std::string ChatRequestBody(const EngineRequest& request, const std::string& mod
 // and a sentence otherwise.
 bool ReadChatAnswer(const std::string& body, const std::vector<std::string>& texts,
                     std::vector<std::string>& translations, std::string& error);
+
+}  // namespace quillmarch::service

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::service {
+
 struct EngineTerm {
   std::string source;
   std::string target;
@@ -58,3 +60,5 @@ std::unique_ptr<Engine> MakeEngine(const EngineOptions& options, std::string& er
 // may be "auto", which is then judged per text at translation.
 bool EngineServesPair(const EngineOptions& options, const std::string& source,
                       const std::string& target, std::string& advice);
+
+}  // namespace quillmarch::service

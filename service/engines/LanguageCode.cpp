@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace quillmarch::service {
+
 namespace {
 
 struct Language {
@@ -141,3 +143,5 @@ std::string MacroLanguage(const std::string& language) {
   if (language == "nor") return "nob";
   return language;
 }
+
+}  // namespace quillmarch::service

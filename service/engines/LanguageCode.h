@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace quillmarch::service {
+
 struct LanguageCode {
   std::string language;  // ISO 639-3 in lower case; empty when the text names no known language
   std::string region;    // as written behind the language ("BR" of "pt-BR"), upper case; or empty
@@ -19,3 +21,5 @@ std::string LanguageName(const std::string& language);
 // The language that `language` is counted under where translators keep one set of data for
 // several ("srp": "hbs"); `language` itself where there is none.
 std::string MacroLanguage(const std::string& language);
+
+}  // namespace quillmarch::service

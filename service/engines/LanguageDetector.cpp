@@ -6,6 +6,8 @@
 #include "service/engines/LanguageCode.h"
 #include "service/engines/LockedSpans.h"
 
+namespace quillmarch::service {
+
 DetectedLanguage DetectLanguage(std::string_view text) {
   // Addresses and placeholders say nothing of the language, or English.
   std::string plain;
@@ -33,3 +35,5 @@ DetectedLanguage DetectLanguage(std::string_view text) {
   detected.reliable = detected.reliable && !detected.language.empty();
   return detected;
 }
+
+}  // namespace quillmarch::service

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace quillmarch::service {
+
 struct DetectedLanguage {
   std::string language;     // ISO 639-3; empty when nothing was recognised
   bool reliable = false;    // the detector's own word for it
@@ -13,3 +15,5 @@ struct DetectedLanguage {
 
 // Short texts are rarely reliable.
 DetectedLanguage DetectLanguage(std::string_view text);
+
+}  // namespace quillmarch::service

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace quillmarch::service {
+
 namespace {
 
 bool IsDigit(char c) {
@@ -113,3 +115,5 @@ std::size_t CountLockedPlaceholders(std::string_view text) {
   return static_cast<std::size_t>(
       std::count_if(spans.begin(), spans.end(), [](const LockedSpan& s) { return s.placeholder; }));
 }
+
+}  // namespace quillmarch::service

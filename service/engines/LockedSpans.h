@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace quillmarch::service {
+
 struct LockedSpan {
   std::size_t begin = 0;  // bytes
   std::size_t end = 0;    // behind the last byte
@@ -17,3 +19,5 @@ std::vector<LockedSpan> FindLockedSpans(std::string_view text);
 
 // How many locked placeholders the text holds.
 std::size_t CountLockedPlaceholders(std::string_view text);
+
+}  // namespace quillmarch::service

@@ -10,6 +10,8 @@
 #include "service/engines/OpenAiEngine.h"
 #include "service/engines/PseudoEngine.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 constexpr double kLargestGrowth = 20;
@@ -65,3 +67,5 @@ bool EngineServesPair(const EngineOptions& options, const std::string& source,
   advice = AdviseOnPair(pairs, source, target);
   return false;
 }
+
+}  // namespace quillmarch::service

@@ -9,6 +9,8 @@
 #include "service/engines/ChatClient.h"
 #include "service/engines/ChatTranslation.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -143,3 +145,5 @@ std::unique_ptr<Engine> MakeOpenAiEngine(const EngineOptions& options, std::stri
   }
   return std::make_unique<OpenAiEngine>(options, std::move(key));
 }
+
+}  // namespace quillmarch::service

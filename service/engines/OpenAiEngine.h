@@ -6,6 +6,8 @@
 
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 // The address that requests go to: the base with "/chat/completions", and with "/v1" before it
 // where the base has no path of its own.
 std::string ChatCompletionsUrl(const std::string& base);
@@ -17,3 +19,5 @@ std::string ChatCompletionsUrl(const std::string& base);
 std::unique_ptr<Engine> MakeOpenAiEngine(const EngineOptions& options, std::string& error);
 
 inline constexpr int kLongestRetryWaitMs = 20'000;
+
+}  // namespace quillmarch::service

@@ -7,6 +7,8 @@
 #include "service/Utf8.h"
 #include "service/engines/LockedSpans.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 std::u32string Decode(std::string_view text) {
@@ -95,3 +97,5 @@ std::string PseudoTranslate(std::string_view text, double growth) {
 std::unique_ptr<Engine> MakePseudoEngine(double growth) {
   return std::make_unique<PseudoEngine>(growth);
 }
+
+}  // namespace quillmarch::service

@@ -7,6 +7,8 @@
 
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 // The text between U+27E6 and U+27E7. With a growth above 1 the text, without the blanks around
 // it, is first made that many times as long, in characters (code points, rounded to the nearest):
 // its own words follow again from the first on, the last one cut where the length is reached.
@@ -15,3 +17,5 @@
 std::string PseudoTranslate(std::string_view text, double growth);
 
 std::unique_ptr<Engine> MakePseudoEngine(double growth);
+
+}  // namespace quillmarch::service

@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "host/package/XmlText.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
+
 namespace {
 
 std::uint32_t Resolve(const std::string& color) {
@@ -62,4 +63,4 @@ TEST(ColorSpec, EverySlotHasAWordOfItsOwn) {
 }
 
 }  // namespace
-}  // namespace deck
+}  // namespace quillmarch::host::deck

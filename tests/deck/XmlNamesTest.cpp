@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "host/package/XmlText.h"
+#include "host/package/xml/XmlText.h"
 
-namespace deck {
+namespace quillmarch::host::deck {
+
 namespace {
 
 struct Parsed {
@@ -75,4 +76,4 @@ TEST(XmlNames, AnElementsTextIsAllItsCharacterData) {
 }
 
 }  // namespace
-}  // namespace deck
+}  // namespace quillmarch::host::deck

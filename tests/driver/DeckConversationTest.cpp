@@ -4,10 +4,15 @@
 #include <fstream>
 #include <map>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
 #include "host/driver/HostedPane.h"
 #include "host/model/Host.h"
 #include "support/ConversationReplay.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -76,3 +81,5 @@ TEST(DeckConversation, TheRecordedOneComesOutAsItDidAndTranslatesTheDeck) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -1,11 +1,14 @@
-#include "DriverBench.h"
+#include "driver/DriverBench.h"
 
 #include <chrono>
 #include <stdexcept>
 
-#include "translate/Endpoint.h"
+#include "foundation/transport/Endpoint.h"
 
-namespace test {
+namespace quillmarch::host::test {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -13,7 +16,8 @@ constexpr const char* kToken = "bench-token";
 
 }  // namespace
 
-EngineResult HeldEngine::Translate(const EngineRequest& request, const std::atomic<bool>& stop) {
+service::EngineResult HeldEngine::Translate(const service::EngineRequest& request,
+                                            const std::atomic<bool>& stop) {
   std::unique_lock lock(control_->mutex);
   control_->requests.push_back(request);
   ++control_->asked;
@@ -22,7 +26,7 @@ EngineResult HeldEngine::Translate(const EngineRequest& request, const std::atom
     control_->changed.wait_for(lock, std::chrono::milliseconds(10));
   }
   if (!control_->failure.code.empty()) return control_->failure;
-  EngineResult result;
+  service::EngineResult result;
   result.ok = true;
   for (const std::string& text : request.texts) result.translations.push_back("T(" + text + ")");
   return result;
@@ -30,10 +34,10 @@ EngineResult HeldEngine::Translate(const EngineRequest& request, const std::atom
 
 DriverBench::DriverBench(ClockMode mode) : loop(mode), guard(loop) {
   host.AddPresentation();
-  ServiceOptions options;
+  service::ServiceOptions options;
   options.tokens = {kToken};
   std::string error;
-  service = Service::Start(options, std::make_unique<HeldEngine>(engine), error);
+  service = service::Service::Start(options, std::make_unique<HeldEngine>(engine), error);
   if (service == nullptr) throw std::runtime_error(error);
   ReplaceDefaultEndpoint({u"127.0.0.1", service->port(), false});
   driver = std::make_unique<RunDriver>(host.Application(), loop);
@@ -99,4 +103,4 @@ std::vector<std::string> DriverBench::MainEvents() const {
   return names;
 }
 
-}  // namespace test
+}  // namespace quillmarch::host::test

@@ -14,22 +14,26 @@
 #include "service/Service.h"
 #include "support/FakeHost.h"
 
-namespace test {
+namespace quillmarch::host::test {
+
+using namespace addin;
+using namespace addin::test;
 
 // Puts "T(" and ")" around each text. Can be told to fail, and to hold its answers back.
-class HeldEngine final : public Engine {
+class HeldEngine final : public service::Engine {
  public:
   struct Control {
     std::mutex mutex;
     std::condition_variable changed;
     bool hold = false;
     int asked = 0;
-    EngineResult failure;  // given when its code is not empty
-    std::vector<EngineRequest> requests;
+    service::EngineResult failure;  // given when its code is not empty
+    std::vector<service::EngineRequest> requests;
   };
   explicit HeldEngine(std::shared_ptr<Control> control) : control_(std::move(control)) {}
   const char* name() const override { return "held"; }
-  EngineResult Translate(const EngineRequest& request, const std::atomic<bool>& stop) override;
+  service::EngineResult Translate(const service::EngineRequest& request,
+                                  const std::atomic<bool>& stop) override;
 
  private:
   std::shared_ptr<Control> control_;
@@ -59,10 +63,10 @@ class DriverBench {
   LoopThread loop;
   HostCallGuard guard;
   std::shared_ptr<HeldEngine::Control> engine = std::make_shared<HeldEngine::Control>();
-  std::unique_ptr<Service> service;
+  std::unique_ptr<service::Service> service;
   std::unique_ptr<RunDriver> driver;
   std::vector<std::string> events;  // name and payload
   std::vector<RunReport> reports;
 };
 
-}  // namespace test
+}  // namespace quillmarch::host::test

@@ -1,7 +1,12 @@
 // The text fit over real files: what it leaves in a shape whose text was put.
 #include "model/ModelFixture.h"
-#include "run/FitShape.h"
+#include "run/write/FitShape.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 using testdeck::Box;
 using testdeck::Group;
@@ -121,3 +126,5 @@ TEST_F(FitOverDeck, AShapeOfAScaledGroupIsFittedInItsOwnPlace) {
   EXPECT_LE(Single(RangeOf(leaf), u"BoundHeight"), 100.0F * 1.02F + 1.0F);
   EXPECT_NE(Saved().find(kPlace), std::string::npos);
 }
+
+}  // namespace quillmarch::host

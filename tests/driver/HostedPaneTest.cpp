@@ -2,11 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "host/layout/DesktopFonts.h"
 #include "host/thread/LoopThread.h"
 #include "support/FakeHost.h"
 #include "support/ScriptedWebView.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -54,3 +59,5 @@ TEST(HostedPane, ThePageIsToldTheFontsOfThisMachine) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::host {
+
 namespace {
 
 TEST(PanelPage, HearsTheFunctionsThatThePaneCallsAndNoOtherScript) {
@@ -32,3 +34,5 @@ TEST(NumberIn, ReadsAFieldInFrontOfTheTexts) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

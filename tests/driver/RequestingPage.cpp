@@ -1,11 +1,13 @@
-#include "RequestingPage.h"
+#include "driver/RequestingPage.h"
 
 #include <utility>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "translate/TranslateRequest.h"
 
-namespace test {
+namespace quillmarch::host::test {
+
+using namespace addin;
 
 namespace {
 
@@ -68,4 +70,4 @@ void RequestingPage::Answer(const Wide& answer) {
   });
 }
 
-}  // namespace test
+}  // namespace quillmarch::host::test

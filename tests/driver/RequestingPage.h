@@ -7,10 +7,10 @@
 #include <thread>
 #include <vector>
 
-#include "foundation/HostThread.h"
+#include "foundation/seams/HostThread.h"
 #include "host/driver/PanelPage.h"
 
-namespace test {
+namespace quillmarch::host::test {
 
 class RequestingPage final : public WebView {
  public:
@@ -43,4 +43,4 @@ class RequestingPage final : public WebView {
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
-}  // namespace test
+}  // namespace quillmarch::host::test

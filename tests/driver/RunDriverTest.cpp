@@ -5,9 +5,14 @@
 
 #include <chrono>
 
-#include "DriverBench.h"
-#include "foundation/HostId.h"
+#include "driver/DriverBench.h"
+#include "foundation/automation/HostId.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -358,3 +363,5 @@ TEST(PhaseMeter, EachPhaseCountsFromTheLast) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
 
 namespace {
 
@@ -39,3 +43,5 @@ TEST(StartMessage, AnyTextComesBackAsItWas) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

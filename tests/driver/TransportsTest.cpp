@@ -8,14 +8,19 @@
 #include <iterator>
 #include <regex>
 
-#include "DriverBench.h"
-#include "RequestingPage.h"
-#include "foundation/JsonText.h"
+#include "driver/DriverBench.h"
+#include "driver/RequestingPage.h"
+#include "foundation/text/JsonText.h"
 #include "host/driver/HostedPane.h"
 #include "host/driver/RunRequest.h"
 #include "host/model/Host.h"
 #include "pane/CPptPane.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -111,7 +116,7 @@ Translated TranslateSample(const char* name, bool viaPage) {
   EXPECT_TRUE(host.Save(path).ok);
   result.deck = BytesOf(path);
   std::remove(path.c_str());
-  for (const EngineRequest& request : bench.engine->requests) {
+  for (const service::EngineRequest& request : bench.engine->requests) {
     result.requests.push_back(request.texts);
   }
   return result;
@@ -239,3 +244,5 @@ INSTANTIATE_TEST_SUITE_P(Transport, EveryMomentOf, testing::Bool(),
                          [](const auto& viaPage) { return viaPage.param ? "ViaPage" : "Native"; });
 
 }  // namespace
+
+}  // namespace quillmarch::host

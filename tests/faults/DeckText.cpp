@@ -1,9 +1,11 @@
-#include "DeckText.h"
+#include "faults/DeckText.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -67,3 +69,5 @@ Wide DeckText(const ObjectRef& application) {
   }
   return all;
 }
+
+}  // namespace quillmarch::host

@@ -6,8 +6,13 @@
 #include <filesystem>
 #include <tuple>
 
-#include "DeckText.h"
-#include "FaultyTurn.h"
+#include "faults/DeckText.h"
+#include "faults/FaultyTurn.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -83,3 +88,5 @@ INSTANTIATE_TEST_SUITE_P(Roads, FaultyRun,
                          });
 
 }  // namespace
+
+}  // namespace quillmarch::host

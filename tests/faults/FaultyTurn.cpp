@@ -1,15 +1,20 @@
-#include "FaultyTurn.h"
+#include "faults/FaultyTurn.h"
 
 #include <algorithm>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "host/driver/HostedPane.h"
 #include "host/driver/PanelPage.h"
 #include "host/driver/RunRequest.h"
-#include "run/ApplyText.h"
+#include "run/write/ApplyText.h"
 #include "support/ManualHostThread.h"
 #include "support/PageAnswers.h"
 #include "support/ScriptedWebView.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 Turn RunOver(Host& host, test::FaultMode mode, std::int64_t failAt) {
   Turn turn;
@@ -64,3 +69,5 @@ std::vector<std::string> Wrongs(const Turn& turn, const Wide& deck, std::int64_t
   }
   return wrongs;
 }
+
+}  // namespace quillmarch::host

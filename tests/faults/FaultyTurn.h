@@ -7,10 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 #include "host/model/Host.h"
-#include "run/RunRecord.h"
+#include "run/document/RunRecord.h"
 #include "support/FaultyHost.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 struct Turn {
   std::int64_t calls = 0;  // that the mode looks at
@@ -27,3 +32,5 @@ Turn RunOver(Host& host, test::FaultMode mode, std::int64_t failAt);
 // that should have failed and did not, a text that is neither translated in the deck nor named, or
 // that is nowhere. `deck` is DeckText() after the run.
 std::vector<std::string> Wrongs(const Turn& turn, const Wide& deck, std::int64_t failAt);
+
+}  // namespace quillmarch::host

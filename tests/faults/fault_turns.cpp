@@ -9,8 +9,13 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "DeckText.h"
-#include "FaultyTurn.h"
+#include "faults/DeckText.h"
+#include "faults/FaultyTurn.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -32,7 +37,10 @@ bool TurnOver(const std::string& deck, test::FaultMode mode, std::int64_t failAt
 
 }  // namespace
 
+}  // namespace quillmarch::host
+
 int main(int argc, char** argv) {
+  using namespace quillmarch::host;
   if (argc < 3 || argc > 4) {
     std::cerr << "usage: fault_turns DECK TURNS [late|typed|both]\n";
     return 2;

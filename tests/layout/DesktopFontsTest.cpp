@@ -4,6 +4,8 @@
 
 #include "host/layout/FontBook.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 TEST(DesktopFonts, EveryFamilyThatIsListedCanBeHad) {
@@ -14,3 +16,5 @@ TEST(DesktopFonts, EveryFamilyThatIsListedCanBeHad) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -3,7 +3,8 @@
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 using Texts = std::vector<std::u16string>;
@@ -122,4 +123,4 @@ TEST(FillLines, LongTextKeepsEveryUnitOnce) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -3,7 +3,8 @@
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 LayoutFrame FiveLines() {
@@ -81,4 +82,4 @@ TEST(FitShapeToText, AFrameOfTurnedTextGrowsSideways) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -2,7 +2,8 @@
 
 #include "gtest/gtest.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 FontWish Wish(const char* family) {
@@ -63,4 +64,4 @@ TEST(FontBook, HeightsAreSharesOfTheSize) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

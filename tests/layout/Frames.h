@@ -7,7 +7,7 @@
 
 #include "host/layout/TextLayout.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
 
 inline constexpr double kCell = 10.0 * 1229.0 / 2048.0;  // Liberation Mono's advance
 inline constexpr double kLine = 12.0;
@@ -65,4 +65,4 @@ inline LaidText LaidOut(const LayoutFrame& frame) {
   return layout.LayOut(frame);
 }
 
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -3,7 +3,8 @@
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 void ExpectBox(const Box& wanted, const Box& found) {
@@ -145,4 +146,4 @@ TEST(LaidText, TheAnchorOfTurnedTextMovesItSideways) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

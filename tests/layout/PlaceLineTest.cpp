@@ -5,7 +5,8 @@
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 std::vector<double> LeftsInCells(const LaidText& laid) {
@@ -153,4 +154,4 @@ TEST(PlaceLine, WithWrapOffACentredLineStandsOverBothEdges) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -3,7 +3,8 @@
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 // Where the unit stands, in cells.
@@ -66,4 +67,4 @@ TEST(TabPlan, TextFromRightToLeftCountsStopsFromTheRight) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -3,7 +3,8 @@
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
 
-namespace layout {
+namespace quillmarch::host::layout {
+
 namespace {
 
 double HeightOf(const LayoutFrame& frame) {
@@ -278,4 +279,4 @@ TEST(TextLayout, LoneSurrogatesAndControlsAreMeasuredAsSomething) {
 }
 
 }  // namespace
-}  // namespace layout
+}  // namespace quillmarch::host::layout

@@ -1,6 +1,8 @@
 #include "host/model/TextMeasure.h"
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Group;
 using testdeck::Para;
@@ -290,3 +292,5 @@ TEST_F(Bounds, ATextIsLaidOutOnceUntilSomethingChanges) {
   ASSERT_TRUE(measure.Bounds(deck, address, {0, 19}, true, box));
   EXPECT_EQ(measure.Layouts(), 3U);
 }
+
+}  // namespace quillmarch::host

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace testdeck {
+namespace quillmarch::host::testdeck {
 
 inline const std::string kNamespaces =
     " xmlns:a=\"http://schemas.openxmlformats.org/drawingml/2006/main\""
@@ -207,22 +207,6 @@ inline std::vector<std::pair<std::string, std::string>> Parts(const DeckSource& 
   return parts;
 }
 
-// A folder of the test's own, gone with it.
-class Scratch {
- public:
-  Scratch() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "deckXXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-  }
-  ~Scratch() { std::filesystem::remove_all(path_); }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-  std::string File(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  std::filesystem::path path_;
-};
-
 inline void Write(const DeckSource& deck, const std::string& path) {
   zip_t* const archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, nullptr);
   for (const auto& [name, bytes] : Parts(deck)) {
@@ -252,4 +236,4 @@ inline std::string ReadPart(const std::string& path, const std::string& name) {
   return bytes;
 }
 
-}  // namespace testdeck
+}  // namespace quillmarch::host::testdeck

@@ -1,5 +1,7 @@
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Cell;
 using testdeck::Para;
@@ -257,3 +259,5 @@ TEST_F(Font, SizesOutOfRangeAreRefused) {
   EXPECT_TRUE(Failed(PutValue(FontOf(1), u"Bold", Variant::I4(-2))));
   EXPECT_FALSE(host->Edited());
 }
+
+}  // namespace quillmarch::host

@@ -1,5 +1,7 @@
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Group;
 using testdeck::Para;
@@ -434,3 +436,5 @@ TEST_F(Frame, APageThatMadeRoomForOthersComesBackAsItWasLeft) {
   EXPECT_FLOAT_EQ(Single(Shape(1), u"Height"), 67.2F);
   EXPECT_EQ(Single(Shape(1), u"Left"), 33.0F);
 }
+
+}  // namespace quillmarch::host

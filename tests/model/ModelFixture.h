@@ -8,10 +8,13 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Automation.h"
-#include "foundation/HostMembers.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
 #include "model/DeckBuilder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::host {
 
 class ModelTest : public ::testing::Test {
  protected:
@@ -80,15 +83,17 @@ class ModelTest : public ::testing::Test {
   }
 
   std::string Saved(const std::string& part = "ppt/slides/slide1.xml") {
-    const std::string target = scratch.File("saved.pptx");
+    const std::string target = scratch.Path("saved.pptx");
     const PackageResult<bool> saved = host->Save(target);
     EXPECT_TRUE(saved.ok) << saved.error.sentence;
     return testdeck::ReadPart(target, part);
   }
-  std::string path() const { return scratch.File("deck.pptx"); }
+  std::string path() const { return scratch.Path("deck.pptx"); }
 
-  testdeck::Scratch scratch;
+  TempFolder scratch;
   std::unique_ptr<Host> host;
   std::vector<std::string> warnings;
   std::string slideXml;
 };
+
+}  // namespace quillmarch::host

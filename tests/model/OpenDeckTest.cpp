@@ -3,6 +3,8 @@
 
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Relation;
 using testdeck::SlideXml;
@@ -118,7 +120,8 @@ TEST_F(OpenDeckOf, ADeckWithoutSlidesOpens) {
 
 TEST_F(OpenDeckOf, AStrictDeckIsReadAndItsNamespacesKept) {
   std::vector<std::pair<std::string, std::string>> strict;
-  for (auto [name, bytes] : testdeck::Parts(deck)) {
+  for (const auto& [name, original] : testdeck::Parts(deck)) {
+    std::string bytes = original;
     const auto swap = [&bytes](const std::string& from, const std::string& to) {
       for (std::size_t at = 0; (at = bytes.find(from, at)) != std::string::npos;) {
         bytes.replace(at, from.size(), to);
@@ -143,7 +146,7 @@ TEST_F(OpenDeckOf, ReadingEverythingAndSavingGivesTheSameFile) {
   EXPECT_EQ(Single(Get(Range(1), u"Font"), u"Size"), 18.0f);
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"x");
   Get(Slide(1), u"NotesPage");
-  const std::string target = scratch.File("copy.pptx");
+  const std::string target = scratch.Path("copy.pptx");
   ASSERT_TRUE(host->Save(target).ok);
   EXPECT_EQ(FileBytes(target), FileBytes(path()));
 }
@@ -159,3 +162,5 @@ TEST_F(OpenDeckOf, APartThatNoEditTouchedStaysAsItWas) {
     EXPECT_EQ(Saved(name), bytes) << name;
   }
 }
+
+}  // namespace quillmarch::host

@@ -2,6 +2,8 @@
 
 #include "host/model/Host.h"
 
+namespace quillmarch::host {
+
 TEST(Personality, EachNameOfTheTableIsFoundAndNoOther) {
   for (const char* name :
        {"powerpoint", "nested", "no-textframe2", "two-autosize-states", "top-level-nodes", "wps"}) {
@@ -23,3 +25,5 @@ TEST(Personality, TheWpsHostNamesItselfSo) {
   EXPECT_EQ(FindPersonality("wps")->applicationName, u"WPS Presentation");
   EXPECT_EQ(FindPersonality("powerpoint")->applicationName, u"Microsoft PowerPoint");
 }
+
+}  // namespace quillmarch::host

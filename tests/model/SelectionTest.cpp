@@ -1,5 +1,7 @@
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Group;
 using testdeck::Para;
@@ -191,3 +193,5 @@ TEST_F(Selections, BothRoadsReachASelection) {
   ASSERT_TRUE(TypedGetObjectAt(range.get(), ppt::slideRange::kItem, 1, shape));
   EXPECT_TRUE(AnswersTo(shape.get(), ppt::kSlide));
 }
+
+}  // namespace quillmarch::host

@@ -1,5 +1,7 @@
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Cell;
 using testdeck::Group;
@@ -199,3 +201,5 @@ TEST_F(Shapes, APrefixBoundTwiceIsTakenWhereItStands) {
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"");
   EXPECT_EQ(TextOf(Range(2), u"Text"), u"text");
 }
+
+}  // namespace quillmarch::host

@@ -1,6 +1,8 @@
 #include "host/model/CallCount.h"
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Relation;
 using testdeck::SlideXml;
@@ -178,3 +180,5 @@ TEST_F(Slides, AMemberThatIsNotThereOrCannotBePutFails) {
   EXPECT_EQ(AutoPut(Slide(1).get(), u"SlideID", Variant::I4(1)), kMemberNotFound);
   EXPECT_TRUE(Failed(AutoPut(Range(1).get(), u"Text", Variant::I4(1))));
 }
+
+}  // namespace quillmarch::host

@@ -1,5 +1,7 @@
 #include "model/ModelFixture.h"
 
+namespace quillmarch::host {
+
 using testdeck::Box;
 using testdeck::Para;
 using testdeck::RunXml;
@@ -262,3 +264,5 @@ TEST_F(TextRange, ABorderInsideASurrogatePairTakesThePairWhole) {
   EXPECT_EQ(TextOf(half, u"Text"), u"X");
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"aXb");
 }
+
+}  // namespace quillmarch::host

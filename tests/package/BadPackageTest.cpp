@@ -6,8 +6,10 @@
 #include <fstream>
 
 #include "host/package/Package.h"
-#include "package/TempFolder.h"
-#include "package/ZipBuilder.h"
+#include "package/zip/ZipBuilder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -344,3 +346,5 @@ TEST(BadPackage, EveryFlippedByteIsRefusedOrHarmless) {
     for (const std::string& name : opened.value->PartNames()) opened.value->ReadXmlPart(name);
   }
 }
+
+}  // namespace quillmarch::host

@@ -7,8 +7,10 @@
 
 #include <csignal>
 
-#include "package/TempFolder.h"
-#include "package/ZipBuilder.h"
+#include "package/zip/ZipBuilder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -403,3 +405,5 @@ TEST(Save, AFullDiskLeavesTheEarlierFileAndNoTemporary) {
   ASSERT_TRUE(deck.package->Save(out).ok);
   EXPECT_EQ(Reread(out, "ppt/slides/slide1.xml"), "<s>new</s>");
 }
+
+}  // namespace quillmarch::host

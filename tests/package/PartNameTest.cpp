@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace quillmarch::host {
+
 namespace {
 
 std::string Resolved(std::string_view source, std::string_view target) {
@@ -98,3 +100,5 @@ TEST(Printable, ControlCharactersAndBrokenBytesBecomeQuestionMarks) {
 TEST(Printable, AVeryLongNameIsCut) {
   EXPECT_LT(Printable(std::string(60000, 'x')).size(), 200u);
 }
+
+}  // namespace quillmarch::host

@@ -7,8 +7,10 @@
 #include <utility>
 
 #include "pane/PaneHarness.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -292,3 +294,5 @@ TEST(BadMessages, MegabytesInAnyFieldLeaveNoRunBehind) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

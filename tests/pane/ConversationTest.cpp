@@ -6,6 +6,8 @@
 #include "pane/PaneHarness.h"
 #include "support/ConversationReplay.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 TEST(Conversation, TheRecordedOneComesOutAsItDid) {
@@ -26,3 +28,5 @@ TEST(Conversation, TheRecordedOneComesOutAsItDid) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -6,6 +6,8 @@
 #include "pane/PaneHarness.h"
 #include "support/LogCapture.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 using test::LogCapture;
@@ -142,3 +144,5 @@ TEST(PaneObject, ARunHoldsTheObjectThatTheHostKnowsThePaneBy) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

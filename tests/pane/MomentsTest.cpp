@@ -5,8 +5,10 @@
 #include <algorithm>
 
 #include "pane/PaneHarness.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -212,3 +214,5 @@ TEST(EveryMoment, OtherMessagesChangeNothing) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -3,8 +3,10 @@
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
 #include "pane/PaneHarness.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -271,3 +273,5 @@ TEST(BroadcastUiLangChanged, ReachesEveryPageThatIsThere) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

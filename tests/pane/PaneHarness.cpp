@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "pane/HandOver.h"
 #include "support/PageAnswers.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -177,4 +177,4 @@ void PaneHarness::OnMessage(const Wide& json) {
   });
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

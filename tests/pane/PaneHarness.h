@@ -12,7 +12,7 @@
 #include "support/ScriptedInput.h"
 #include "support/ScriptedWebView.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ListedFonts final : public FontList {
  public:
@@ -85,4 +85,4 @@ class PaneHarness {
   void OnMessage(const Wide& json);
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -4,13 +4,15 @@
 #include <set>
 #include <thread>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+#include "foundation/transport/Endpoint.h"
 #include "pane/PaneHarness.h"
 #include "pane/RunId.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
 #include "support/PageAnswers.h"
-#include "translate/Endpoint.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -458,3 +460,5 @@ TEST(NewRunId, NoTwoThreadsGetTheSame) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -8,6 +8,8 @@
 
 #include "support/ManualHostThread.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 using test::ManualHostThread;
@@ -110,3 +112,5 @@ TEST(PaneWindow, ManyThreadsPostWhileTheWindowEnds) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

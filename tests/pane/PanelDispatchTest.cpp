@@ -2,12 +2,14 @@
 
 #include <new>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "pane/PaneHarness.h"
 #include "pane/RunEvents.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedObject.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -255,3 +257,5 @@ TEST(FillRunSink, AnEventWithoutAPageOrAfterThePaneIsLost) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "foundation/DisplayLanguage.h"
-#include "foundation/HostId.h"
-#include "foundation/UserConfigFile.h"
+#include "foundation/automation/HostId.h"
+#include "foundation/settings/DisplayLanguage.h"
+#include "foundation/settings/UserConfigFile.h"
 #include "pane/PaneHarness.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -222,3 +224,5 @@ TEST_F(PanelPages, AModeIsKeptAlsoWhenThereIsNoPageToTell) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -4,9 +4,11 @@
 
 #include <thread>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "pane/TransportMessages.h"
 #include "support/ManualHostThread.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -335,3 +337,5 @@ TEST(TerminologyResolveMessage, WritesAnEmptyInstructionIdToo) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

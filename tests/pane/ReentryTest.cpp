@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "pane/PaneHarness.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
 #include "support/PageAnswers.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -284,3 +286,5 @@ TEST(Reentry, ARunIsTickedWhileTheGateIsHeldByItself) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -5,8 +5,10 @@
 #include <algorithm>
 
 #include "pane/PaneHarness.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
 #include "support/LogCapture.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -127,3 +129,5 @@ TEST(SelectionReentry, TheWindowsEndAtEveryHostCallLeavesNothingBehind) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

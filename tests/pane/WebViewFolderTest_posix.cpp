@@ -4,12 +4,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "foundation/Analytics.h"
+#include "foundation/identity/Analytics.h"
 #include "pane/PaneHarness.h"
 #include "pane/WebViewHost.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedBrowser.h"
 #include "support/ScriptedDesktop.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -60,3 +62,5 @@ TEST(WebViewFolder, WithoutADataFolderNoBrowserIsBegunAndTheUserIsTold) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -3,14 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "foundation/Analytics.h"
-#include "foundation/DisplayLanguage.h"
-#include "foundation/Files.h"
-#include "foundation/KnownFolders.h"
+#include "foundation/identity/Analytics.h"
+#include "foundation/settings/DisplayLanguage.h"
+#include "foundation/system/Files.h"
+#include "foundation/system/KnownFolders.h"
 #include "pane/PaneHarness.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedBrowser.h"
 #include "support/ScriptedDesktop.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -391,3 +393,5 @@ TEST_F(WebViewHost, AfterTheShutdownNoNavigationCounts) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -1,14 +1,14 @@
 #include "host/remote/HostDesk.h"
 
-#include <unistd.h>
-
 #include <array>
-#include <filesystem>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "gtest/gtest.h"
 #include "model/DeckBuilder.h"
 #include "remote/RemoteObject.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -17,7 +17,6 @@ class HostDeskTest : public ::testing::Test {
   HostDeskTest() {
     server.SetRoot(MakeHostDesk(server));
     desk = link.Root();
-    std::filesystem::create_directories(folder);
     testdeck::DeckSource source;
     for (const char* text : {"first", "second"}) {
       source.slides.push_back(
@@ -25,7 +24,6 @@ class HostDeskTest : public ::testing::Test {
     }
     testdeck::Write(source, deck);
   }
-  ~HostDeskTest() override { std::filesystem::remove_all(folder); }
 
   ObjectRef Open() {
     const std::array args = {Variant::Text(ToWide(deck)), Variant::Text(u"powerpoint")};
@@ -52,9 +50,8 @@ class HostDeskTest : public ::testing::Test {
     return Step(Step(shape, u"TextFrame"), u"TextRange");
   }
 
-  std::filesystem::path folder =
-      std::filesystem::temp_directory_path() / ("quillmarch-desk-" + std::to_string(getpid()));
-  std::string deck = (folder / "deck.pptx").string();
+  TempFolder folder;
+  std::string deck = folder.Path("deck.pptx");
   ObjectServer server;
   test::RemoteLink link{server};
   ObjectRef desk;
@@ -63,7 +60,7 @@ class HostDeskTest : public ::testing::Test {
 }  // namespace
 
 TEST_F(HostDeskTest, ADeckIsReadWrittenAndSavedOverTheWire) {
-  const std::string saved = (folder / "saved.pptx").string();
+  const std::string saved = folder.Path("saved.pptx");
   {
     const ObjectRef application = Open();
     ASSERT_TRUE(application);
@@ -131,3 +128,5 @@ TEST_F(HostDeskTest, TheViewAndTheSelectionAreTheCallersToSet) {
   EXPECT_FALSE(VariantToFlag(Ask(u"SelectShape", {Variant::I4(1), Variant::I4(9)})));
   EXPECT_NE(u"", Ask(u"Error").text());
 }
+
+}  // namespace quillmarch::host

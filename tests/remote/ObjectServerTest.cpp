@@ -3,14 +3,18 @@
 #include <array>
 #include <stdexcept>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "gtest/gtest.h"
 #include "remote/RemoteObject.h"
 #include "support/ScriptedObject.h"
 
+namespace quillmarch::host {
+
+using namespace addin;
+
+using addin::test::ScriptedCall;
+using addin::test::ScriptedObject;
 using test::RemoteLink;
-using test::ScriptedCall;
-using test::ScriptedObject;
 
 namespace {
 
@@ -160,3 +164,5 @@ TEST_F(ObjectServerTest, ALostConnectionIsAHostThatHasGone) {
   Variant value;
   EXPECT_EQ(kDisconnected, AutoGet(object.get(), u"Name", value));
 }
+
+}  // namespace quillmarch::host

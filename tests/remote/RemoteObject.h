@@ -4,11 +4,11 @@
 
 #include <memory>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
 #include "host/remote/ObjectServer.h"
 #include "host/remote/WireClient.h"
 
-namespace test {
+namespace quillmarch::host::test {
 
 class RemoteLink {
  public:
@@ -74,4 +74,4 @@ inline ObjectRef RemoteLink::Wrap(const WireObject& object) {
   return ObjectRef::Adopt(std::make_unique<RemoteObject>(*this, object).release());
 }
 
-}  // namespace test
+}  // namespace quillmarch::host::test

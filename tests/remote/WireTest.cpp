@@ -5,6 +5,8 @@
 
 #include "gtest/gtest.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 Variant Travel(const Variant& value) {
@@ -69,3 +71,5 @@ TEST(Wire, AnUnknownTypeIsNoValue) {
   in.Value([](const WireObject&) { return ObjectRef(); });
   EXPECT_FALSE(in.ok());
 }
+
+}  // namespace quillmarch::host

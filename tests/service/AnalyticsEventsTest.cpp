@@ -6,6 +6,8 @@
 
 #include "service/RunningService.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 // As the add-in sends it.
@@ -132,3 +134,5 @@ TEST(AnalyticsEvents, ABodyOverTheirOwnLimitIsRefused) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::service

@@ -2,23 +2,25 @@
 
 #include <gtest/gtest.h>
 
-#include "service/TemporaryFolder.h"
 #include "service/engines/Engine.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 namespace {
 
 class Modes : public testing::Test {
  protected:
   void Install(std::initializer_list<const char*> modes) {
-    for (const char* mode : modes) folder.Write(std::string(mode) + ".mode", "cat");
-    pairs = FindApertiumPairs(folder.path("."));
-    options.apertiumModes = folder.path(".");
+    for (const char* mode : modes) folder.Put(std::string(mode) + ".mode", "cat");
+    pairs = FindApertiumPairs(folder.Path("."));
+    options.apertiumModes = folder.Path(".");
   }
   std::string Chosen(const std::string& source, const std::string& target) {
     const ApertiumPair* pair = ChooseApertiumPair(pairs, source, target);
     return pair != nullptr ? pair->modeFile.substr(pair->modeFile.rfind('/') + 1) : "";
   }
-  TemporaryFolder folder;
+  TempFolder folder;
   std::vector<ApertiumPair> pairs;
   EngineOptions options;
 };
@@ -27,7 +29,7 @@ class Modes : public testing::Test {
 
 TEST_F(Modes, PairsAreFoundByTheirFileNames) {
   Install({"eng-spa", "spa-eng", "spa-eng_US", "eng-spa-tagger", "en-gl"});
-  folder.Write("README", "no pair");
+  folder.Put("README", "no pair");
   EXPECT_EQ(pairs.size(), 4u);
   EXPECT_EQ(Chosen("en", "es"), "eng-spa.mode");
   EXPECT_EQ(Chosen("English", "gl"), "en-gl.mode");
@@ -58,7 +60,7 @@ TEST_F(Modes, SerbianIsServedBySerboCroatian) {
 }
 
 TEST_F(Modes, AMissingFolderHoldsNoPairs) {
-  EXPECT_TRUE(FindApertiumPairs(folder.path("nowhere")).empty());
+  EXPECT_TRUE(FindApertiumPairs(folder.Path("nowhere")).empty());
 }
 
 TEST_F(Modes, APairThatAPackageHasIsAdvisedByThePackagesName) {
@@ -106,3 +108,5 @@ TEST_F(Modes, EngineServesPairAnswersWithoutAnEngine) {
   options.openaiModel = "m";
   EXPECT_TRUE(EngineServesPair(options, "en", "ja", advice));
 }
+
+}  // namespace quillmarch::service

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace quillmarch::service {
+
 TEST(ApertiumStream, ATextEndsAsASentence) {
   EXPECT_EQ(ToApertium("Plan"), "Plan.[]");
 }
@@ -34,3 +36,5 @@ TEST(ApertiumStream, TextsComeBackAsTheyWere) {
     EXPECT_EQ(FromApertium(ToApertium(text)), text);
   }
 }
+
+}  // namespace quillmarch::service

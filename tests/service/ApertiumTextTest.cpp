@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace quillmarch::service {
+
 namespace {
 
 using Strings = std::vector<std::string>;
@@ -82,3 +84,5 @@ TEST(ApertiumText, AFailureOfThePipelineIsTold) {
   EXPECT_FALSE(TranslateTexts(
       {"word"}, [](const Strings&, Strings&) { return false; }, out));
 }
+
+}  // namespace quillmarch::service

@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+namespace quillmarch::service {
+
 namespace {
 
 using Strings = std::vector<std::string>;
@@ -134,3 +136,5 @@ TEST(ChatTranslation, ALostPlaceholderIsRefusedWithItsTextsNumber) {
   EXPECT_FALSE(read.ok);
   EXPECT_NE(read.error.find("text 2"), std::string::npos) << read.error;
 }
+
+}  // namespace quillmarch::service

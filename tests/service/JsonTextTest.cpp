@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace quillmarch::service {
+
 namespace {
 std::string Quoted(std::string_view text) {
   std::string out;
@@ -31,3 +33,5 @@ TEST(JsonText, AnErrorIsItsCodeAndMessage) {
   EXPECT_EQ(ErrorJson("bad_request", "No \"texts\"."),
             "{\"code\":\"bad_request\",\"message\":\"No \\\"texts\\\".\"}");
 }
+
+}  // namespace quillmarch::service

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace quillmarch::service {
+
 TEST(LanguageCode, CodesTagsAndNamesGiveOneLanguage) {
   for (const char* text : {"es", "ES", "spa", "es-ES", "es_MX", "Spanish", "spanish", "es-419"}) {
     EXPECT_EQ(ReadLanguageCode(text).language, "spa") << text;
@@ -27,3 +29,5 @@ TEST(LanguageCode, SerbianCroatianAndBosnianShareTheirData) {
   EXPECT_EQ(MacroLanguage(ReadLanguageCode("hr").language), "hbs");
   EXPECT_EQ(MacroLanguage("spa"), "spa");
 }
+
+}  // namespace quillmarch::service

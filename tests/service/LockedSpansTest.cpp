@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace quillmarch::service {
+
 namespace {
 std::vector<std::string> Locked(const std::string& text) {
   std::vector<std::string> out;
@@ -46,3 +48,5 @@ TEST(LockedSpans, MailAddressesAreFoundAroundTheirAtSign) {
 TEST(LockedSpans, AnAddressDirectlyBehindAPlaceholderIsCutThere) {
   EXPECT_EQ(Locked("[[QM_A_1]]www.example.com"), (Strings{"[[QM_A_1]]", "www.example.com"}));
 }
+
+}  // namespace quillmarch::service

@@ -6,6 +6,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+namespace quillmarch::service {
+
 namespace {
 std::size_t Collect(char* data, std::size_t size, std::size_t count, void* to) {
   static_cast<std::string*>(to)->append(data, size * count);
@@ -88,3 +90,5 @@ void RawConnection::WaitReadable() const {
   pollfd watched{socket_, POLLIN, 0};
   poll(&watched, 1, -1);
 }
+
+}  // namespace quillmarch::service

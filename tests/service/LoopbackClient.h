@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace quillmarch::service {
+
 struct HttpReply {
   bool arrived = false;  // a whole answer came
   long status = 0;
@@ -38,3 +40,5 @@ class RawConnection {
  private:
   int socket_ = -1;
 };
+
+}  // namespace quillmarch::service

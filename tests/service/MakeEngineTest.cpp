@@ -2,8 +2,10 @@
 
 #include <limits>
 
-#include "service/TemporaryFolder.h"
 #include "service/engines/Engine.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 namespace {
 std::string Refusal(const EngineOptions& options) {
@@ -20,9 +22,9 @@ TEST(MakeEngine, AnUnknownNameIsRefusedWithTheKnownOnes) {
 }
 
 TEST(MakeEngine, WithoutAnOfflinePackageTheUserIsToldWhatToDo) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   EngineOptions options;
-  options.apertiumModes = folder.path("none");
+  options.apertiumModes = folder.Path("none");
   for (const char* name : {"auto", "apertium"}) {
     options.name = name;
     EXPECT_NE(Refusal(options).find("apt-get install apertium apertium-eng-spa"),
@@ -48,3 +50,5 @@ TEST(MakeEngine, TheGrowthHasItsBounds) {
   EXPECT_EQ(engine->Translate(request, stop).translations,
             (std::vector<std::string>{"⟦Plan P⟧", "⟦BB⟧"}));
 }
+
+}  // namespace quillmarch::service

@@ -9,6 +9,8 @@
 #include "service/ScriptedModel.h"
 #include "service/TestCertificate.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 class OpenAi : public testing::Test {
@@ -36,7 +38,7 @@ class OpenAi : public testing::Test {
   EngineOptions options;
   EngineRequest request;
   std::atomic<bool> stop{false};
-  TemporaryFolder folder;
+  TempFolder folder;
 };
 
 constexpr char kGood[] = R"({"1":"uno","2":"dos"})";
@@ -44,7 +46,7 @@ constexpr char kGood[] = R"({"1":"uno","2":"dos"})";
 }  // namespace
 
 TEST_F(OpenAi, TranslatesWithKeyAndModel) {
-  options.openaiKeyFile = folder.Write("key", "k-123\r\nsecond line\n");
+  options.openaiKeyFile = folder.Put("key", "k-123\r\nsecond line\n");
   ScriptedModel model({{200, ChatMessage(kGood)}});
   const EngineResult result = Ask(model);
   ASSERT_TRUE(result.ok) << result.message;
@@ -164,9 +166,9 @@ TEST_F(OpenAi, MissingSettingsAreNamed) {
   options.openaiUrl = "ftp://x";
   EXPECT_NE(refuse().find("http://"), std::string::npos);
   options.openaiUrl = "http://x";
-  options.openaiKeyFile = folder.path("none");
+  options.openaiKeyFile = folder.Path("none");
   EXPECT_NE(refuse().find("none"), std::string::npos);
-  options.openaiKeyFile = folder.Write("empty", "");
+  options.openaiKeyFile = folder.Put("empty", "");
   EXPECT_NE(refuse().find("empty"), std::string::npos);
 }
 
@@ -176,3 +178,5 @@ TEST(ChatCompletionsUrl, ABaseWithoutAPathGetsTheUsualOne) {
   EXPECT_EQ(ChatCompletionsUrl("https://h/v1"), "https://h/v1/chat/completions");
   EXPECT_EQ(ChatCompletionsUrl("https://h/api/v3/"), "https://h/api/v3/chat/completions");
 }
+
+}  // namespace quillmarch::service

@@ -5,6 +5,8 @@
 #include "service/Utf8.h"
 #include "service/engines/LockedSpans.h"
 
+namespace quillmarch::service {
+
 TEST(PseudoEngine, ATextComesBackBetweenItsBrackets) {
   EXPECT_EQ(PseudoTranslate("Plan", 1), "⟦Plan⟧");
   EXPECT_EQ(PseudoTranslate("", 1), "⟦⟧");
@@ -49,3 +51,5 @@ TEST(PseudoEngine, LockedPiecesAreNotRepeated) {
   EXPECT_EQ(FindLockedSpans(text).size(), 2u) << text;
   EXPECT_EQ(PseudoTranslate("[[QM_REF_1]]", 3), "⟦[[QM_REF_1]]⟧");
 }
+
+}  // namespace quillmarch::service

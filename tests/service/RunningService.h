@@ -14,6 +14,8 @@
 #include "service/ScriptedEngine.h"
 #include "service/Service.h"
 
+namespace quillmarch::service {
+
 // What an engine waits for until a test, or a stop, lets it go.
 class Gate {
  public:
@@ -86,3 +88,5 @@ class RunningService {
 };
 
 inline constexpr char kOneText[] = R"({"texts":["Plan"],"sourceLang":"en","targetLang":"es"})";
+
+}  // namespace quillmarch::service

@@ -8,6 +8,8 @@
 
 #include "service/engines/Engine.h"
 
+namespace quillmarch::service {
+
 class ScriptedEngine : public Engine {
  public:
   using Answer = std::function<EngineResult(const EngineRequest&, const std::atomic<bool>& stop)>;
@@ -40,3 +42,5 @@ inline EngineResult Failed(int status, const char* code, const char* message) {
   result.message = message;
   return result;
 }
+
+}  // namespace quillmarch::service

@@ -8,6 +8,8 @@
 #include <thread>
 #include <utility>
 
+namespace quillmarch::service {
+
 struct ScriptedModel::State {
   std::vector<ModelStep> steps;
   std::unique_ptr<httplib::Server> server;
@@ -84,3 +86,5 @@ void ScriptedModel::WaitForRequests(std::size_t count) const {
   std::unique_lock lock(state_->mutex);
   state_->changed.wait(lock, [&] { return state_->requests.size() >= count; });
 }
+
+}  // namespace quillmarch::service

@@ -8,6 +8,8 @@
 
 #include "service/TestCertificate.h"
 
+namespace quillmarch::service {
+
 struct ModelStep {
   int status = 200;
   std::string body;
@@ -37,3 +39,5 @@ class ScriptedModel {
   struct State;
   std::unique_ptr<State> state_;
 };
+
+}  // namespace quillmarch::service

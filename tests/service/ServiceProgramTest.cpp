@@ -10,7 +10,9 @@
 
 #include "service/LoopbackClient.h"
 #include "service/RunningService.h"
-#include "service/TemporaryFolder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 namespace {
 
@@ -79,16 +81,16 @@ class Program {
 }  // namespace
 
 TEST(ServiceProgram, ServesUntilASignalAndWritesItsLog) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   for (const int number : {SIGTERM, SIGINT}) {
-    Program program({"--engine", "pseudo", "--growth", "2", "--log", folder.path("log")});
+    Program program({"--engine", "pseudo", "--growth", "2", "--log", folder.Path("log")});
     const std::uint16_t port = program.Listening();
     EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText).body,
               R"({"translations":["⟦Plan Pla⟧"]})");
     program.Signal(number);
     EXPECT_EQ(program.ExitCode(), 0);
   }
-  std::ifstream log(folder.path("log"));
+  std::ifstream log(folder.Path("log"));
   int lines = 0;
   for (std::string line; std::getline(log, line); ++lines) {
     EXPECT_NE(line.find("POST /v1/translate 200 texts=1 chars=4 ms="), std::string::npos) << line;
@@ -97,8 +99,8 @@ TEST(ServiceProgram, ServesUntilASignalAndWritesItsLog) {
 }
 
 TEST(ServiceProgram, ReadsItsTokenFile) {
-  const TemporaryFolder folder;
-  Program program({"--engine", "pseudo", "--token-file", folder.Write("tokens", "secret\n")});
+  const TempFolder folder;
+  Program program({"--engine", "pseudo", "--token-file", folder.Put("tokens", "secret\n")});
   const std::uint16_t port = program.Listening();
   EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText).status, 401);
   EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText, {"Authorization: Bearer secret"}).status,
@@ -125,12 +127,12 @@ TEST(ServiceProgram, WrongUsageExitsWith2) {
 }
 
 TEST(ServiceProgram, WhatKeepsItFromStartingIsOneSentenceAndExit1) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   const RunningService other;
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"--port", std::to_string(other.port())},
-        {"--token-file", folder.path("none")},
-        {"--log", folder.path("no/such/folder/log")},
+        {"--token-file", folder.Path("none")},
+        {"--log", folder.Path("no/such/folder/log")},
         {"--growth", "0"}}) {
     std::vector<std::string> all = {"--engine", "pseudo"};
     all.insert(all.end(), arguments.begin(), arguments.end());
@@ -141,3 +143,5 @@ TEST(ServiceProgram, WhatKeepsItFromStartingIsOneSentenceAndExit1) {
     EXPECT_EQ(text.find('\n'), text.size() - 1) << text;
   }
 }
+
+}  // namespace quillmarch::service

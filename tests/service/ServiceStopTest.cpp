@@ -5,6 +5,8 @@
 
 #include "service/RunningService.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 // Far above what a stop takes and far below the limits that a connection has by itself.
@@ -78,3 +80,5 @@ TEST(ServiceStop, AClientThatDoesNotReadDoesNotHoldItUp) {
   deaf.WaitReadable();
   EXPECT_TRUE(StopsSoon(*running.service));
 }
+
+}  // namespace quillmarch::service

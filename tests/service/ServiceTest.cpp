@@ -5,7 +5,9 @@
 #include <regex>
 
 #include "service/RunningService.h"
-#include "service/TemporaryFolder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 namespace {
 
@@ -79,9 +81,9 @@ TEST(Service, AMissingOrWrongTokenIsUnauthorized) {
 }
 
 TEST(Service, CreditsOfTheTokenFileRunOut) {
-  const TemporaryFolder folder;
+  const TempFolder folder;
   ServiceOptions options;
-  options.tokenFile = folder.Write("tokens", "poor 6\nrich\n");
+  options.tokenFile = folder.Put("tokens", "poor 6\nrich\n");
   const RunningService running(options);
   EXPECT_EQ(running.Post(kOneText, {"Authorization: Bearer poor"}).status, 200);
   const HttpReply refused = running.Post(kOneText, {"Authorization: Bearer poor"});
@@ -241,3 +243,5 @@ TEST(Service, ATokenFileThatCantBeReadIsRefused) {
   EXPECT_EQ(Service::Start(options, std::make_unique<ScriptedEngine>(Echo), error), nullptr);
   EXPECT_NE(error.find("/nowhere/tokens"), std::string::npos) << error;
 }
+
+}  // namespace quillmarch::service

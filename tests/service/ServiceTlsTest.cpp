@@ -3,6 +3,8 @@
 #include "service/RunningService.h"
 #include "service/TestCertificate.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 class Tls : public testing::Test {
@@ -16,7 +18,7 @@ class Tls : public testing::Test {
   static std::string Url(const RunningService& running, const char* host = "localhost") {
     return std::string("https://") + host + ":" + std::to_string(running.port()) + "/v1/translate";
   }
-  TemporaryFolder folder;
+  TempFolder folder;
   TestCertificate certificate = MakeTestCertificate(folder, "ours");
 };
 
@@ -73,6 +75,8 @@ TEST_F(Tls, FilesThatDoNotBelongTogetherAreRefused) {
     return error;
   };
   EXPECT_NE(start(certificate.certificateFile, other.keyFile).find("other.key"), std::string::npos);
-  EXPECT_NE(start(folder.path("none"), certificate.keyFile).find("none"), std::string::npos);
+  EXPECT_NE(start(folder.Path("none"), certificate.keyFile).find("none"), std::string::npos);
   EXPECT_NE(start(certificate.certificateFile, "").find("both"), std::string::npos);
 }
+
+}  // namespace quillmarch::service

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <memory>
 
+namespace quillmarch::service {
+
 namespace {
 
 void AddExtension(X509* certificate, int kind, const char* value) {
@@ -25,7 +27,7 @@ std::string WriteFile(const std::string& path, Write write) {
 
 }  // namespace
 
-TestCertificate MakeTestCertificate(const TemporaryFolder& folder, const std::string& name) {
+TestCertificate MakeTestCertificate(const TempFolder& folder, const std::string& name) {
   const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(EVP_EC_gen("P-256"),
                                                                 &EVP_PKEY_free);
   const std::unique_ptr<X509, decltype(&X509_free)> owned(X509_new(), &X509_free);
@@ -42,9 +44,11 @@ TestCertificate MakeTestCertificate(const TemporaryFolder& folder, const std::st
   AddExtension(certificate, NID_basic_constraints, "critical,CA:TRUE");
   AddExtension(certificate, NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1");
   X509_sign(certificate, key.get(), EVP_sha256());
-  return {WriteFile(folder.path(name + ".crt"),
+  return {WriteFile(folder.Path(name + ".crt"),
                     [&](std::FILE* file) { PEM_write_X509(file, certificate); }),
-          WriteFile(folder.path(name + ".key"), [&](std::FILE* file) {
+          WriteFile(folder.Path(name + ".key"), [&](std::FILE* file) {
             PEM_write_PrivateKey(file, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
           })};
 }
+
+}  // namespace quillmarch::service

@@ -3,11 +3,15 @@
 
 #include <string>
 
-#include "service/TemporaryFolder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 struct TestCertificate {
   std::string certificateFile;
   std::string keyFile;
 };
 
-TestCertificate MakeTestCertificate(const TemporaryFolder& folder, const std::string& name);
+TestCertificate MakeTestCertificate(const TempFolder& folder, const std::string& name);
+
+}  // namespace quillmarch::service

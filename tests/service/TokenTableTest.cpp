@@ -2,14 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "service/TemporaryFolder.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 namespace {
 
 class TokenFile : public testing::Test {
  protected:
-  bool Load(const std::string& text) { return table.AddFile(folder.Write("tokens", text), error); }
-  TemporaryFolder folder;
+  bool Load(const std::string& text) { return table.AddFile(folder.Put("tokens", text), error); }
+  TempFolder folder;
   TokenTable table;
   std::string error;
 };
@@ -45,8 +47,8 @@ TEST_F(TokenFile, AFileWithoutTokensIsRefusedRatherThanOpeningTheServiceToAll) {
 }
 
 TEST_F(TokenFile, AMissingFileAndAFolderAreRefused) {
-  EXPECT_FALSE(table.AddFile(folder.path("none"), error));
-  EXPECT_FALSE(table.AddFile(folder.path("."), error));
+  EXPECT_FALSE(table.AddFile(folder.Path("none"), error));
+  EXPECT_FALSE(table.AddFile(folder.Path("."), error));
 }
 
 TEST(TokenTable, WithoutTokensEverybodyIsServed) {
@@ -66,3 +68,5 @@ TEST(TokenTable, TheSchemeIsReadInAnyCaseAndTheTokenExactly) {
   EXPECT_FALSE(table.Find("Secret"));
   EXPECT_FALSE(table.Find(""));
 }
+
+}  // namespace quillmarch::service

@@ -6,6 +6,8 @@
 
 #include "service/ScriptedEngine.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 struct Asked {
@@ -175,3 +177,5 @@ TEST(TranslateRequest, CreditsAreTakenInUtf16UnitsAndGivenBackWhenTheEngineFails
   EXPECT_EQ(ask(), 200);
   EXPECT_EQ(ask(), 402);
 }
+
+}  // namespace quillmarch::service

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace quillmarch::service {
+
 TEST(Utf8, ValidTextStaysAsItIs) {
   const std::string text = "Aé中😀";
   EXPECT_EQ(ValidUtf8(text), text);
@@ -34,3 +36,5 @@ TEST(Utf8, ABlankTextIsAllLeading) {
   EXPECT_EQ(TrimBlanks(" \t ").core, "");
   EXPECT_EQ(TrimBlanks("").core, "");
 }
+
+}  // namespace quillmarch::service

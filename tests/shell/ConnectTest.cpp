@@ -5,10 +5,12 @@
 
 #include <chrono>
 
-#include "foundation/HostId.h"
+#include "foundation/automation/HostId.h"
 #include "pane/LivePanes.h"
 #include "shell/ShellHarness.h"
 #include "support/ScriptedObject.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -231,3 +233,5 @@ TEST(Connection, AnyOrderOfItsCallsIsTolerated) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

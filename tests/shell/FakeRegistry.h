@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "foundation/UserRegistry.h"
+#include "foundation/seams/UserRegistry.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class FakeRegistry final : public UserRegistry {
  public:
@@ -104,4 +104,4 @@ class FakeRegistry final : public UserRegistry {
   }
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "shell/TaskPane.h"
+#include "foundation/seams/TaskPane.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // The host's side of one task pane; it stays when the add-in has let go.
 struct TaskPaneState {
@@ -72,4 +72,4 @@ class FakeTaskPane final : public TaskPane {
   std::shared_ptr<TaskPaneState> state_;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

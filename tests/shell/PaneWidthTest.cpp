@@ -5,8 +5,10 @@
 
 #include <filesystem>
 
-#include "foundation/HostId.h"
+#include "foundation/automation/HostId.h"
 #include "shell/ShellHarness.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -480,3 +482,5 @@ TEST(ConnectWidth, APaneThatGoesInsideItsOwnPollIsNotTouchedAgain) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

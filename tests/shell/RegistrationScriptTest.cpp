@@ -5,6 +5,8 @@
 
 #include "shell/FakeRegistry.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 using test::FakeRegistry;
@@ -153,3 +155,5 @@ TEST(ResultOfWin32, MakesAnHresultOfAnyFailure) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

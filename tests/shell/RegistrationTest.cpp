@@ -6,6 +6,8 @@
 #include "shell/FakeRegistry.h"
 #include "shell/SourceResources.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 using test::FakeRegistry;
@@ -288,3 +290,5 @@ TEST_F(Registration, TheResultOfUnregisteringIsThatOfTheScriptsAlone) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

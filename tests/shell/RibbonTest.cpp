@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <map>
 
-#include "foundation/DisplayLanguage.h"
-#include "foundation/HostId.h"
+#include "foundation/automation/HostId.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "shell/ShellHarness.h"
 #include "support/ScriptedObject.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -450,3 +452,5 @@ TEST_F(RibbonInvoke, ABrowserThatCannotBeOpenedIsToldAndIsAFailure) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -1,12 +1,12 @@
 #include "shell/ShellHarness.h"
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
 #include "pane/WebViewHost.h"
 #include "support/ScriptedObject.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -123,4 +123,4 @@ ResultCode ShellHarness::Create(const Wide& progId, const Wide& title,
   return kOk;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

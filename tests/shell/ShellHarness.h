@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Analytics.h"
-#include "foundation/UserConfigFile.h"
+#include "foundation/identity/Analytics.h"
+#include "foundation/settings/UserConfigFile.h"
 #include "pane/CPptPane.h"
 #include "shell/CConnect.h"
 #include "shell/FakeTaskPane.h"
@@ -19,7 +19,7 @@
 #include "support/ScriptedDesktop.h"
 #include "support/ScriptedInput.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class NoFonts final : public FontList {
  public:
@@ -85,4 +85,4 @@ class ShellHarness {
   std::vector<Made> made_;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

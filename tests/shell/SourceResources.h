@@ -1,10 +1,10 @@
 // The module's resources as they stand in the source tree.
 #pragma once
 
-#include "foundation/Files.h"
+#include "foundation/system/Files.h"
 #include "shell/ModuleResources.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class SourceResources final : public ModuleResources {
  public:
@@ -21,4 +21,4 @@ class SourceResources final : public ModuleResources {
   std::uint16_t missing = 0;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -1,11 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "foundation/DisplayLanguage.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "pane/HandOver.h"
 #include "shell/ResolveWindow.h"
 #include "shell/ShellHarness.h"
 #include "support/ScriptedObject.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -462,3 +464,5 @@ TEST(TaskPanes, ADisconnectionInsideAPrunedPanesHidingIsSurvived) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -7,9 +7,9 @@
 #include <fstream>
 #include <utility>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -127,4 +127,4 @@ std::string ConversationReplay::WithActualIds(std::string text) const {
   return text;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -21,7 +21,7 @@
 #include "support/ManualHostThread.h"
 #include "support/ScriptedWebView.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ConversationReplay {
  public:
@@ -55,4 +55,4 @@ class ConversationReplay {
   bool recording_ = false;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

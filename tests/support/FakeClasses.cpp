@@ -1,8 +1,8 @@
 #include "support/FakeClasses.h"
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -472,4 +472,4 @@ const FakeClass& ShapeClass() {
   return made;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -3,7 +3,7 @@
 
 #include "support/FakeObject.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 const FakeClass& ApplicationClass();
 const FakeClass& SlidesClass();
@@ -49,4 +49,4 @@ FakeMember WithPut(FakeMember member,
   return member;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

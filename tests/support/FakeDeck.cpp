@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 constexpr std::int32_t kFirstSlideId = 256;
@@ -98,4 +98,4 @@ FakeShapeRef TableShape(const std::vector<std::vector<Wide>>& cells) {
   return shape;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // What every node can be told to refuse.
 struct FakeNode {
@@ -123,4 +123,4 @@ FakeShapeRef PictureShape();
 FakeShapeRef GroupShape(FakeShapes children);
 FakeShapeRef TableShape(const std::vector<std::vector<Wide>>& cells);
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -5,7 +5,7 @@
 #include "support/FakeClasses.h"
 #include "support/FakeObject.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 constexpr std::int32_t kFirstHwnd = 0x10010;
@@ -72,4 +72,4 @@ void FakeHost::CheckThread() const {
   EXPECT_EQ(std::this_thread::get_id(), hostThread_) << "a host object was touched by a worker";
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -9,12 +9,12 @@
 #include <thread>
 #include <vector>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Variant.h"
-#include "foundation/WindowContext.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/Variant.h"
+#include "foundation/automation/WindowContext.h"
 #include "support/FakeDeck.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // What a host does in its own way.
 struct FakePersonality {
@@ -69,4 +69,4 @@ class FakeHost {
   std::thread::id hostThread_ = std::this_thread::get_id();
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -79,4 +79,4 @@ ResultCode FakeObject::QueryTyped(const InterfaceId& iid, ObjectRef& out) {
   return kOk;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Variant.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/Variant.h"
 #include "support/FakeHost.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 using FakeArgs = std::vector<Variant>;  // natural order; in a put the one new value
 
@@ -57,4 +57,4 @@ class FakeObject final : public AutomationObject {
   int references_ = 1;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

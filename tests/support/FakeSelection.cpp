@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "support/FakeClasses.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -134,4 +134,4 @@ ObjectRef SelectionObject(FakeHost& host, const std::shared_ptr<FakeWindow>& win
   return FakeObject::Make(host, SelectionClass(), node);
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "foundation/HostMembers.h"
+#include "foundation/automation/HostMembers.h"
 #include "support/FakeClasses.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -298,4 +298,4 @@ ObjectRef StretchOf(FakeHost& host, const std::shared_ptr<FakeText>& text, std::
   return RangeObjectOf(host, text, start, length, length);
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

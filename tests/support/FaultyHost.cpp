@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -86,4 +86,4 @@ bool FaultyHost::FailsNow(bool typed, std::uintptr_t identity) {
   return true;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

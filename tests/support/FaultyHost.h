@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Variant.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/Variant.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 enum class FaultMode {
   kLateBound,  // counts and fails calls of the late-bound road
@@ -47,4 +47,4 @@ class FaultyHost {
   std::uintptr_t echoIdentity_ = 0;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

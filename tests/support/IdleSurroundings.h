@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/FontList.h"
-#include "foundation/HostThread.h"
+#include "foundation/seams/FontList.h"
+#include "foundation/seams/HostThread.h"
 #include "host/driver/IdleHands.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // Runs what was posted when it is told to or waits. Its timers never fire.
 class IdleThread final : public HostThread {
@@ -50,4 +50,4 @@ class TwoFonts final : public FontList {
   std::vector<Wide> FamilyNames() override { return {u"Arial", u"@Mincho"}; }
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "foundation/DebugOutput.h"
-#include "foundation/Wide.h"
+#include "foundation/log/DebugOutput.h"
+#include "foundation/text/Wide.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 LogCapture::LogCapture() {
   SetDebugListener([this](WideView text) {
@@ -46,4 +46,4 @@ std::string LogCapture::Joined() const {
   return all;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

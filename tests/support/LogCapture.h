@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class LogCapture {
  public:
@@ -27,4 +27,4 @@ class LogCapture {
   std::vector<std::string> lines_;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

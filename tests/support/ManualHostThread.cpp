@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 constexpr std::uint64_t kGapMs = 1000000;
@@ -132,4 +132,4 @@ void ManualHostThread::WaitForPostOrOutsideWork(std::uint32_t ms) {
                     [this] { return outside_ <= 0 || !posts_.empty(); });
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

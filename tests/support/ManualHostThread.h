@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/HostThread.h"
+#include "foundation/seams/HostThread.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ManualHostThread final : public HostThread {
  public:
@@ -76,4 +76,4 @@ class ManualHostThread final : public HostThread {
   std::thread::id owner_ = std::this_thread::get_id();
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

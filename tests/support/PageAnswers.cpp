@@ -1,8 +1,8 @@
 #include "support/PageAnswers.h"
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 Wide AnswerTo(const Wide& message) {
   const Wide action = JsonGetString(message, u"action");
@@ -21,4 +21,4 @@ Wide AnswerTo(const Wide& message) {
   return json + u"]}";
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

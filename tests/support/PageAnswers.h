@@ -1,12 +1,12 @@
 // What a page answers to the pane's requests.
 #pragma once
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // Every text of a request for translations as "T(text)"; no terms to a request for terms; empty for
 // any other message.
 Wide AnswerTo(const Wide& message);
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

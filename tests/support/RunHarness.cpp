@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <utility>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 namespace {
 
@@ -180,4 +180,4 @@ TranslateBatchResult RunHarness::Answer(const TranslateBatchRequest& request) {
   return result;
 }
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

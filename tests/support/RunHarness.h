@@ -14,7 +14,7 @@
 #include "support/ManualHostThread.h"
 #include "support/ScriptedInput.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 inline constexpr std::uint32_t kTickMs = 120;
 
@@ -90,4 +90,4 @@ class RunHarness {
   bool held_ = false;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

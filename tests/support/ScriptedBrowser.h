@@ -6,7 +6,7 @@
 
 #include "support/ScriptedWebView.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ScriptedBrowser final : public WebViewLoader {
  public:
@@ -57,4 +57,4 @@ class ScriptedBrowser final : public WebViewLoader {
   std::weak_ptr<WebViewSink> sink_;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

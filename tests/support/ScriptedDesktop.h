@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Desktop.h"
+#include "foundation/seams/Desktop.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ScriptedDesktop final : public Desktop {
  public:
@@ -40,4 +40,4 @@ class ScriptedDesktop final : public Desktop {
   std::intptr_t openResult = 42;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ScriptedDispatch final : public IDispatch {
  public:
@@ -109,4 +109,4 @@ class ScriptedDispatch final : public IDispatch {
   std::vector<Call> calls_;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

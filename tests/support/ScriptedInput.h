@@ -1,9 +1,9 @@
 // The user's hands as a test moves them.
 #pragma once
 
-#include "foundation/InputState.h"
+#include "foundation/seams/InputState.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 class ScriptedInput final : public InputState {
  public:
@@ -20,4 +20,4 @@ class ScriptedInput final : public InputState {
   std::uint32_t lastMask = 0;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

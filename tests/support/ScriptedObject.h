@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // One Invoke as the object got it.
 struct ScriptedCall {
@@ -105,4 +105,4 @@ class ScriptedObject final : public AutomationObject {
   std::vector<Wide> lookUps_;
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "foundation/WebView.h"
+#include "foundation/seams/WebView.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // Page, window's side and settings in one.
 class ScriptedWebView final : public WebView,
@@ -94,4 +94,4 @@ class ScriptedWebView final : public WebView,
   }
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "run/CollectSelection.h"
+#include "run/collect/CollectSelection.h"
 #include "support/RunHarness.h"
 
-namespace test {
+namespace quillmarch::addin::test {
 
 // Shapes are told apart by their Id, which the search for a selected one goes by.
 inline FakeShapeRef Numbered(FakeShapeRef shape, std::int32_t id) {
@@ -49,4 +49,4 @@ struct SelectionHarness {
   RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
 };
 
-}  // namespace test
+}  // namespace quillmarch::addin::test

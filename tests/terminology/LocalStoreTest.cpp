@@ -4,8 +4,10 @@
 
 #include <filesystem>
 
-#include "foundation/Files.h"
-#include "foundation/KnownFolders.h"
+#include "foundation/system/Files.h"
+#include "foundation/system/KnownFolders.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -65,3 +67,5 @@ TEST_F(LocalStore, WithoutARootTheFoldersStandAtTheDrives) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -5,6 +5,8 @@
 
 #include "terminology/LocalStore.h"
 
+namespace quillmarch::addin {
+
 TEST(StoreRoot, IsEmptyWithoutAnyDataFolder) {
   const std::string data = std::getenv("XDG_DATA_HOME");
   const char* home = std::getenv("HOME");
@@ -15,3 +17,5 @@ TEST(StoreRoot, IsEmptyWithoutAnyDataFolder) {
   ::setenv("XDG_DATA_HOME", data.c_str(), 1);
   if (home != nullptr) ::setenv("HOME", homeBefore.c_str(), 1);
 }
+
+}  // namespace quillmarch::addin

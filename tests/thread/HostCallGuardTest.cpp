@@ -4,8 +4,10 @@
 
 #include <thread>
 
-#include "foundation/Automation.h"
+#include "foundation/automation/Automation.h"
 #include "host/thread/LoopThread.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -45,3 +47,5 @@ TEST(HostCallGuardDeathTest, ACallFromAnotherThreadEndsADebugBuild) {
 #endif
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+namespace quillmarch::host {
+
 namespace {
 
 std::function<bool()> Until(const bool& flag) {
@@ -279,3 +281,5 @@ TEST(LoopThread, OnlyTheConstructingThreadIsTheHostThread) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

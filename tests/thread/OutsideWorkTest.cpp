@@ -10,6 +10,8 @@
 
 #include "host/thread/LoopThread.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 using Steady = std::chrono::steady_clock;
@@ -178,3 +180,5 @@ TEST(OutsideWork, TheClockNeverFallsWhileTheHostLeapsAndAWorkerReadsIt) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -6,6 +6,8 @@
 
 #include "host/thread/LoopThread.h"
 
+namespace quillmarch::host {
+
 namespace {
 
 TEST(PumpUntil, LetsPostsAndTimersThroughUntilItIsDone) {
@@ -55,3 +57,5 @@ TEST(PumpUntil, MayBeEnteredFromWithinItself) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "ScriptedPage.h"
 #include "translate/ResponseChecks.h"
+#include "translate/ScriptedPage.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -108,3 +110,5 @@ TEST(TranslateTexts, AFailedPlaceholderCheckIsNeitherRetriedNorSplit) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -1,11 +1,11 @@
-#include "RecordingServer.h"
+#include "translate/RecordingServer.h"
 
 #include <cstdlib>
 #include <stdexcept>
 
-#include "LoopbackExchange.h"
+#include "foundation/transport/LoopbackExchange.h"
 
-namespace recording_server {
+namespace quillmarch::addin::recording_server {
 namespace {
 
 std::string Told(const char* name) {
@@ -100,4 +100,4 @@ std::string Hex(std::string_view bytes) {
   return text;
 }
 
-}  // namespace recording_server
+}  // namespace quillmarch::addin::recording_server

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "translate/Endpoint.h"
+#include "foundation/transport/Endpoint.h"
 
-namespace recording_server {
+namespace quillmarch::addin::recording_server {
 
 // Reached as "localhost", since certificates name that. The test fails when the program was not
 // started beside a server.
@@ -32,4 +32,4 @@ std::string Request(int index);
 std::string Answer(int status, std::string_view body, std::string_view headers = {});
 std::string Hex(std::string_view bytes);
 
-}  // namespace recording_server
+}  // namespace quillmarch::addin::recording_server

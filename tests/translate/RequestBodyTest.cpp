@@ -2,8 +2,10 @@
 
 #include <limits>
 
-#include "foundation/ClientIdentity.h"
+#include "foundation/identity/ClientIdentity.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -98,3 +100,5 @@ TEST(BuildRequestBody, LanguageCodesAreTrustedAndNotEscaped) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace quillmarch::addin {
+
 namespace {
 
 const std::vector<Wide> kTwoTexts = {u"one", u"two"};
@@ -181,3 +183,5 @@ TEST(CountPlaceholders, ALongTextOfBeginningsHasNone) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

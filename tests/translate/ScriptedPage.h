@@ -8,6 +8,8 @@
 
 #include "translate/TranslateConfig.h"
 
+namespace quillmarch::addin {
+
 class ScriptedPage {
  public:
   using Answer = std::function<TranslateBatchResult(const TranslateBatchRequest&)>;
@@ -61,3 +63,5 @@ inline std::vector<Wide> NumberedTexts(std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) texts.push_back(u"text " + DecimalUnsigned(i));
   return texts;
 }
+
+}  // namespace quillmarch::addin

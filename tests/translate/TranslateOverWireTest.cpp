@@ -3,9 +3,11 @@
 #include <chrono>
 #include <future>
 
-#include "RecordingServer.h"
-#include "foundation/ClientIdentity.h"
+#include "foundation/identity/ClientIdentity.h"
+#include "translate/RecordingServer.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace server = recording_server;
 
@@ -190,3 +192,5 @@ TEST_F(TranslateOverWire, ALostPlaceholderIsAskedForOnceMore) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <future>
 
-#include "ScriptedPage.h"
+#include "translate/ScriptedPage.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -320,3 +322,5 @@ TEST(BuildBatchRequest, ATermAcrossTwoTextsIsInNeither) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -6,10 +6,12 @@
 #include <limits>
 #include <random>
 
-#include "ScriptedPage.h"
-#include "foundation/Files.h"
-#include "foundation/Log.h"
+#include "foundation/log/Log.h"
+#include "foundation/system/Files.h"
+#include "translate/ScriptedPage.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -151,3 +153,5 @@ TEST(TranslateOnce, ACancelledAttemptWritesNoLine) {
 }
 
 }  // namespace
+
+}  // namespace quillmarch::addin

@@ -1,6 +1,8 @@
 // The browser's failures at each stage, and what comes from it late.
-#include "foundation/DisplayLanguage.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "windows/host/Fixture.h"
+
+namespace quillmarch::addin {
 
 using standin::Stage;
 using winhost::Browser;
@@ -153,3 +155,5 @@ TEST_F(BrowserTest, MessagesOfThePageAreAnsweredToIt) {
   page().Say(L"\"a text and no object\"");
   page().Say(L"");
 }
+
+}  // namespace quillmarch::addin

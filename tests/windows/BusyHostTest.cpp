@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <map>
 
-#include "foundation/ComObject.h"
+#include "foundation/automation/ComObject.h"
 #include "windows/host/Fixture.h"
+
+namespace quillmarch::addin {
 
 using winhost::ModuleTest;
 using winhost::Setting;
@@ -89,3 +91,5 @@ TEST_F(BusyHostTest, ARunEndsWhateverAHostAnswersOnceForAWhileOrForGood) {
   EXPECT_GT(ends[L"onComplete"], 0);
   EXPECT_GT(ends[L"onError"], 0);
 }
+
+}  // namespace quillmarch::addin

@@ -5,8 +5,10 @@
 #include <atomic>
 #include <thread>
 
-#include "foundation/ComObject.h"
+#include "foundation/automation/ComObject.h"
 #include "windows/host/Fixture.h"
+
+namespace quillmarch::addin {
 
 using winhost::Browser;
 using winhost::CountOf;
@@ -152,3 +154,5 @@ TEST_F(CyclesTest, AWorkerThatStillRunsShows) {
   AnswerTerminology();
   EXPECT_EQ(L"onCancelled", WaitForEnd());
 }
+
+}  // namespace quillmarch::addin

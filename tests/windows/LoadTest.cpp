@@ -3,6 +3,8 @@
 
 #include "windows/host/Fixture.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 class LoadTest : public winhost::ModuleTest {};
@@ -32,3 +34,5 @@ TEST_F(LoadTest, LoadingConnectingAndGivingTheRibbonAreMeasured) {
   std::printf("load %.1f ms, OnConnection %.1f ms, GetCustomUI %.1f ms, together %.1f ms\n",
               loaded - begin, connected - loaded, end - connected, end - begin);
 }
+
+}  // namespace quillmarch::addin

@@ -7,6 +7,8 @@
 #include "windows/host/Fixture.h"
 #include "windows/host/Slots.h"
 
+namespace quillmarch::addin {
+
 using winhost::CallSlot;
 using winhost::Export;
 using winhost::ModuleTest;
@@ -362,3 +364,5 @@ TEST_F(ModuleServerTest, AControlSaysWhatItsRegistrationSays) {
   EXPECT_EQ(1234, read.cx);
   EXPECT_EQ(5678, read.cy);
 }
+
+}  // namespace quillmarch::addin

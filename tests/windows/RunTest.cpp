@@ -3,8 +3,10 @@
 #include <cstdio>
 #include <sstream>
 
-#include "foundation/ComObject.h"
+#include "foundation/automation/ComObject.h"
 #include "windows/host/Fixture.h"
+
+namespace quillmarch::addin {
 
 using winhost::CountOf;
 using winhost::Logged;
@@ -174,3 +176,5 @@ TEST_F(RefusalTest, AServiceThatNobodyVouchesForIsNotSpokenTo) {
   std::printf("refused with %s\n", ToUtf8(page().Payload(L"onError")).c_str());
   EXPECT_FALSE(VariantToFlag(Ask(u"Edited")));
 }
+
+}  // namespace quillmarch::addin

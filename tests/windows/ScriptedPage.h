@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "foundation/JsonText.h"
-#include "foundation/WinText.h"
+#include "foundation/system/WinText.h"
+#include "foundation/text/JsonText.h"
 #include "windows/browser/StandInBrowser.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 // Kept by the test beyond the view's end.
 struct PageRecord {
@@ -84,4 +84,4 @@ class ScriptedPage final : public standin::PageBackend {
   std::shared_ptr<PageRecord> record_;
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

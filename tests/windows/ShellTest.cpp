@@ -6,9 +6,11 @@
 
 #include <algorithm>
 
-#include "foundation/ComObject.h"
-#include "foundation/DisplayLanguage.h"
+#include "foundation/automation/ComObject.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "windows/host/Fixture.h"
+
+namespace quillmarch::addin {
 
 using winhost::Activation;
 using winhost::Browser;
@@ -392,3 +394,5 @@ TEST_F(ShellTest, ALinkThatCannotBeOpenedIsToldToTheUser) {
   ASSERT_EQ(1U, boxes.seen().size());
   EXPECT_EQ(FromWinText(boxes.seen()[0].text), Text(u"msg.browserFailed"));
 }
+
+}  // namespace quillmarch::addin

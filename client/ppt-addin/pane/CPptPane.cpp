@@ -4,10 +4,12 @@
 #include <exception>
 #include <utility>
 
-#include "foundation/Log.h"
+#include "foundation/log/Log.h"
+#include "foundation/log/LogNumber.h"
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
-#include "pane/LogNumber.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -191,3 +193,5 @@ void CPptPane::CallPage(const char16_t* name, const Wide& payload) {
   (((((script += function) += u"&&") += function) += u'(') += payload) += u')';
   RunScript(script);
 }
+
+}  // namespace quillmarch::addin

@@ -9,19 +9,21 @@
 #include <memory>
 #include <vector>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Desktop.h"
-#include "foundation/FontList.h"
-#include "foundation/HostThread.h"
-#include "foundation/InputState.h"
-#include "foundation/TargetStyle.h"
-#include "foundation/WebView.h"
-#include "foundation/WindowContext.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/WindowContext.h"
+#include "foundation/seams/Desktop.h"
+#include "foundation/seams/FontList.h"
+#include "foundation/seams/HostThread.h"
+#include "foundation/seams/InputState.h"
+#include "foundation/seams/WebView.h"
+#include "foundation/settings/TargetStyle.h"
+#include "foundation/transport/Endpoint.h"
 #include "pane/MessageMap.h"
 #include "pane/PaneWindow.h"
 #include "pane/PanelTransport.h"
 #include "run/PptCtrl.h"
-#include "translate/Endpoint.h"
+
+namespace quillmarch::addin {
 
 class CPptPane;
 
@@ -224,3 +226,5 @@ void SetPaneWidthHook(PaneWidthHook hook);
 // Lets go of those whose workers have ended since; gives the number of those that have not. Every
 // new pane does this too.
 std::size_t ReleaseEndedPanes();
+
+}  // namespace quillmarch::addin

@@ -4,9 +4,11 @@
 
 #include <cstdint>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Wide.h"
-#include "foundation/WindowContext.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/WindowContext.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 struct HandOver {
   ObjectRef app;     // the host's application
@@ -18,3 +20,5 @@ struct HandOver {
 };
 
 HandOver& HandOverBlock();
+
+}  // namespace quillmarch::addin

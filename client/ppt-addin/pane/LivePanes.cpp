@@ -6,6 +6,8 @@
 
 #include "pane/CPptPane.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 struct LivePane {
@@ -51,3 +53,5 @@ void BroadcastUiLangChanged(const Wide& lang) {
   const Wide json = u"{\"action\":\"uiLangChanged\",\"uiLang\":\"" + lang + u"\"}";
   for (const std::shared_ptr<CPptPane>& pane : LivePanes()) pane->PostToPage(json);
 }
+
+}  // namespace quillmarch::addin

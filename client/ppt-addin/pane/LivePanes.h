@@ -4,7 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 class CPptPane;
 
@@ -17,3 +19,5 @@ std::vector<std::shared_ptr<CPptPane>> LivePanes();
 
 // Tells every page which language the add-in speaks now. `lang` is a normalised tag. Host thread.
 void BroadcastUiLangChanged(const Wide& lang);
+
+}  // namespace quillmarch::addin

@@ -1,5 +1,7 @@
 #include "pane/MessageMap.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 // Messages of a window class's own begin at WM_USER: none of them is ever reflected.
@@ -27,3 +29,5 @@ MessageAnswer RouteAfterStock(const WindowMessage& message) {
   }
   return {MessageRoute::kDefault, message.message - WindowMessage::kReflectedBase};
 }
+
+}  // namespace quillmarch::addin

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace quillmarch::addin {
+
 struct WindowMessage {
   static constexpr std::uint32_t kCreate = 0x0001;         // WM_CREATE
   static constexpr std::uint32_t kDestroy = 0x0002;        // WM_DESTROY
@@ -37,3 +39,5 @@ MessageAnswer RouteFirst(const WindowMessage& message);
 // What becomes of a message that the stock map has left alone: a reflected control message goes to
 // the default procedure as what it was before.
 MessageAnswer RouteAfterStock(const WindowMessage& message);
+
+}  // namespace quillmarch::addin

@@ -2,13 +2,15 @@
 #include <exception>
 #include <utility>
 
-#include "foundation/JsonText.h"
-#include "foundation/Log.h"
+#include "foundation/log/Log.h"
+#include "foundation/text/JsonText.h"
 #include "pane/CPptPane.h"
 #include "pane/RunEvents.h"
 #include "pane/RunId.h"
 #include "pane/Terminology.h"
-#include "run/StaGate.h"
+#include "run/document/StaGate.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -210,3 +212,5 @@ void CPptPane::StopFlags() {
   runControl->cancelled = 1;
   runControl->paused = 0;
 }
+
+}  // namespace quillmarch::addin

@@ -4,8 +4,10 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/Log.h"
+#include "foundation/log/Log.h"
 #include "pane/CPptPane.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -71,3 +73,5 @@ std::size_t ReleaseEndedPanes() {
   kept.erase(ended, kept.end());
   return kept.size();
 }
+
+}  // namespace quillmarch::addin

@@ -6,6 +6,8 @@
 #include <exception>
 #include <utility>
 
+namespace quillmarch::addin {
+
 namespace {
 
 // All windows of a process may share one host thread, which tells timers apart by number alone.
@@ -87,3 +89,5 @@ bool PaneWindow::lives() const {
 void PostToPane(const std::shared_ptr<PaneWindow>& window, PaneWindow::Callable call) {
   if (window != nullptr) window->Post(std::move(call));
 }
+
+}  // namespace quillmarch::addin

@@ -9,7 +9,9 @@
 #include <mutex>
 #include <utility>
 
-#include "foundation/HostThread.h"
+#include "foundation/seams/HostThread.h"
+
+namespace quillmarch::addin {
 
 class PaneWindow : public std::enable_shared_from_this<PaneWindow> {
   struct Key {};  // lets Make alone construct
@@ -54,3 +56,5 @@ class PaneWindow : public std::enable_shared_from_this<PaneWindow> {
 // The one road from any thread to a pane's window thread. A null window, or one that has gone,
 // loses the call without a word. An empty callable ends the process when its turn comes.
 void PostToPane(const std::shared_ptr<PaneWindow>& window, PaneWindow::Callable call);
+
+}  // namespace quillmarch::addin

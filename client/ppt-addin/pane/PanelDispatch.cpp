@@ -2,16 +2,19 @@
 #include <exception>
 #include <utility>
 
-#include "foundation/Automation.h"
-#include "foundation/HostMembers.h"
-#include "foundation/JsonText.h"
-#include "foundation/Log.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/FindDocumentWindow.h"
+#include "foundation/automation/HostMembers.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/TargetStyle.h"
+#include "foundation/text/JsonText.h"
 #include "pane/CPptPane.h"
 #include "pane/Terminology.h"
 #include "pane/TransportMessages.h"
-#include "run/FindDocumentWindow.h"
-#include "run/SelectionPreview.h"
-#include "run/StaGate.h"
+#include "run/collect/SelectionPreview.h"
+#include "run/document/StaGate.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -134,3 +137,5 @@ void CPptPane::CancelRun() {
   transport_.FailAllPendingTranslate(u"cancelled");
   if (currentRunId != 0) PostToPage(AbortForRunMessage(currentRunId));
 }
+
+}  // namespace quillmarch::addin

@@ -2,10 +2,12 @@
 
 #include <utility>
 
-#include "foundation/DisplayLanguage.h"
-#include "foundation/HostId.h"
-#include "foundation/Log.h"
+#include "foundation/automation/HostId.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "pane/CPptPane.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -90,3 +92,5 @@ void CPptPane::SetMode(const Wide& newMode) {
   mode = newMode;
   PostToPage(u"{\"action\":\"setMode\",\"mode\":\"" + mode + u"\"}");
 }
+
+}  // namespace quillmarch::addin

@@ -1,7 +1,9 @@
 // The panel's pages by name and by address. Pure.
 #pragma once
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 // The path of a page on the API host.
 Wide PanelPath(const Wide& page);
@@ -11,3 +13,5 @@ Wide PageFromPath(WideView path);
 
 // Equal in any case of ASCII letters, as pages compare.
 bool SamePage(WideView left, WideView right);
+
+}  // namespace quillmarch::addin

@@ -4,9 +4,11 @@
 #include <array>
 #include <utility>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "pane/Terminology.h"
 #include "pane/TransportMessages.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -198,3 +200,5 @@ bool IsSoftBridgeError(const Wide& code) {
       u"webview_unavailable", u"401",     u"402"};
   return std::find(kSoft.begin(), kSoft.end(), WideView(code)) != kSoft.end();
 }
+
+}  // namespace quillmarch::addin

@@ -11,9 +11,11 @@
 #include <thread>
 #include <vector>
 
-#include "foundation/HostThread.h"
+#include "foundation/seams/HostThread.h"
 #include "pane/PendingRequest.h"
 #include "translate/TranslateConfig.h"
+
+namespace quillmarch::addin {
 
 inline constexpr std::uint32_t kBridgeWaitMs = 120000;
 
@@ -61,3 +63,5 @@ class PanelTransport {
 
 // Whether a run goes on without terminology after the page failed with this code.
 bool IsSoftBridgeError(const Wide& code);
+
+}  // namespace quillmarch::addin

@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+namespace quillmarch::addin {
+
 void RequestEvent::Set() {
   // Told under the lock: the waiter may let go of the event as soon as it sees it set.
   const std::lock_guard lock(mutex_);
@@ -18,3 +20,5 @@ bool RequestEvent::Wait(std::uint32_t ms) {
   std::unique_lock lock(mutex_);
   return changed_.wait_for(lock, std::chrono::milliseconds(ms), [this] { return set_; });
 }
+
+}  // namespace quillmarch::addin

@@ -6,7 +6,9 @@
 #include <mutex>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 // Set once, by any thread.
 class RequestEvent {
@@ -43,3 +45,5 @@ struct PendingTerminologyRequest {
   bool done = false;
   RequestEvent event;
 };
+
+}  // namespace quillmarch::addin

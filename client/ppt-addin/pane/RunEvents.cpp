@@ -3,8 +3,10 @@
 #include <memory>
 #include <utility>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
 #include "pane/CPptPane.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -100,3 +102,5 @@ void FillRunSink(CPptPane& pane, std::uint64_t runId, RunSink& sink) {
   };
   sink.onCancelled = [road] { road.Send(u"onCancelled", AddNothing); };
 }
+
+}  // namespace quillmarch::addin

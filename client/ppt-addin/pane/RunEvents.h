@@ -5,10 +5,14 @@
 
 #include <cstdint>
 
-#include "run/RunSink.h"
+#include "run/document/RunSink.h"
+
+namespace quillmarch::addin {
 
 class CPptPane;
 
 // Host thread, before the run starts; the callables may then be called on any thread. An event
 // whose pane has gone by its turn is lost without a word.
 void FillRunSink(CPptPane& pane, std::uint64_t runId, RunSink& sink);
+
+}  // namespace quillmarch::addin

@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+namespace quillmarch::addin {
+
 namespace {
 std::atomic<std::uint64_t> runIdCounter{0};
 }  // namespace
@@ -12,3 +14,5 @@ std::uint64_t NewRunId(std::uint64_t tickCount) {
   }
   return ++runIdCounter;
 }
+
+}  // namespace quillmarch::addin

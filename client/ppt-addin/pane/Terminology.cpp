@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -52,3 +54,5 @@ bool HandleTerminologyMessage(AutomationObject*, const Wide& message, Wide& repl
   const Wide action = JsonGetString(message, u"action");
   return std::find(kActions.begin(), kActions.end(), WideView(action)) != kActions.end();
 }
+
+}  // namespace quillmarch::addin

@@ -4,9 +4,11 @@
 
 #include <vector>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Wide.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/text/Wide.h"
 #include "translate/TranslateConfig.h"
+
+namespace quillmarch::addin {
 
 // The terms and the instruction out of a resolve's answer, disabled terms left out. Never fails.
 void ReadResolvedTerms(const Wide& answer, Wide& instructionOut,
@@ -20,3 +22,5 @@ void ResolveTerminologyNative(const std::vector<Wide>& corpusTexts, Wide& instru
 // that answers it and stays empty. Host thread; `presentation` may be null.
 bool HandleTerminologyMessage(AutomationObject* application, const Wide& message, Wide& replyOut,
                               AutomationObject* presentation);
+
+}  // namespace quillmarch::addin

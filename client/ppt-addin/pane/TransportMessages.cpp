@@ -1,6 +1,8 @@
 #include "pane/TransportMessages.h"
 
-#include "foundation/JsonText.h"
+#include "foundation/text/JsonText.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -62,3 +64,5 @@ Wide TerminologyResolveMessage(const Wide& requestId, const std::vector<Wide>& g
 Wide AbortForRunMessage(std::uint64_t runId) {
   return u"{\"action\":\"translateAbortForRun\",\"runId\":" + DecimalUnsigned(runId) + u"}";
 }
+
+}  // namespace quillmarch::addin

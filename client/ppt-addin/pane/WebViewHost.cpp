@@ -5,14 +5,16 @@
 #include <exception>
 #include <utility>
 
-#include "foundation/Analytics.h"
-#include "foundation/DisplayLanguage.h"
-#include "foundation/Files.h"
-#include "foundation/KnownFolders.h"
-#include "foundation/Log.h"
+#include "foundation/identity/Analytics.h"
+#include "foundation/log/Log.h"
+#include "foundation/log/LogNumber.h"
+#include "foundation/settings/DisplayLanguage.h"
+#include "foundation/system/Files.h"
+#include "foundation/system/KnownFolders.h"
 #include "pane/CPptPane.h"
-#include "pane/LogNumber.h"
 #include "pane/PanelPages.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -188,3 +190,5 @@ void CPptPane::ReportWebViewFailure(const char16_t* stage, ResultCode code) {
                                      Desktop::kIconWarning | Desktop::kSetForeground);
   surroundings_.desktop->PutClipboardText(owner(), kSupportHandle);
 }
+
+}  // namespace quillmarch::addin

@@ -1,7 +1,9 @@
 // The process-wide side of the pane's browser.
 #pragma once
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 // The folder that all panes of all processes of the user share, made where it is missing; empty
 // when the system names no folder for the user's data.
@@ -11,3 +13,5 @@ Wide WebViewDataFolder();
 bool TakeFailureDialog();
 // As at the process's start; for tests.
 void ForgetFailureDialog();
+
+}  // namespace quillmarch::addin

@@ -4,6 +4,8 @@
 
 #include <span>
 
+namespace quillmarch {
+
 struct StringRow {
   const char16_t* key;
   const char16_t* text;
@@ -16,3 +18,5 @@ struct StringTable {
 
 // In the order of the language dialog.
 std::span<const StringTable> StringTables();
+
+}  // namespace quillmarch

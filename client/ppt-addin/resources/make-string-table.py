@@ -71,7 +71,7 @@ def main():
         raise SystemExit("\n".join(faults))
 
     lines = ["// Made from the language files; edit those.", '#include "resources/StringTable.h"', "",
-             "namespace {", ""]
+             "namespace quillmarch {", "", "namespace {", ""]
     for tag in TAGS:
         name = "k" + tag.replace("-", "")
         lines.append(f"constexpr StringRow {name}[] = {{")
@@ -81,7 +81,7 @@ def main():
     for tag in TAGS:
         lines.append(f'    {{u"{tag}", k{tag.replace("-", "")}}},')
     lines += ["};", "", "}  // namespace", "",
-              "std::span<const StringTable> StringTables() { return kTables; }", ""]
+              "std::span<const StringTable> StringTables() { return kTables; }", "", "}  // namespace quillmarch", ""]
     target.write_text("\n".join(lines), encoding="ascii")
 
 

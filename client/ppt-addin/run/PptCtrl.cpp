@@ -3,11 +3,13 @@
 #include <exception>
 #include <utility>
 
-#include "run/BusyRegistry.h"
-#include "run/RunFinish.h"
-#include "run/RunPacing.h"
-#include "run/RunStart.h"
-#include "run/RunState.h"
+#include "run/control/BusyRegistry.h"
+#include "run/control/RunFinish.h"
+#include "run/control/RunPacing.h"
+#include "run/control/RunStart.h"
+#include "run/control/RunState.h"
+
+namespace quillmarch::addin {
 
 struct PptCtrl::State : RunState {
   using RunState::RunState;
@@ -99,3 +101,5 @@ bool PptCtrl::abortRequested() const {
 bool PptCtrl::finished() const {
   return state_->finished;
 }
+
+}  // namespace quillmarch::addin

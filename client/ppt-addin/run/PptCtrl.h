@@ -4,12 +4,14 @@
 
 #include <memory>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/HostThread.h"
-#include "foundation/InputState.h"
-#include "run/RunParams.h"
-#include "run/RunRecord.h"
-#include "run/RunSink.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/seams/HostThread.h"
+#include "foundation/seams/InputState.h"
+#include "run/document/RunParams.h"
+#include "run/document/RunRecord.h"
+#include "run/document/RunSink.h"
+
+namespace quillmarch::addin {
 
 // What a run stands in: handed in at construction, outlives the run.
 struct RunSurroundings {
@@ -47,3 +49,5 @@ class PptCtrl {
   struct State;
   std::unique_ptr<State> state_;
 };
+
+}  // namespace quillmarch::addin

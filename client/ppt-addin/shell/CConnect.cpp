@@ -4,12 +4,14 @@
 #include <exception>
 #include <utility>
 
-#include "foundation/Analytics.h"
-#include "foundation/DisplayLanguage.h"
-#include "foundation/HostId.h"
-#include "foundation/Log.h"
+#include "foundation/automation/HostId.h"
+#include "foundation/identity/Analytics.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "pane/CPptPane.h"
 #include "pane/LivePanes.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -98,3 +100,5 @@ ResultCode CConnect::Enter(const std::function<ResultCode()>& body) {
 void CConnect::ShowBox(const Wide& text, std::uint32_t style) {
   surroundings_.desktop.ShowMessage(0, text, Text(u"msg.title"), style);
 }
+
+}  // namespace quillmarch::addin

@@ -7,14 +7,16 @@
 #include <memory>
 #include <span>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Desktop.h"
-#include "foundation/HostThread.h"
-#include "foundation/Variant.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/Variant.h"
+#include "foundation/seams/Desktop.h"
+#include "foundation/seams/HostThread.h"
+#include "foundation/seams/TaskPane.h"
 #include "shell/ModuleResources.h"
 #include "shell/PaneMap.h"
 #include "shell/RibbonCalls.h"
-#include "shell/TaskPane.h"
+
+namespace quillmarch::addin {
 
 // What a connection stands in. All of it outlives the connection.
 struct ShellSurroundings {
@@ -121,3 +123,5 @@ bool CtpWindowMismatch();
 
 // As at the process's start, for tests: the next connection tells the service again.
 void ForgetAddinLoaded();
+
+}  // namespace quillmarch::addin

@@ -1,9 +1,11 @@
 // The pane widths of a connection: the hook of timer 1, the first width, the save at the end.
-#include "foundation/HostId.h"
-#include "foundation/Log.h"
-#include "foundation/UserConfig.h"
+#include "foundation/automation/HostId.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/UserConfig.h"
 #include "pane/CPptPane.h"
 #include "shell/CConnect.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -72,3 +74,5 @@ std::int32_t CConnect::LoadInitialWidth() {
 void CConnect::SaveAllOnShutdown() {
   ForEachPane([](TaskPane& pane, PaneWidthState& width) { SaveWidthOnShutdown(width, pane); });
 }
+
+}  // namespace quillmarch::addin

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+namespace quillmarch::addin {
+
 class ModuleResources {
  public:
   static constexpr char16_t kXmlType[] = u"XML";
@@ -17,3 +19,5 @@ class ModuleResources {
   // The bytes of a resource as they stand in its file. False when there is none.
   virtual bool Load(const char16_t* type, std::uint16_t id, std::string& bytes) = 0;
 };
+
+}  // namespace quillmarch::addin

@@ -1,5 +1,7 @@
 #include "shell/PaneMap.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 constexpr std::int64_t kNoWindow = -1;  // all bits set
@@ -26,3 +28,5 @@ Wide ContextText(const WindowContext& context) {
   return u"hwnd=0x" + Hex(static_cast<std::uint32_t>(context.hwnd), 1) + u" id=" +
          Hex(context.id, kPointerDigits);
 }
+
+}  // namespace quillmarch::addin

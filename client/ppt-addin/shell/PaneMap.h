@@ -5,10 +5,12 @@
 #include <map>
 #include <memory>
 
-#include "foundation/Wide.h"
-#include "foundation/WindowContext.h"
+#include "foundation/automation/WindowContext.h"
+#include "foundation/seams/TaskPane.h"
+#include "foundation/text/Wide.h"
 #include "shell/PaneWidth.h"
-#include "shell/TaskPane.h"
+
+namespace quillmarch::addin {
 
 // Stands for a window, also when the host gives no handle.
 std::int64_t PaneMapKey(const WindowContext& context);
@@ -23,3 +25,5 @@ struct PaneMapEntry {
 };
 
 using PaneMap = std::map<std::int64_t, PaneMapEntry>;
+
+}  // namespace quillmarch::addin

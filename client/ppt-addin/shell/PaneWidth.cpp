@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "foundation/Log.h"
-#include "foundation/UserConfig.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/UserConfig.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -142,3 +144,5 @@ void SaveWidthOnShutdown(PaneWidthState& state, TaskPane& pane) {
   state.lastHandled = width;
   if (state.saveOk) LogLine(u"PaneWidth shutdown-save pt=" + Decimal(width));
 }
+
+}  // namespace quillmarch::addin

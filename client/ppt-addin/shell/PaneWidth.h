@@ -4,8 +4,10 @@
 
 #include <cstdint>
 
-#include "foundation/Wide.h"
-#include "shell/TaskPane.h"
+#include "foundation/seams/TaskPane.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 struct PaneWidthState {
   std::int32_t target = 0;       // width to enforce
@@ -36,3 +38,5 @@ void LogWidthPoll(WidthPoll result, const PaneWidthState& state);
 
 // Saves a width that is real and has not been saved, without waiting for it to hold.
 void SaveWidthOnShutdown(PaneWidthState& state, TaskPane& pane);
+
+}  // namespace quillmarch::addin

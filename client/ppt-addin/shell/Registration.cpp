@@ -6,6 +6,8 @@
 
 #include "shell/RegistrationScript.h"
 
+namespace quillmarch::addin {
+
 namespace {
 
 constexpr char16_t kAddinKey[] =
@@ -105,3 +107,5 @@ ResultCode WriteAddinKeys(UserRegistry& registry) {
   }
   return kOk;
 }
+
+}  // namespace quillmarch::addin

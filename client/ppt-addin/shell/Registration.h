@@ -1,10 +1,12 @@
 // What registering and unregistering the module writes, and in which order. Any apartment.
 #pragma once
 
-#include "foundation/ResultCode.h"
-#include "foundation/UserRegistry.h"
-#include "foundation/Wide.h"
+#include "foundation/seams/UserRegistry.h"
+#include "foundation/text/ResultCode.h"
+#include "foundation/text/Wide.h"
 #include "shell/ModuleResources.h"
+
+namespace quillmarch::addin {
 
 // The platform's side of registration.
 class RegistrationSystem {
@@ -34,3 +36,5 @@ ResultCode UnregisterAddin(const RegistrationSurroundings& surroundings);
 
 // The values that make the hosts load the add-in, written again over the script's.
 ResultCode WriteAddinKeys(UserRegistry& registry);
+
+}  // namespace quillmarch::addin

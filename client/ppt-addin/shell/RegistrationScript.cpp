@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+namespace quillmarch::addin {
+
 namespace {
 
 constexpr std::uint32_t kWin32Facility = 0x80070000;
@@ -292,3 +294,5 @@ ResultCode RunUnregisterScript(WideView script, const ScriptVariables& variables
   for (const ScriptKey& root : *roots) remover.Remove(root, root.name);
   return ResultOfWin32(remover.first());
 }
+
+}  // namespace quillmarch::addin

@@ -12,9 +12,11 @@
 
 #include <map>
 
-#include "foundation/ResultCode.h"
-#include "foundation/UserRegistry.h"
-#include "foundation/Wide.h"
+#include "foundation/seams/UserRegistry.h"
+#include "foundation/text/ResultCode.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 using ScriptVariables = std::map<Wide, Wide>;  // name without percent signs, text
 
@@ -34,3 +36,5 @@ ResultCode RunRegisterScript(WideView script, const ScriptVariables& variables,
 // goes on over failures, and the first is its result.
 ResultCode RunUnregisterScript(WideView script, const ScriptVariables& variables,
                                UserRegistry& registry);
+
+}  // namespace quillmarch::addin

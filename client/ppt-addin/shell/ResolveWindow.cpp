@@ -1,7 +1,9 @@
 #include "shell/ResolveWindow.h"
 
-#include "foundation/Automation.h"
-#include "foundation/HostMembers.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/HostMembers.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -76,3 +78,5 @@ bool ResolveWindow(AutomationObject* application, AutomationObject* control, Res
   return TypedGetObject(application, ppt::application::kActiveWindow, active) &&
          Found(std::move(active), u"active_window", out);
 }
+
+}  // namespace quillmarch::addin

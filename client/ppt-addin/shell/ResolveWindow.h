@@ -1,8 +1,10 @@
 // From a click on the ribbon to the document window that it was made in. Host thread only.
 #pragma once
 
-#include "foundation/AutomationObject.h"
-#include "foundation/WindowContext.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/WindowContext.h"
+
+namespace quillmarch::addin {
 
 struct ResolvedWindow {
   WindowContext context;
@@ -18,3 +20,5 @@ WindowContext ContextOfWindow(AutomationObject* window);
 
 // Whether the object is the window that the words name.
 bool IsWindow(AutomationObject* window, const WindowContext& context);
+
+}  // namespace quillmarch::addin

@@ -2,13 +2,15 @@
 #include <algorithm>
 #include <utility>
 
-#include "foundation/Analytics.h"
-#include "foundation/Automation.h"
-#include "foundation/DisplayLanguage.h"
-#include "foundation/KnownFolders.h"
-#include "foundation/Log.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/identity/Analytics.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/DisplayLanguage.h"
+#include "foundation/system/KnownFolders.h"
+#include "foundation/transport/Endpoint.h"
 #include "shell/CConnect.h"
-#include "translate/Endpoint.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -179,3 +181,5 @@ ResultCode CConnect::PdfTranslateClicked(AutomationObject*) {
     return kFail;
   });
 }
+
+}  // namespace quillmarch::addin

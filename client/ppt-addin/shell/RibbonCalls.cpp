@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
-#include "foundation/DisplayLanguage.h"
-#include "foundation/Log.h"
+#include "foundation/log/Log.h"
+#include "foundation/settings/DisplayLanguage.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -86,3 +88,5 @@ Wide ReplaceImageMso(Wide xml) {
   }
   return xml;
 }
+
+}  // namespace quillmarch::addin

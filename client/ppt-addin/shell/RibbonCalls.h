@@ -6,9 +6,11 @@
 #include <span>
 #include <string>
 
-#include "foundation/AutomationObject.h"
-#include "foundation/Variant.h"
-#include "foundation/Wide.h"
+#include "foundation/automation/AutomationObject.h"
+#include "foundation/automation/Variant.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 namespace ribbon {
 
@@ -48,3 +50,5 @@ Wide RibbonText(const Wide& id, bool tip);
 
 // Every imageMso="..." becomes getImage="GetImage".
 Wide ReplaceImageMso(Wide xml);
+
+}  // namespace quillmarch::addin

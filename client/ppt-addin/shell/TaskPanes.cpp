@@ -2,16 +2,18 @@
 #include <atomic>
 #include <utility>
 
-#include "foundation/DisplayLanguage.h"
-#include "foundation/HostId.h"
-#include "foundation/Log.h"
+#include "foundation/automation/FindDocumentWindow.h"
+#include "foundation/automation/HostId.h"
+#include "foundation/log/Log.h"
+#include "foundation/log/LogNumber.h"
+#include "foundation/settings/DisplayLanguage.h"
 #include "pane/CPptPane.h"
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
-#include "pane/LogNumber.h"
-#include "run/FindDocumentWindow.h"
 #include "shell/CConnect.h"
 #include "shell/ResolveWindow.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -243,3 +245,5 @@ void CConnect::DropPane(std::int64_t key, const PaneMapEntry& entry, const char1
   }
   panes.erase(key);
 }
+
+}  // namespace quillmarch::addin

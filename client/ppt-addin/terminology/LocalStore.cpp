@@ -1,7 +1,9 @@
 #include "terminology/LocalStore.h"
 
-#include "foundation/Files.h"
-#include "foundation/KnownFolders.h"
+#include "foundation/system/Files.h"
+#include "foundation/system/KnownFolders.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -41,3 +43,5 @@ Wide GlossaryFolder() {
 Wide InstructionFolder() {
   return MakeFolder(kInstructions);
 }
+
+}  // namespace quillmarch::addin

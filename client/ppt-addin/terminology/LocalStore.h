@@ -2,7 +2,9 @@
 // and never writes. Any thread.
 #pragma once
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 // The store's root, made where it is missing; empty when the system names no folder for it.
 Wide StoreRoot();
@@ -18,3 +20,5 @@ struct StoreFolder {
   Wide files;
 };
 StoreFolder FolderBelow(const Wide& root, WideView kind);
+
+}  // namespace quillmarch::addin

@@ -1,6 +1,8 @@
-#include "foundation/ClientIdentity.h"
-#include "foundation/JsonText.h"
+#include "foundation/identity/ClientIdentity.h"
+#include "foundation/text/JsonText.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -81,3 +83,5 @@ Wide BuildRequestBody(const TranslateBatchRequest& request) {
   body += u'}';
   return body;
 }
+
+}  // namespace quillmarch::addin

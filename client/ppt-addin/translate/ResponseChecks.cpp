@@ -2,10 +2,12 @@
 
 #include <utility>
 
-#include "foundation/CharClass.h"
-#include "foundation/JsonText.h"
-#include "translate/RunHold.h"
+#include "foundation/text/CharClass.h"
+#include "foundation/text/JsonText.h"
+#include "foundation/transport/RunHold.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -147,3 +149,5 @@ bool CheckPlaceholders(TranslateConfig& config, const std::vector<Wide>& sources
   }
   return true;
 }
+
+}  // namespace quillmarch::addin

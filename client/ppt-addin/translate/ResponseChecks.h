@@ -4,8 +4,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 #include "translate/TranslateConfig.h"
+
+namespace quillmarch::addin {
 
 TranslateBatchResult ReadTranslateResponse(std::uint32_t status, WideView body,
                                            WideView transportError, const std::vector<Wide>& texts);
@@ -15,3 +17,5 @@ std::int32_t CountPlaceholders(WideView text);
 // May replace entries of `translations`, by one further attempt each.
 bool CheckPlaceholders(TranslateConfig& config, const std::vector<Wide>& sources,
                        std::vector<Wide>& translations, Wide& outMessage, Wide& outCode);
+
+}  // namespace quillmarch::addin

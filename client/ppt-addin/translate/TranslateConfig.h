@@ -5,10 +5,12 @@
 #include <functional>
 #include <vector>
 
-#include "foundation/TargetStyle.h"
-#include "foundation/Wide.h"
-#include "translate/Endpoint.h"
-#include "translate/HttpTransport.h"
+#include "foundation/settings/TargetStyle.h"
+#include "foundation/text/Wide.h"
+#include "foundation/transport/Endpoint.h"
+#include "foundation/transport/HttpTransport.h"
+
+namespace quillmarch::addin {
 
 struct GlossaryEntry {
   Wide source;
@@ -61,3 +63,5 @@ struct TranslateConfig {
   Wide instruction;
   std::vector<GlossaryEntry> glossary;
 };
+
+}  // namespace quillmarch::addin

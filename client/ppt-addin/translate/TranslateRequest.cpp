@@ -5,9 +5,11 @@
 #include <iterator>
 #include <utility>
 
+#include "foundation/transport/RunHold.h"
 #include "translate/ResponseChecks.h"
-#include "translate/RunHold.h"
 #include "translate/TranslateTrace.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -191,3 +193,5 @@ TranslateBatchResult PostTranslate(const TranslateConfig& config,
                    &config.accessToken, &config.cancelled, &config.paused, &status);
   return ReadTranslateResponse(status, answer, transportError, request.texts);
 }
+
+}  // namespace quillmarch::addin

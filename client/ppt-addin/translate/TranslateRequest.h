@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Wide.h"
+#include "foundation/text/Wide.h"
 #include "translate/TranslateConfig.h"
+
+namespace quillmarch::addin {
 
 // True and as many translations as texts, or false with message and code. `unitIds` may be null.
 bool TranslateTexts(TranslateConfig& config, const std::vector<Wide>& texts,
@@ -28,3 +30,5 @@ Wide BuildRequestBody(const TranslateBatchRequest& request);
 TranslateBatchResult PostTranslate(const TranslateConfig& config,
                                    const TranslateBatchRequest& request);
 void WriteTranslateTrace(const char* text);
+
+}  // namespace quillmarch::addin

@@ -4,9 +4,11 @@
 #include <cstdio>
 #include <exception>
 
-#include "foundation/Files.h"
-#include "foundation/Log.h"
+#include "foundation/log/Log.h"
+#include "foundation/system/Files.h"
 #include "translate/TranslateRequest.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -45,3 +47,5 @@ void WriteTranslateTrace(const char* text) {
     // A line lost costs nobody anything; the attempt it tells of goes on.
   }
 }
+
+}  // namespace quillmarch::addin

@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <string>
 
-#include "foundation/Clock.h"
-#include "foundation/Wide.h"
+#include "foundation/system/Clock.h"
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
 
 // Buffers, with the terminator that printf puts behind a text.
 inline constexpr std::size_t kAttemptTextBuffer = 512;
@@ -31,3 +33,5 @@ std::string AttemptText(const TranslateAttempt& attempt);
 // The whole line with its line feed, at most 1535 bytes; a longer one loses its end, the line feed
 // with it.
 std::string TraceLine(const LocalTime& now, const char* text);
+
+}  // namespace quillmarch::addin

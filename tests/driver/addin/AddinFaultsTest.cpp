@@ -1,9 +1,14 @@
 // The add-in's whole life in a host whose calls fail or let anything in, one life for each call.
 #include <gtest/gtest.h>
 
-#include "AddinScene.h"
-#include "foundation/Log.h"
+#include "driver/addin/AddinScene.h"
+#include "foundation/log/Log.h"
 #include "support/FaultyHost.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -199,3 +204,5 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& intruder) { return intruder.param.name; });
 
 }  // namespace
+
+}  // namespace quillmarch::host

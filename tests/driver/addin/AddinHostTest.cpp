@@ -8,15 +8,20 @@
 #include <fstream>
 #include <iterator>
 
-#include "AddinScene.h"
-#include "foundation/DisplayLanguage.h"
-#include "foundation/UserConfig.h"
+#include "driver/addin/AddinScene.h"
+#include "foundation/settings/DisplayLanguage.h"
+#include "foundation/settings/UserConfig.h"
 #include "host/driver/HostedPane.h"
 #include "host/model/Host.h"
 #include "pane/LivePanes.h"
 #include "support/LogCapture.h"
 #include "support/PageAnswers.h"
 #include "support/ScriptedWebView.h"
+
+namespace quillmarch::host {
+
+using namespace addin;
+using namespace addin::test;
 
 namespace {
 
@@ -369,3 +374,5 @@ TEST(AddinHost, ARealDeckIsTranslatedFromItsRibbonButtonToTheBytesThatAPaneAlone
 }
 
 }  // namespace
+
+}  // namespace quillmarch::host

@@ -1,13 +1,16 @@
-#include "AddinScene.h"
+#include "driver/addin/AddinScene.h"
 
-#include "foundation/Analytics.h"
-#include "foundation/JsonText.h"
+#include "foundation/identity/Analytics.h"
+#include "foundation/text/JsonText.h"
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
 #include "pane/WebViewHost.h"
 #include "support/PageAnswers.h"
 
-namespace test {
+namespace quillmarch::host::test {
+
+using namespace addin;
+using namespace addin::test;
 
 AddinScene::AddinScene() {
   ForgetAddinLoaded();
@@ -89,4 +92,4 @@ RunRequest WholeDeck() {
   return {.targetLang = u"es", .viaPage = true};
 }
 
-}  // namespace test
+}  // namespace quillmarch::host::test

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/UserConfigFile.h"
+#include "foundation/settings/UserConfigFile.h"
 #include "host/driver/AddinHost.h"
 #include "host/driver/IdleHands.h"
 #include "host/thread/LoopThread.h"
@@ -14,7 +14,10 @@
 #include "support/FakeHost.h"
 #include "support/ScriptedDesktop.h"
 
-namespace test {
+namespace quillmarch::host::test {
+
+using namespace addin;
+using namespace addin::test;
 
 class NoFonts final : public FontList {
  public:
@@ -71,4 +74,4 @@ class AddinScene {
 // A whole deck, the requests made by the page.
 RunRequest WholeDeck();
 
-}  // namespace test
+}  // namespace quillmarch::host::test

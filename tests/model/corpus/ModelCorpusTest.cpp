@@ -12,10 +12,12 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Automation.h"
-#include "foundation/HostMembers.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
 #include "model/DeckBuilder.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -257,7 +259,7 @@ class ModelCorpus : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(ModelCorpus, ReadingAllOfItByBothRoadsLeavesTheSameFile) {
   for (const char* personality : {"powerpoint", "nested"}) {
-    testdeck::Scratch scratch;
+    TempFolder scratch;
     Host host(*FindPersonality(personality));
     std::vector<std::string> warnings;
     const PackageResult<bool> opened = host.Open(GetParam(), warnings);
@@ -265,20 +267,20 @@ TEST_P(ModelCorpus, ReadingAllOfItByBothRoadsLeavesTheSameFile) {
     Walk walk;
     walk.Deck(host);
     EXPECT_FALSE(host.Edited());
-    ASSERT_TRUE(host.Save(scratch.File("copy.pptx")).ok);
-    EXPECT_EQ(FileBytes(scratch.File("copy.pptx")), FileBytes(GetParam()));
+    ASSERT_TRUE(host.Save(scratch.Path("copy.pptx")).ok);
+    EXPECT_EQ(FileBytes(scratch.Path("copy.pptx")), FileBytes(GetParam()));
   }
 }
 
 TEST_P(ModelCorpus, MarkingEveryParagraphChangesTheTextsAndNothingElse) {
-  testdeck::Scratch scratch;
+  TempFolder scratch;
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
   ASSERT_TRUE(host.Open(GetParam(), warnings).ok);
   Walk walk;
   walk.mark = true;
   walk.Deck(host);
-  const std::string target = scratch.File("marked.pptx");
+  const std::string target = scratch.Path("marked.pptx");
   ASSERT_TRUE(host.Save(target).ok);
 
   const auto before = AllParts(GetParam());
@@ -346,3 +348,5 @@ INSTANTIATE_TEST_SUITE_P(Decks, ModelCorpus, ::testing::ValuesIn(Decks()), [](co
 });
 
 }  // namespace
+
+}  // namespace quillmarch::host

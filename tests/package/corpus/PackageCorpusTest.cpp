@@ -5,14 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "host/package/Namespaces.h"
 #include "host/package/Package.h"
-#include "host/package/Splice.h"
-#include "host/package/Utf16Xml.h"
-#include "host/package/XmlCheck.h"
-#include "host/package/XmlText.h"
-#include "package/TempFolder.h"
-#include "package/XmlJudge.h"
+#include "host/package/xml/Namespaces.h"
+#include "host/package/xml/Splice.h"
+#include "host/package/xml/Utf16Xml.h"
+#include "host/package/xml/XmlCheck.h"
+#include "host/package/xml/XmlText.h"
+#include "package/xml/XmlJudge.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::host {
 
 namespace {
 
@@ -218,3 +220,5 @@ TEST(Corpus, EveryBadFileIsRefusedInOneSentenceOrMissesAPartOrIsNoPresentation) 
     EXPECT_EQ(sentence.find('\n'), std::string::npos) << path << ": " << sentence;
   }
 }
+
+}  // namespace quillmarch::host

@@ -7,6 +7,8 @@
 #include "service/engines/Engine.h"
 #include "service/engines/LockedSpans.h"
 
+namespace quillmarch::service {
+
 namespace {
 
 using Strings = std::vector<std::string>;
@@ -227,3 +229,5 @@ TEST_F(Apertium, AStopIsHeeded) {
   EXPECT_FALSE(result.ok);
   EXPECT_EQ(result.code, "shutting_down");
 }
+
+}  // namespace quillmarch::service

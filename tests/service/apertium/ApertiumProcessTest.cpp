@@ -7,8 +7,10 @@
 
 #include <thread>
 
-#include "service/TemporaryFolder.h"
 #include "service/engines/Engine.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::service {
 
 namespace {
 
@@ -32,23 +34,23 @@ done
 class Process : public testing::Test {
  protected:
   Process() {
-    const std::string program = folder.Write("fake", kFake);
+    const std::string program = folder.Put("fake", kFake);
     chmod(program.c_str(), 0755);
-    mode = folder.Write("eng-spa.mode", program + "\n");
+    mode = folder.Put("eng-spa.mode", program + "\n");
   }
   int Starts() const {
-    std::ifstream file(folder.path("pid"));
+    std::ifstream file(folder.Path("pid"));
     int count = 0;
     for (std::string line; std::getline(file, line);) ++count;
     return count;
   }
   pid_t LastPid() const {
-    std::ifstream file(folder.path("pid"));
+    std::ifstream file(folder.Path("pid"));
     pid_t last = 0;
     for (pid_t pid = 0; file >> pid;) last = pid;
     return last;
   }
-  TemporaryFolder folder;
+  TempFolder folder;
   std::string mode;
   std::atomic<bool> stop{false};
   Strings out;
@@ -125,14 +127,14 @@ TEST_F(Process, ItEndsWithItsKeeper) {
 }
 
 TEST_F(Process, AMissingModeDies) {
-  ApertiumProcess process(folder.path("none.mode"), kLong);
+  ApertiumProcess process(folder.Path("none.mode"), kLong);
   EXPECT_EQ(process.Translate({"a"}, out, stop), Outcome::kDied);
 }
 
 TEST_F(Process, TheEngineSurvivesAPipelineThatDiedSinceTheLastRequest) {
   EngineOptions options;
   options.name = "apertium";
-  options.apertiumModes = folder.path(".");
+  options.apertiumModes = folder.Path(".");
   std::string error;
   const std::unique_ptr<Engine> engine = MakeEngine(options, error);
   ASSERT_NE(engine, nullptr) << error;
@@ -150,3 +152,5 @@ TEST_F(Process, TheEngineSurvivesAPipelineThatDiedSinceTheLastRequest) {
   EXPECT_EQ(result.code, "engine_failed");
   EXPECT_EQ(Starts(), 3);
 }
+
+}  // namespace quillmarch::service

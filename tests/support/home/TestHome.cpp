@@ -4,7 +4,10 @@
 #include <cstdlib>
 #include <memory>
 
-#include "foundation/TempFolder.h"
+#include "foundation/text/Wide.h"
+#include "support/TempFolder.h"
+
+namespace quillmarch::addin {
 
 namespace {
 
@@ -25,3 +28,5 @@ const auto* const kHome =
     ::testing::AddGlobalTestEnvironment(std::make_unique<TestHome>().release());
 
 }  // namespace
+
+}  // namespace quillmarch::addin

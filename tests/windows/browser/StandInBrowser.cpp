@@ -12,6 +12,8 @@
 #include <map>
 #include <utility>
 
+namespace quillmarch::addin {
+
 namespace standin {
 
 namespace {
@@ -503,3 +505,5 @@ __declspec(dllexport) standin::Control* StandInBrowserControl() {
   return &standin::TheLibrary();
 }
 }
+
+}  // namespace quillmarch::addin

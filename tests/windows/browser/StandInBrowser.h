@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace standin {
+namespace quillmarch::addin::standin {
 
 // What a page has to tell the view that it is shown in. Called on the view's thread.
 class PageEvents {
@@ -69,4 +69,4 @@ class Control {
 using GetControl = Control* (*)();
 inline constexpr char kGetControl[] = "StandInBrowserControl";
 
-}  // namespace standin
+}  // namespace quillmarch::addin::standin

@@ -8,7 +8,7 @@
 
 #include "windows/host/Slots.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 namespace {
 
@@ -166,4 +166,4 @@ void AddinHost::Stop() {
   Unload();
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -10,11 +10,11 @@
 #include <map>
 #include <string>
 
-#include "foundation/ComPtr.h"
+#include "foundation/automation/ComPtr.h"
 #include "windows/host/RibbonObjects.h"
 #include "windows/host/TaskPaneHost.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 class AddinHost {
  public:
@@ -65,4 +65,4 @@ class AddinHost {
   SAFEARRAY* custom_ = nullptr;
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

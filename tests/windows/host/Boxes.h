@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 struct Box {
   std::wstring title;
@@ -72,4 +72,4 @@ class Boxes {
   std::thread thread_;
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

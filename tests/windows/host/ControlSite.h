@@ -8,7 +8,7 @@
 
 #include "windows/host/TaskPaneHost.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 class ControlSite final : public IOleClientSite,
                           public IOleInPlaceSite,
@@ -134,4 +134,4 @@ class ControlSite final : public IOleClientSite,
   ULONG references_ = 1;
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -5,15 +5,15 @@
 #include <fstream>
 #include <iterator>
 
-#include "foundation/Automation.h"
-#include "foundation/ComObject.h"
-#include "foundation/Files.h"
-#include "foundation/KnownFolders.h"
-#include "foundation/LiveCounts.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/ComObject.h"
+#include "foundation/system/Files.h"
+#include "foundation/system/KnownFolders.h"
+#include "foundation/system/LiveCounts.h"
 #include "windows/host/ControlSite.h"
 #include "windows/host/Slots.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 namespace {
 
@@ -226,4 +226,4 @@ ComPtr<IDispatch> ModuleTest::OpenSample() {
   return OpenDeck(Setting(L"QUILLMARCH_TEST_SAMPLES") + L"/quarterly-review.pptx");
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "foundation/Automation.h"
-#include "foundation/LiveCounts.h"
+#include "foundation/automation/Automation.h"
+#include "foundation/system/LiveCounts.h"
 #include "windows/ScriptedPage.h"
 #include "windows/browser/StandInBrowser.h"
 #include "windows/host/AddinHost.h"
@@ -17,7 +17,7 @@
 #include "windows/host/Pump.h"
 #include "windows/host/RemoteWorld.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 // Of the environment that the test program was started in; empty where it says nothing.
 std::wstring Setting(const wchar_t* name);
@@ -76,4 +76,4 @@ class ModuleTest : public ::testing::Test {
   bool keptByAWorker = false;  // the test leaves a busy worker behind, with what it holds
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 class HostObject : public IDispatch {
  public:
@@ -91,4 +91,4 @@ inline VARIANT ObjectValue(IDispatch* object) {
   return value;
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

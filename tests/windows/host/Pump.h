@@ -5,7 +5,7 @@
 
 #include <functional>
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 // Handles messages until `done`; false when that does not come about.
 inline bool PumpUntil(const std::function<bool()>& done, DWORD ms = 60000) {
@@ -28,4 +28,4 @@ inline void PumpFor(DWORD ms) {
   PumpUntil([end] { return GetTickCount64() >= end; }, ms + 1000);
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/ComObject.h"
-#include "foundation/ComValues.h"
-#include "foundation/WinText.h"
+#include "foundation/automation/ComObject.h"
+#include "foundation/automation/ComValues.h"
+#include "foundation/system/WinText.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 namespace {
 
@@ -240,4 +240,4 @@ ComPtr<IDispatch> RemoteWorld::Root() {
   return Succeeded(client_.Root(root)) ? Take(root) : ComPtr<IDispatch>();
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -13,10 +13,10 @@
 #include <memory>
 #include <string>
 
-#include "foundation/ComPtr.h"
+#include "foundation/automation/ComPtr.h"
 #include "host/remote/WireClient.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 class RemoteObject;
 
@@ -55,4 +55,4 @@ class RemoteWorld {
   long references_ = 0;
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -1,6 +1,6 @@
 #include "windows/host/RibbonObjects.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 namespace {
 
@@ -42,4 +42,4 @@ HRESULT RibbonUi::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, E
   return id >= 1 && id <= 3 ? S_OK : DISP_E_MEMBERNOTFOUND;
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

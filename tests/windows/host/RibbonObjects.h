@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "foundation/ComPtr.h"
+#include "foundation/automation/ComPtr.h"
 #include "windows/host/HostObject.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 // IRibbonControl.
 class RibbonControl final : public HostObject {
@@ -31,4 +31,4 @@ class RibbonUi final : public HostObject {
   int invalidated = 0;
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -7,7 +7,7 @@
 
 #include <unknwn.h>
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 // `place` counts from 0; the first three are IUnknown's.
 template <typename... Args>
@@ -17,4 +17,4 @@ HRESULT CallSlot(IUnknown* object, std::size_t place, Args... args) {
   return reinterpret_cast<Method>(table[place])(object, args...);
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

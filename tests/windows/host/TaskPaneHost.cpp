@@ -7,7 +7,7 @@
 
 #include "windows/host/ControlSite.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 namespace {
 
@@ -196,4 +196,4 @@ void PaneFactory::DestroyPanes() {
   panes.clear();
 }
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

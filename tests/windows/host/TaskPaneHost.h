@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "foundation/ComPtr.h"
+#include "foundation/automation/ComPtr.h"
 #include "windows/host/HostObject.h"
 
-namespace winhost {
+namespace quillmarch::addin::winhost {
 
 // How far the host goes with a control.
 enum class Activation {
@@ -84,4 +84,4 @@ class PaneFactory final : public HostObject {
   void DestroyPanes();
 };
 
-}  // namespace winhost
+}  // namespace quillmarch::addin::winhost

@@ -1,4 +1,0 @@
-// The platform's own debugger channel; nothing where there is none. Any thread.
-#pragma once
-
-void WriteToDebugger(const char16_t* text);

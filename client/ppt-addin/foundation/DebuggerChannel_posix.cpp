@@ -1,3 +1,0 @@
-#include "foundation/DebuggerChannel.h"
-
-void WriteToDebugger(const char16_t*) {}

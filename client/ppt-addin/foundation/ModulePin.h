@@ -1,4 +1,0 @@
-// Keeps the add-in's module in the process for good, so that a thread's code stays where it is.
-#pragma once
-
-void PinOwnModule();

@@ -1,0 +1,18 @@
+// Who is asking: installation, operating system, host and add-in version, as the two JSON documents
+// that go to the service and to the panel. Nothing is cached. Any thread; no function fails.
+#pragma once
+
+#include "foundation/text/Wide.h"
+
+namespace quillmarch {
+
+Wide OsDescription();
+Wide InstallId();
+Wide ClientVersion();
+Wide ReadVersionFile(WideView directory);
+Wide ReadUtf8File(WideView path);
+Wide ClientContextJson();
+Wide ClientInfoJson();
+Wide ModuleDirectory();
+
+}  // namespace quillmarch

@@ -1,0 +1,7 @@
+#include "foundation/system/DebuggerChannel.h"
+
+namespace quillmarch {
+
+void WriteToDebugger(const char16_t*) {}
+
+}  // namespace quillmarch

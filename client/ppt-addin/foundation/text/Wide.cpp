@@ -1,0 +1,182 @@
+#include "foundation/text/Wide.h"
+
+#include <charconv>
+#include <cstring>
+
+namespace quillmarch {
+
+namespace {
+
+constexpr char16_t kReplacement = 0xFFFD;
+
+bool IsHigh(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLow(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+void AppendCodePoint(Wide& out, std::uint32_t point) {
+  if (point < 0x10000) {
+    out.push_back(static_cast<char16_t>(point));
+    return;
+  }
+  point -= 0x10000;
+  out.push_back(static_cast<char16_t>(0xD800 + (point >> 10)));
+  out.push_back(static_cast<char16_t>(0xDC00 + (point & 0x3FF)));
+}
+
+// How a sequence that begins with `lead` goes on. The range of the second byte is what shuts out
+// overlong forms, surrogates and everything above U+10FFFF.
+struct Sequence {
+  unsigned trailing = 0;  // 0: no lead byte
+  unsigned char secondLow = 0x80;
+  unsigned char secondHigh = 0xBF;
+  std::uint32_t bits = 0;
+};
+
+Sequence SequenceOf(unsigned char lead) {
+  Sequence s;
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    s.trailing = 1;
+    s.bits = lead & 0x1Fu;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    s.trailing = 2;
+    s.bits = lead & 0x0Fu;
+    if (lead == 0xE0) s.secondLow = 0xA0;
+    if (lead == 0xED) s.secondHigh = 0x9F;
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    s.trailing = 3;
+    s.bits = lead & 0x07u;
+    if (lead == 0xF0) s.secondLow = 0x90;
+    if (lead == 0xF4) s.secondHigh = 0x8F;
+  }
+  return s;
+}
+
+// Where the plain ASCII that begins at `from` ends. Most texts are nothing else, so it is looked
+// for eight bytes at a time.
+template <typename Unit>
+std::size_t AsciiEnd(std::basic_string_view<Unit> text, std::size_t from) {
+  constexpr std::size_t kStep = sizeof(std::uint64_t) / sizeof(Unit);
+  constexpr std::uint64_t kBeyond = sizeof(Unit) == 1 ? 0x8080808080808080u : 0xFF80FF80FF80FF80u;
+  std::size_t at = from;
+  for (; at + kStep <= text.size(); at += kStep) {
+    std::uint64_t units = 0;
+    std::memcpy(&units, text.data() + at, sizeof units);
+    if ((units & kBeyond) != 0) break;
+  }
+  while (at < text.size() && text[at] >= 0 && text[at] < 0x80) ++at;
+  return at;
+}
+
+// Appends ASCII, unit by unit.
+template <typename Text, typename Unit>
+void AppendAscii(Text& out, std::basic_string_view<Unit> text) {
+  const std::size_t at = out.size();
+  out.resize(at + text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    out[at + i] = static_cast<typename Text::value_type>(text[i]);
+  }
+}
+
+template <typename Number>
+Wide DecimalOf(Number value) {
+  char digits[24];
+  const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value);
+  static_cast<void>(error);  // 24 characters hold every 64-bit number
+  return Wide(digits, end);
+}
+
+}  // namespace
+
+Wide ToWide(std::string_view utf8) {
+  Wide out;
+  out.reserve(utf8.size());
+  std::size_t i = 0;
+  while (i < utf8.size()) {
+    const std::size_t plain = AsciiEnd(utf8, i);
+    if (plain > i) {
+      AppendAscii(out, utf8.substr(i, plain - i));
+      i = plain;
+      continue;
+    }
+    const auto lead = static_cast<unsigned char>(utf8[i]);
+    ++i;
+    Sequence s = SequenceOf(lead);
+    bool whole = s.trailing != 0;
+    for (unsigned k = 0; whole && k < s.trailing; ++k) {
+      if (i == utf8.size()) {
+        whole = false;
+        break;
+      }
+      const auto next = static_cast<unsigned char>(utf8[i]);
+      const unsigned char low = k == 0 ? s.secondLow : 0x80;
+      const unsigned char high = k == 0 ? s.secondHigh : 0xBF;
+      if (next < low || next > high) {
+        whole = false;
+      } else {
+        s.bits = (s.bits << 6) | (next & 0x3Fu);
+        ++i;
+      }
+    }
+    if (whole) {
+      AppendCodePoint(out, s.bits);
+    } else {
+      out.push_back(kReplacement);
+    }
+  }
+  return out;
+}
+
+std::string ToUtf8(WideView text) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 2);
+  const auto put = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t plain = AsciiEnd(text, i);
+    if (plain > i) {
+      AppendAscii(out, text.substr(i, plain - i));
+      i = plain - 1;
+      continue;
+    }
+    std::uint32_t point = text[i];
+    if (IsHigh(text[i]) && i + 1 < text.size() && IsLow(text[i + 1])) {
+      point = 0x10000 + ((point - 0xD800) << 10) + (text[i + 1] - 0xDC00u);
+      ++i;
+    } else if (IsHigh(text[i]) || IsLow(text[i])) {
+      point = kReplacement;
+    }
+    if (point < 0x800) {
+      put(0xC0 | (point >> 6));
+      put(0x80 | (point & 0x3F));
+    } else if (point < 0x10000) {
+      put(0xE0 | (point >> 12));
+      put(0x80 | ((point >> 6) & 0x3F));
+      put(0x80 | (point & 0x3F));
+    } else {
+      put(0xF0 | (point >> 18));
+      put(0x80 | ((point >> 12) & 0x3F));
+      put(0x80 | ((point >> 6) & 0x3F));
+      put(0x80 | (point & 0x3F));
+    }
+  }
+  return out;
+}
+
+Wide Decimal(std::int64_t value) {
+  return DecimalOf(value);
+}
+Wide DecimalUnsigned(std::uint64_t value) {
+  return DecimalOf(value);
+}
+
+Wide LowerAscii(WideView text) {
+  Wide out(text);
+  for (char16_t& unit : out) {
+    if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + (u'a' - u'A'));
+  }
+  return out;
+}
+
+}  // namespace quillmarch

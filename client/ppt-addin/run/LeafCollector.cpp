@@ -1,7 +1,0 @@
-#include "run/LeafCollector.h"
-
-bool CollectChartOrSmartArt(RunState&, AutomationObject*, std::int32_t, const ShapePath&,
-                            const UnitLocator&) {
-  // Charts and SmartArt have no text frame of their own, so leaving them loses no other text.
-  return false;
-}

@@ -1,8 +1,0 @@
-// The collector of chart and SmartArt texts, to which every leaf without a table is offered first.
-#pragma once
-
-#include "run/RunState.h"
-
-// True when the shape was handled and no text frame is to be read.
-bool CollectChartOrSmartArt(RunState& run, AutomationObject* shape, std::int32_t slide,
-                            const ShapePath& path, const UnitLocator& locatorTemplate);

@@ -1,8 +1,0 @@
-// The record of a run's end. Host thread only, once the worker has ended.
-#pragma once
-
-#include "run/RunState.h"
-
-// Names every translated text that did not reach the deck, whether its write failed or was never
-// tried, and hands the record to the driver. What the driver throws is swallowed.
-void ReportRun(RunState& run, RunOutcome outcome, const Wide& summary) noexcept;

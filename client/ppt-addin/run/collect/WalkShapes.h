@@ -1,0 +1,22 @@
+// The walk over one shape collection, groups entered, tables cell by cell. Host thread only.
+#pragma once
+
+#include "foundation/automation/HostShapes.h"
+#include "run/control/RunState.h"
+
+namespace quillmarch::addin {
+
+// Walks the collection in z-order. A shape that cannot be read costs only itself. Shapes deeper
+// than kMaxPathDepth are not collected.
+void WalkShapes(RunState& run, const ShapeList& shapes, std::int32_t slide,
+                const ShapePath& parentPath, const UnitLocator& locatorTemplate);
+
+// One leaf: its table, its chart or SmartArt, else its text frame.
+void CollectLeaf(RunState& run, AutomationObject* shape, std::int32_t slide, const ShapePath& path,
+                 const UnitLocator& locatorTemplate);
+
+// Every grid position of the shape's table; a merged cell comes up once for each of its own.
+void CollectTable(RunState& run, AutomationObject* shape, std::int32_t slide, const ShapePath& path,
+                  const UnitLocator& locatorTemplate);
+
+}  // namespace quillmarch::addin

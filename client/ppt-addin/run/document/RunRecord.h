@@ -1,0 +1,39 @@
+// The read-only record that a run hands its driver at its end, beside the summary line: what was
+// written and what was not, so that no lost text goes unnamed.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "foundation/text/Wide.h"
+
+namespace quillmarch::addin {
+
+// The compiler takes a scoped enumerator for one that hides the result code of the same name.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"
+enum class RunOutcome { kCompleted, kFailed, kCancelled, kAborted };
+#pragma GCC diagnostic pop
+
+struct FailedUnit {
+  std::int32_t slide = 0;  // 1-based, as collected
+  Wide label;              // the unit's id, such as shapes[2].p1
+  std::int32_t row = 0;    // 1-based table cell, 0 outside tables
+  std::int32_t column = 0;
+  Wide sourceText;
+};
+
+struct RunRecord {
+  RunOutcome outcome = RunOutcome::kCompleted;
+  Wide summary;
+  std::int32_t units = 0;          // collected
+  std::int32_t written = 0;        // as the log's totalApplied
+  std::int32_t unchanged = 0;      // answered empty or equal to the source, so left as they are
+  std::vector<FailedUnit> failed;  // translated text that did not reach the deck
+  std::vector<std::int32_t> slidesNotReached;  // slides whose writes were still owed
+};
+
+using RunObserver = std::function<void(const RunRecord&)>;
+
+}  // namespace quillmarch::addin

@@ -1,0 +1,53 @@
+#include "run/document/RunWindow.h"
+
+#include <array>
+
+#include "foundation/automation/Automation.h"
+#include "foundation/automation/FindDocumentWindow.h"
+#include "foundation/automation/HostMembers.h"
+
+namespace quillmarch::addin {
+
+AutomationObject* RunWindow(RunState& run) {
+  if (!run.window) {
+    run.window = FindRunWindow(run.app.get(), run.windowContext, run.presentation.get());
+  }
+  return run.window.get();
+}
+
+AutomationObject* RunPresentation(RunState& run) {
+  if (!run.presentation) {
+    AutomationObject* window = RunWindow(run);
+    if (window == nullptr) return nullptr;
+    if (!TypedGetObject(window, ppt::documentWindow::kPresentation, run.presentation)) {
+      return nullptr;
+    }
+  }
+  return run.presentation.get();
+}
+
+bool ActiveWindowIsRuns(const RunState& run) {
+  ObjectRef active;
+  if (!TypedGetObject(run.app.get(), ppt::application::kActiveWindow, active)) return false;
+  std::int32_t hwnd = 0;
+  if (run.windowContext.hwnd != 0 &&
+      TypedGetWhole(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
+      hwnd == run.windowContext.hwnd) {
+    return true;
+  }
+  return run.windowContext.id != 0 && active->Identity() == run.windowContext.id;
+}
+
+void ShowSlide(RunState& run, std::int32_t slideNumber) {
+  AutomationObject* window = RunWindow(run);
+  ObjectRef view;
+  if (window == nullptr || !ActiveWindowIsRuns(run) ||
+      !TypedGetObject(window, ppt::documentWindow::kView, view)) {
+    return;
+  }
+  const std::array<Variant, 1> index = {Variant::I4(slideNumber)};
+  Variant nothing;
+  static_cast<void>(TypedGet(view.get(), ppt::view::kGotoSlide, index, nothing));
+}
+
+}  // namespace quillmarch::addin

@@ -1,9 +1,0 @@
-// OLE compound files: what password-protected and old binary presentations are instead of a zip.
-#pragma once
-
-#include <string>
-
-#include "host/package/InputFile.h"
-
-// One sentence that says which of them the file is; empty when it is no compound file.
-std::string CompoundFileSentence(const InputFile& file);

@@ -1,0 +1,13 @@
+// OLE compound files: what password-protected and old binary presentations are instead of a zip.
+#pragma once
+
+#include <string>
+
+#include "host/package/InputFile.h"
+
+namespace quillmarch::host {
+
+// One sentence that says which of them the file is; empty when it is no compound file.
+std::string CompoundFileSentence(const InputFile& file);
+
+}  // namespace quillmarch::host
