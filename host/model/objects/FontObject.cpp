@@ -1,8 +1,10 @@
+#include "host/model/objects/FontObject.h"
+
 #include <cmath>
 
 #include "foundation/automation/HostMembers.h"
 #include "host/deck/text/RunPropertiesEdit.h"
-#include "host/model/Objects.h"
+#include "host/model/objects/ColorFormatObject.h"
 
 namespace quillmarch::host::model {
 namespace {
@@ -24,7 +26,7 @@ deck::TextBody* FontObject::Body() const {
   return body;
 }
 
-ResultCode FontObject::Size(Args, Variant& out) {
+Answer FontObject::Size() const {
   deck::TextBody* const body = Body();
   if (body == nullptr) return kHostException;
   std::int32_t common = -1;
@@ -38,12 +40,10 @@ ResultCode FontObject::Size(Args, Variant& out) {
   });
   if (common == -1) return kHostException;
   const double scale = deck().FontScale(address_);
-  out = Variant::R4(common == kMixed ? static_cast<float>(kMixed)
-                                     : static_cast<float>(common / kHundredths * scale));
-  return kOk;
+  return SingleOf(common == kMixed ? kMixed : common / kHundredths * scale);
 }
 
-ResultCode FontObject::PutSize(const Variant& value) {
+ResultCode FontObject::PutSize(const Variant& value) const {
   double points = 0;
   if (!RealOf(value, points)) return kTypeMismatch;
   deck::TextBody* const body = Body();
@@ -63,7 +63,7 @@ ResultCode FontObject::PutSize(const Variant& value) {
   return kOk;
 }
 
-ResultCode FontObject::GetFlag(Flag flag, Variant& out) const {
+Answer FontObject::GetFlag(Flag flag) const {
   deck::TextBody* const body = Body();
   if (body == nullptr) return kHostException;
   int common = -1;
@@ -76,52 +76,27 @@ ResultCode FontObject::GetFlag(Flag flag, Variant& out) const {
     return true;
   });
   if (common == -1) return kHostException;
-  out = common == kMixed ? Variant::I4(kMixed) : TriState(common != 0);
-  return kOk;
+  return common == kMixed ? Variant::I4(kMixed) : TriState(common != 0);
 }
 
 ResultCode FontObject::PutFlag(Flag flag, const char* attribute, const char* on, const char* off,
                                const Variant& value) const {
   std::int32_t wanted = 0;
   if (!WholeOf(value, wanted)) return kTypeMismatch;
-  Variant now;
-  const ResultCode code = GetFlag(flag, now);
-  if (Failed(code)) return code;
+  const Answer answer = GetFlag(flag);
+  if (Failed(answer.code())) return answer.code();
+  const std::int32_t now = answer.value().whole();
   if (deck().PartOf(address_.page).empty()) return kHostException;
-  if (wanted == kToggle) wanted = now.whole() == -1 ? 0 : -1;
+  if (wanted == kToggle) wanted = now == -1 ? 0 : -1;
   if (wanted != 0 && wanted != -1 && wanted != 1) return kInvalidArgument;
-  if (now.whole() == (wanted == 0 ? 0 : -1)) return kOk;
+  if (now == (wanted == 0 ? 0 : -1)) return kOk;
   Body()->EditProps(span_, [&](std::string_view raw, std::string_view prefix) {
     return deck::WithRunAttribute(raw, prefix, attribute, wanted == 0 ? off : on);
   });
   return kOk;
 }
 
-ResultCode FontObject::Bold(Args, Variant& out) {
-  return GetFlag(&deck::CharProps::bold, out);
-}
-ResultCode FontObject::PutBold(const Variant& value) {
-  return PutFlag(&deck::CharProps::bold, "b", "1", "0", value);
-}
-ResultCode FontObject::Italic(Args, Variant& out) {
-  return GetFlag(&deck::CharProps::italic, out);
-}
-ResultCode FontObject::PutItalic(const Variant& value) {
-  return PutFlag(&deck::CharProps::italic, "i", "1", "0", value);
-}
-ResultCode FontObject::Underline(Args, Variant& out) {
-  return GetFlag(&deck::CharProps::underline, out);
-}
-ResultCode FontObject::PutUnderline(const Variant& value) {
-  return PutFlag(&deck::CharProps::underline, "u", "sng", "none", value);
-}
-
-ResultCode FontObject::Color(Args, Variant& out) {
-  if (Body() == nullptr) return kHostException;
-  return Give<ColorFormatObject>(out, session(), open(), address_, span_);
-}
-
-// The typeface as shown all over the range; empty where it varies.
+// The typeface as shown throughout the range; empty where it varies.
 bool FontObject::Faces(Face face, std::string& common) const {
   deck::TextBody* const body = Body();
   if (body == nullptr) return false;
@@ -139,11 +114,10 @@ bool FontObject::Faces(Face face, std::string& common) const {
   return true;
 }
 
-ResultCode FontObject::GetFace(Face face, Variant& out) const {
+Answer FontObject::GetFace(Face face) const {
   std::string common;
   if (!Faces(face, common)) return kHostException;
-  out = Variant::Text(ToWide(common));
-  return kOk;
+  return ToWide(common);
 }
 
 ResultCode FontObject::PutFaces(std::initializer_list<Face> faces, const Variant& value) const {
@@ -165,48 +139,47 @@ ResultCode FontObject::PutFaces(std::initializer_list<Face> faces, const Variant
   return kOk;
 }
 
-ResultCode FontObject::Name(Args, Variant& out) {
-  return GetFace(&deck::CharProps::latin, out);
-}
-// The host takes a font's name for complex scripts too; Asian texts have a name of their own.
-ResultCode FontObject::PutName(const Variant& value) {
-  return PutFaces({&deck::CharProps::latin, &deck::CharProps::complexScript}, value);
-}
-ResultCode FontObject::NameAscii(Args, Variant& out) {
-  return GetFace(&deck::CharProps::latin, out);
-}
-ResultCode FontObject::PutNameAscii(const Variant& value) {
-  return PutFaces({&deck::CharProps::latin}, value);
-}
-ResultCode FontObject::NameFarEast(Args, Variant& out) {
-  return GetFace(&deck::CharProps::eastAsian, out);
-}
-ResultCode FontObject::PutNameFarEast(const Variant& value) {
-  return PutFaces({&deck::CharProps::eastAsian}, value);
-}
-ResultCode FontObject::NameComplexScript(Args, Variant& out) {
-  return GetFace(&deck::CharProps::complexScript, out);
-}
-ResultCode FontObject::PutNameComplexScript(const Variant& value) {
-  return PutFaces({&deck::CharProps::complexScript}, value);
+Answer FontObject::Color() const {
+  if (Body() == nullptr) return kHostException;
+  return Make<ColorFormatObject>(session(), open(), address_, span_);
 }
 
 const MemberTable& FontObject::Table() const {
   using Self = FontObject;
-  static const MemberTable table(
+  using Props = deck::CharProps;
+  static const auto table = MemberTable::Of<Self>(
       {ppt::kFont},
-      {{u"Color", 2003, Getter<&Self::Color>::Call},
-       {u"Bold", 2004, Getter<&Self::Bold>::Call, Putter<&Self::PutBold>::Call},
-       {u"Italic", 2005, Getter<&Self::Italic>::Call, Putter<&Self::PutItalic>::Call},
-       {u"Underline", 2008, Getter<&Self::Underline>::Call, Putter<&Self::PutUnderline>::Call},
-       {u"Size", 2014, Getter<&Self::Size>::Call, Putter<&Self::PutSize>::Call},
-       {u"Name", 2015, Getter<&Self::Name>::Call, Putter<&Self::PutName>::Call},
-       {u"NameFarEast", 2016, Getter<&Self::NameFarEast>::Call,
-        Putter<&Self::PutNameFarEast>::Call},
-       {u"NameAscii", 2017, Getter<&Self::NameAscii>::Call, Putter<&Self::PutNameAscii>::Call},
-       {u"NameOther", 2019, Getter<&Self::NameAscii>::Call, Putter<&Self::PutNameAscii>::Call},
-       {u"NameComplexScript", 2020, Getter<&Self::NameComplexScript>::Call,
-        Putter<&Self::PutNameComplexScript>::Call}});
+      {{u"Color", 2003, [](Self& self) { return self.Color(); }},
+       {u"Bold", 2004, [](Self& self) { return self.GetFlag(&Props::bold); },
+        [](Self& self, const Variant& value) {
+          return self.PutFlag(&Props::bold, "b", "1", "0", value);
+        }},
+       {u"Italic", 2005, [](Self& self) { return self.GetFlag(&Props::italic); },
+        [](Self& self, const Variant& value) {
+          return self.PutFlag(&Props::italic, "i", "1", "0", value);
+        }},
+       {u"Underline", 2008, [](Self& self) { return self.GetFlag(&Props::underline); },
+        [](Self& self, const Variant& value) {
+          return self.PutFlag(&Props::underline, "u", "sng", "none", value);
+        }},
+       {u"Size", 2014, [](Self& self) { return self.Size(); },
+        [](Self& self, const Variant& value) { return self.PutSize(value); }},
+       // The host applies a font's name to complex scripts too; East Asian text has a name of its
+       // own.
+       {u"Name", 2015, [](Self& self) { return self.GetFace(&Props::latin); },
+        [](Self& self, const Variant& value) {
+          return self.PutFaces({&Props::latin, &Props::complexScript}, value);
+        }},
+       {u"NameFarEast", 2016, [](Self& self) { return self.GetFace(&Props::eastAsian); },
+        [](Self& self, const Variant& value) { return self.PutFaces({&Props::eastAsian}, value); }},
+       {u"NameAscii", 2017, [](Self& self) { return self.GetFace(&Props::latin); },
+        [](Self& self, const Variant& value) { return self.PutFaces({&Props::latin}, value); }},
+       {u"NameOther", 2019, [](Self& self) { return self.GetFace(&Props::latin); },
+        [](Self& self, const Variant& value) { return self.PutFaces({&Props::latin}, value); }},
+       {u"NameComplexScript", 2020, [](Self& self) { return self.GetFace(&Props::complexScript); },
+        [](Self& self, const Variant& value) {
+          return self.PutFaces({&Props::complexScript}, value);
+        }}});
   return table;
 }
 

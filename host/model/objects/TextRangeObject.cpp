@@ -1,9 +1,10 @@
-// Ranges of text. A range is an address and a span of UTF-16 units; a put through
-// it makes the span the new text's.
+#include "host/model/objects/TextRangeObject.h"
+
 #include <algorithm>
 
 #include "foundation/automation/HostMembers.h"
-#include "host/model/Objects.h"
+#include "host/model/objects/FontObject.h"
+#include "host/model/objects/FrameObjects.h"
 
 namespace quillmarch::host::model {
 namespace {
@@ -11,7 +12,7 @@ namespace {
 constexpr std::int32_t kLeftOut = -1;
 
 // What Start and Length pick out of `count` units: the first one (0-based) and how many. Both left
-// out: all; a start alone: one unit; a start behind the end: the last unit.
+// out: all; only a start: one unit; a start past the end: the last unit.
 struct Pick {
   std::size_t first = 0;
   std::size_t count = 0;
@@ -44,29 +45,6 @@ deck::TextSpan Intersect(deck::TextSpan a, deck::TextSpan b) {
 
 }  // namespace
 
-deck::TextBody* TextRangeObject::Body() const {
-  return deck().Text(address_);
-}
-
-ResultCode TextRangeObject::Count(Args, Variant& out) {
-  out = Variant::I4(static_cast<std::int32_t>(count_));
-  return kOk;
-}
-ResultCode TextRangeObject::Start(Args, Variant& out) {
-  out = Variant::I4(static_cast<std::int32_t>(span_.start) + 1);
-  return kOk;
-}
-ResultCode TextRangeObject::Length(Args, Variant& out) {
-  out = Variant::I4(static_cast<std::int32_t>(span_.length));
-  return kOk;
-}
-
-ResultCode TextRangeObject::Text(Args, Variant& out) {
-  deck::TextBody* const body = Body();
-  out = Variant::Text(body == nullptr ? Wide() : body->Text(span_));
-  return kOk;
-}
-
 ResultCode TextRangeObject::PutText(const Variant& value) {
   if (value.type() != VariantType::kText) return kTypeMismatch;
   deck::TextBody* const body = Body();
@@ -74,7 +52,7 @@ ResultCode TextRangeObject::PutText(const Variant& value) {
   return body->PutText(span_, value.text()) ? kOk : kHostException;
 }
 
-ResultCode TextRangeObject::Paragraphs(Args args, Variant& out) {
+Answer TextRangeObject::Paragraphs(Args args) const {
   deck::TextBody* const body = Body();
   std::size_t first = 0;
   std::size_t count = 0;
@@ -95,18 +73,18 @@ ResultCode TextRangeObject::Paragraphs(Args args, Variant& out) {
     span = Intersect(span_, {from.start, to.start + to.length - from.start});
     reachesEnd = first + pick.first + pick.count == body->ParagraphCount();
   }
-  return Give<TextRangeObject>(out, session(), open(), address_, span, pick.count, reachesEnd);
+  return Make<TextRangeObject>(session(), open(), address_, span, pick.count, reachesEnd);
 }
 
-ResultCode TextRangeObject::Characters(Args args, Variant& out) {
+Answer TextRangeObject::Characters(Args args) const {
   Pick pick;
   if (!PickUnits(args, span_.length, pick)) return kTypeMismatch;
-  return Give<TextRangeObject>(out, session(), open(), address_,
+  return Make<TextRangeObject>(session(), open(), address_,
                                deck::TextSpan{span_.start + pick.first, pick.count}, pick.count,
                                false);
 }
 
-ResultCode TextRangeObject::Runs(Args args, Variant& out) {
+Answer TextRangeObject::Runs(Args args) const {
   deck::TextBody* const body = Body();
   const std::vector<deck::TextSpan> runs =
       body == nullptr ? std::vector<deck::TextSpan>() : body->Runs(span_);
@@ -118,53 +96,43 @@ ResultCode TextRangeObject::Runs(Args args, Variant& out) {
     span.start = runs[pick.first].start;
     span.length = last.start + last.length - span.start;
   }
-  return Give<TextRangeObject>(out, session(), open(), address_, span, pick.count, false);
+  return Make<TextRangeObject>(session(), open(), address_, span, pick.count, false);
 }
 
-ResultCode TextRangeObject::Font(Args, Variant& out) {
-  return Give<FontObject>(out, session(), open(), address_, span_);
-}
-
-ResultCode TextRangeObject::Bound(double deck::ShapeBox::*side, Variant& out) const {
+Answer TextRangeObject::Bound(double deck::ShapeBox::*side) const {
   deck::ShapeBox box;
   if (!session()->measure.Bounds(deck(), address_, span_, reachesEnd_, box)) return kHostException;
-  out = Variant::R4(static_cast<float>(box.*side));
-  return kOk;
-}
-
-ResultCode TextRangeObject::BoundLeft(Args, Variant& out) {
-  return Bound(&deck::ShapeBox::left, out);
-}
-ResultCode TextRangeObject::BoundTop(Args, Variant& out) {
-  return Bound(&deck::ShapeBox::top, out);
-}
-ResultCode TextRangeObject::BoundWidth(Args, Variant& out) {
-  return Bound(&deck::ShapeBox::width, out);
-}
-ResultCode TextRangeObject::BoundHeight(Args, Variant& out) {
-  return Bound(&deck::ShapeBox::height, out);
-}
-
-ResultCode TextRangeObject::Parent(Args, Variant& out) {
-  return Give<TextFrameObject>(out, session(), open(), address_);
+  return SingleOf(box.*side);
 }
 
 const MemberTable& TextRangeObject::Table() const {
   using Self = TextRangeObject;
-  static const MemberTable table(
-      {ppt::kTextRange}, {{u"Text", 0, Getter<&Self::Text>::Call, Putter<&Self::PutText>::Call},
-                          {u"Count", 11, Getter<&Self::Count>::Call},
-                          {u"Parent", 2002, Getter<&Self::Parent>::Call},
-                          {u"Start", 2004, Getter<&Self::Start>::Call},
-                          {u"Length", 2005, Getter<&Self::Length>::Call},
-                          {u"BoundLeft", 2006, Getter<&Self::BoundLeft>::Call},
-                          {u"BoundTop", 2007, Getter<&Self::BoundTop>::Call},
-                          {u"BoundWidth", 2008, Getter<&Self::BoundWidth>::Call},
-                          {u"BoundHeight", 2009, Getter<&Self::BoundHeight>::Call},
-                          {u"Paragraphs", 2010, Getter<&Self::Paragraphs>::Call},
-                          {u"Characters", 2013, Getter<&Self::Characters>::Call},
-                          {u"Runs", 2015, Getter<&Self::Runs>::Call},
-                          {u"Font", 2022, Getter<&Self::Font>::Call}});
+  using Box = deck::ShapeBox;
+  static const auto table = MemberTable::Of<Self>(
+      {ppt::kTextRange},
+      {{u"Text", 0,
+        [](Self& self) {
+          deck::TextBody* const body = self.Body();
+          return body == nullptr ? Wide() : body->Text(self.span_);
+        },
+        [](Self& self, const Variant& value) { return self.PutText(value); }},
+       {u"Count", 11, [](Self& self) { return CountOf(self.count_); }},
+       {u"Parent", 2002,
+        [](Self& self) {
+          return Make<TextFrameObject>(self.session(), self.open(), self.address_);
+        }},
+       {u"Start", 2004, [](Self& self) { return CountOf(self.span_.start + 1); }},
+       {u"Length", 2005, [](Self& self) { return CountOf(self.span_.length); }},
+       {u"BoundLeft", 2006, [](Self& self) { return self.Bound(&Box::left); }},
+       {u"BoundTop", 2007, [](Self& self) { return self.Bound(&Box::top); }},
+       {u"BoundWidth", 2008, [](Self& self) { return self.Bound(&Box::width); }},
+       {u"BoundHeight", 2009, [](Self& self) { return self.Bound(&Box::height); }},
+       {u"Paragraphs", 2010, [](Self& self, Args args) { return self.Paragraphs(args); }},
+       {u"Characters", 2013, [](Self& self, Args args) { return self.Characters(args); }},
+       {u"Runs", 2015, [](Self& self, Args args) { return self.Runs(args); }},
+       {u"Font", 2022, [](Self& self) {
+          return Make<FontObject>(self.session(), self.open(), self.address_, self.span_);
+        }}});
   return table;
 }
 

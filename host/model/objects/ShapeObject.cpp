@@ -1,8 +1,12 @@
+#include "host/model/objects/ShapeObject.h"
+
 #include <cmath>
-#include <vector>
 
 #include "foundation/automation/HostMembers.h"
-#include "host/model/Objects.h"
+#include "host/model/objects/FrameObjects.h"
+#include "host/model/objects/SlideObjects.h"
+#include "host/model/objects/TableObjects.h"
+#include "host/model/objects/TagsObject.h"
 
 namespace quillmarch::host::model {
 namespace {
@@ -107,7 +111,7 @@ ShapeObject::View ShapeObject::Look() const {
   return {part, &part->shapes().At(address_.shape)};
 }
 
-ResultCode ShapeObject::Type(Args, Variant& out) {
+Answer ShapeObject::Type() const {
   const View view = Look();
   if (view.entry == nullptr) return kHostException;
   const deck::XmlNames& names = view.part->names();
@@ -116,52 +120,44 @@ ResultCode ShapeObject::Type(Args, Variant& out) {
     const bool placeholder = deck::PlaceholderOf(names, view.entry->node).has_value();
     type = placeholder ? std::int32_t{kPlaceholder} : ContainedType(names, *view.entry);
   }
-  out = Variant::I4(type);
-  return kOk;
+  return Variant::I4(type);
 }
 
-ResultCode ShapeObject::Name(Args, Variant& out) {
+Answer ShapeObject::Name() const {
   const View view = Look();
   if (view.entry == nullptr) return kHostException;
-  Wide name;
-  if (!address_.IsCell()) {
-    name = ToWide(
-        deck::ShapeProperties(view.part->names(), view.entry->node).attribute("name").value());
-  }
-  out = Variant::Text(std::move(name));
-  return kOk;
+  if (address_.IsCell()) return Wide();
+  return ToWide(
+      deck::ShapeProperties(view.part->names(), view.entry->node).attribute("name").value());
 }
 
-ResultCode ShapeObject::Id(Args, Variant& out) {
+Answer ShapeObject::Id() const {
   const View view = Look();
   if (view.entry == nullptr) return kHostException;
   // A cell's shape has no id of its own.
   const std::uint32_t id = address_.IsCell() ? 0 : view.entry->id;
   // The file's ids are unsigned; the host's are the same 32 bits.
-  out = Variant::I4(static_cast<std::int32_t>(id));
-  return kOk;
+  return Variant::I4(static_cast<std::int32_t>(id));
 }
 
-ResultCode ShapeObject::AlternativeText(Args, Variant& out) {
+Answer ShapeObject::AlternativeText() const {
+  const View view = Look();
+  if (view.entry == nullptr) return kHostException;
+  if (address_.IsCell()) return Wide();
+  const pugi::xml_node properties = deck::ShapeProperties(view.part->names(), view.entry->node);
+  return ToWide(properties.attribute("descr").value());
+}
+
+Answer ShapeObject::Visible() const {
   const View view = Look();
   if (view.entry == nullptr) return kHostException;
   const pugi::xml_node properties = deck::ShapeProperties(view.part->names(), view.entry->node);
-  out = Variant::Text(address_.IsCell() ? Wide() : ToWide(properties.attribute("descr").value()));
-  return kOk;
+  return TriState(deck::FlagAttribute(properties, "hidden") != 1);
 }
 
-ResultCode ShapeObject::Visible(Args, Variant& out) {
-  const View view = Look();
-  if (view.entry == nullptr) return kHostException;
-  const pugi::xml_node properties = deck::ShapeProperties(view.part->names(), view.entry->node);
-  out = TriState(deck::FlagAttribute(properties, "hidden") != 1);
-  return kOk;
-}
-
-ResultCode ShapeObject::GetSide(Side side, Variant& out) const {
+Answer ShapeObject::GetSide(Side side) const {
   session()->measure.GrowShape(deck(), address_);
-  out = Variant::R4(static_cast<float>(deck().Box(address_).*side));
-  return kOk;
+  return SingleOf(deck().Box(address_).*side);
 }
 
 ResultCode ShapeObject::PutSide(Side side, bool isLength, const Variant& value) const {
@@ -179,148 +175,101 @@ ResultCode ShapeObject::PutSide(Side side, bool isLength, const Variant& value) 
   return deck().PutBox(address_, box) ? kOk : kHostException;
 }
 
-ResultCode ShapeObject::Left(Args, Variant& out) {
-  return GetSide(&deck::ShapeBox::left, out);
-}
-ResultCode ShapeObject::PutLeft(const Variant& value) {
-  return PutSide(&deck::ShapeBox::left, false, value);
-}
-ResultCode ShapeObject::Top(Args, Variant& out) {
-  return GetSide(&deck::ShapeBox::top, out);
-}
-ResultCode ShapeObject::PutTop(const Variant& value) {
-  return PutSide(&deck::ShapeBox::top, false, value);
-}
-ResultCode ShapeObject::Width(Args, Variant& out) {
-  return GetSide(&deck::ShapeBox::width, out);
-}
-ResultCode ShapeObject::PutWidth(const Variant& value) {
-  return PutSide(&deck::ShapeBox::width, true, value);
-}
-ResultCode ShapeObject::Height(Args, Variant& out) {
-  return GetSide(&deck::ShapeBox::height, out);
-}
-ResultCode ShapeObject::PutHeight(const Variant& value) {
-  return PutSide(&deck::ShapeBox::height, true, value);
+bool ShapeObject::HasTextFrame(const View& view) const {
+  return address_.IsCell() || view.entry->kind == deck::ShapeKind::kShape;
 }
 
-ResultCode ShapeObject::ZOrderPosition(Args, Variant& out) {
-  out = Variant::I4(static_cast<std::int32_t>(address_.shape) + 1);
-  return kOk;
+template <typename Frame>
+Answer ShapeObject::GiveFrame() const {
+  const View view = Look();
+  if (view.entry == nullptr || !HasTextFrame(view)) return kHostException;
+  return Make<Frame>(session(), open(), address_);
 }
 
-ResultCode ShapeObject::HasTextFrame(Args, Variant& out) {
+Answer ShapeObject::KindFlag(deck::ShapeKind kind) const {
   const View view = Look();
   if (view.entry == nullptr) return kHostException;
-  out = TriState(address_.IsCell() || view.entry->kind == deck::ShapeKind::kShape);
-  return kOk;
+  return TriState(!address_.IsCell() && view.entry->kind == kind);
 }
 
-ResultCode ShapeObject::TextFrame(Args, Variant& out) {
-  const View view = Look();
-  if (view.entry == nullptr) return kHostException;
-  if (!address_.IsCell() && view.entry->kind != deck::ShapeKind::kShape) return kHostException;
-  return Give<TextFrameObject>(out, session(), open(), address_);
-}
-
-ResultCode ShapeObject::TextFrame2(Args, Variant& out) {
-  const View view = Look();
-  if (view.entry == nullptr) return kHostException;
-  if (!address_.IsCell() && view.entry->kind != deck::ShapeKind::kShape) return kHostException;
-  return Give<TextFrame2Object>(out, session(), open(), address_);
-}
-
-ResultCode ShapeObject::KindFlag(deck::ShapeKind kind, Variant& out) const {
-  const View view = Look();
-  if (view.entry == nullptr) return kHostException;
-  out = TriState(!address_.IsCell() && view.entry->kind == kind);
-  return kOk;
-}
-
-ResultCode ShapeObject::HasTable(Args, Variant& out) {
-  return KindFlag(deck::ShapeKind::kTable, out);
-}
-ResultCode ShapeObject::HasChart(Args, Variant& out) {
-  return KindFlag(deck::ShapeKind::kChart, out);
-}
-ResultCode ShapeObject::HasSmartArt(Args, Variant& out) {
-  return KindFlag(deck::ShapeKind::kDiagram, out);
-}
-
-ResultCode ShapeObject::Table_(Args, Variant& out) {
+Answer ShapeObject::GiveTable() const {
   const View view = Look();
   if (view.entry == nullptr || address_.IsCell()) return kHostException;
   if (view.part->Table(address_.shape) == nullptr) return kHostException;
-  return Give<TableObject>(out, session(), open(), address_);
+  return Make<TableObject>(session(), open(), address_);
 }
 
-ResultCode ShapeObject::GroupItems(Args, Variant& out) {
+Answer ShapeObject::GroupItems() const {
   const View view = Look();
   if (view.entry == nullptr || view.entry->kind != deck::ShapeKind::kGroup) return kHostException;
-  return Give<ShapesObject>(out, session(), open(), address_.page, address_.shape);
+  return Make<ShapesObject>(session(), open(), address_.page, address_.shape);
 }
 
-ResultCode ShapeObject::PlaceholderFormat(Args, Variant& out) {
+Answer ShapeObject::PlaceholderFormat() const {
   const View view = Look();
   if (view.entry == nullptr || address_.IsCell()) return kHostException;
   const deck::XmlNames& names = view.part->names();
   const auto key = deck::PlaceholderOf(names, view.entry->node);
   if (!key) return kHostException;
-  return Give<PlaceholderFormatObject>(out, session(), open(), PlaceholderType(key->type),
+  return Make<PlaceholderFormatObject>(session(), open(), PlaceholderType(key->type),
                                        ContainedType(names, *view.entry));
-}
-
-ResultCode ShapeObject::Tags(Args, Variant& out) {
-  return Give<TagsObject>(
-      out, session(), open(),
-      deck::TagOwner{deck::TagOwner::Kind::kShape, address_.page, address_.shape});
 }
 
 const MemberTable& ShapeObject::Table() const {
   using Self = ShapeObject;
+  using Box = deck::ShapeBox;
   const auto make = [](bool textFrame2) {
-    std::vector<Member> members = {
-        {u"GroupItems", 108, Getter<&Self::GroupItems>::Call},
-        {u"Height", 109, Getter<&Self::Height>::Call, Putter<&Self::PutHeight>::Call},
-        {u"Left", 111, Getter<&Self::Left>::Call, Putter<&Self::PutLeft>::Call},
-        {u"Name", 115, Getter<&Self::Name>::Call},
-        {u"TextFrame", 121, Getter<&Self::TextFrame>::Call},
-        {u"Top", 123, Getter<&Self::Top>::Call, Putter<&Self::PutTop>::Call},
-        {u"Type", 124, Getter<&Self::Type>::Call},
-        {u"Visible", 127, Getter<&Self::Visible>::Call},
-        {u"Width", 128, Getter<&Self::Width>::Call, Putter<&Self::PutWidth>::Call},
-        {u"ZOrderPosition", 129, Getter<&Self::ZOrderPosition>::Call},
-        {u"AlternativeText", 131, Getter<&Self::AlternativeText>::Call},
-        {u"Id", 139, Getter<&Self::Id>::Call},
-        {u"HasChart", 148, Getter<&Self::HasChart>::Call},
-        {u"HasSmartArt", 155, Getter<&Self::HasSmartArt>::Call},
-        {u"PlaceholderFormat", 2005, Getter<&Self::PlaceholderFormat>::Call},
-        {u"Tags", 2008, Getter<&Self::Tags>::Call},
-        {u"HasTextFrame", 2014, Getter<&Self::HasTextFrame>::Call},
-        {u"HasTable", 2016, Getter<&Self::HasTable>::Call},
-        {u"Table", 2017, Getter<&Self::Table_>::Call}};
-    if (textFrame2) members.push_back({u"TextFrame2", 145, Getter<&Self::TextFrame2>::Call});
-    return MemberTable({ppt::kShape}, members);
+    Members<Self> members = {
+        {u"GroupItems", 108, [](Self& self) { return self.GroupItems(); }},
+        {u"Height", 109, [](Self& self) { return self.GetSide(&Box::height); },
+         [](Self& self, const Variant& value) { return self.PutSide(&Box::height, true, value); }},
+        {u"Left", 111, [](Self& self) { return self.GetSide(&Box::left); },
+         [](Self& self, const Variant& value) { return self.PutSide(&Box::left, false, value); }},
+        {u"Name", 115, [](Self& self) { return self.Name(); }},
+        {u"TextFrame", 121, [](Self& self) { return self.GiveFrame<TextFrameObject>(); }},
+        {u"Top", 123, [](Self& self) { return self.GetSide(&Box::top); },
+         [](Self& self, const Variant& value) { return self.PutSide(&Box::top, false, value); }},
+        {u"Type", 124, [](Self& self) { return self.Type(); }},
+        {u"Visible", 127, [](Self& self) { return self.Visible(); }},
+        {u"Width", 128, [](Self& self) { return self.GetSide(&Box::width); },
+         [](Self& self, const Variant& value) { return self.PutSide(&Box::width, true, value); }},
+        {u"ZOrderPosition", 129, [](Self& self) { return CountOf(self.address_.shape + 1); }},
+        {u"AlternativeText", 131, [](Self& self) { return self.AlternativeText(); }},
+        {u"Id", 139, [](Self& self) { return self.Id(); }},
+        {u"HasChart", 148, [](Self& self) { return self.KindFlag(deck::ShapeKind::kChart); }},
+        {u"HasSmartArt", 155, [](Self& self) { return self.KindFlag(deck::ShapeKind::kDiagram); }},
+        {u"PlaceholderFormat", 2005, [](Self& self) { return self.PlaceholderFormat(); }},
+        {u"Tags", 2008,
+         [](Self& self) {
+           return Make<TagsObject>(self.session(), self.open(),
+                                   deck::TagOwner{deck::TagOwner::Kind::kShape, self.address_.page,
+                                                  self.address_.shape});
+         }},
+        {u"HasTextFrame", 2014,
+         [](Self& self) -> Answer {
+           const View view = self.Look();
+           if (view.entry == nullptr) return kHostException;
+           return TriState(self.HasTextFrame(view));
+         }},
+        {u"HasTable", 2016, [](Self& self) { return self.KindFlag(deck::ShapeKind::kTable); }},
+        {u"Table", 2017, [](Self& self) { return self.GiveTable(); }}};
+    if (textFrame2) {
+      members.push_back(
+          {u"TextFrame2", 145, [](Self& self) { return self.GiveFrame<TextFrame2Object>(); }});
+    }
+    return MemberTable::Of<Self>({ppt::kShape}, members);
   };
   static const MemberTable whole = make(true);
   static const MemberTable older = make(false);
   return session()->personality.hasTextFrame2 ? whole : older;
 }
 
-ResultCode PlaceholderFormatObject::Type(Args, Variant& out) {
-  out = Variant::I4(type_);
-  return kOk;
-}
-ResultCode PlaceholderFormatObject::ContainedType(Args, Variant& out) {
-  out = Variant::I4(contained_);
-  return kOk;
-}
-
 const MemberTable& PlaceholderFormatObject::Table() const {
   using Self = PlaceholderFormatObject;
-  static const MemberTable table({ppt::LibraryInterface(0x77)},
-                                 {{u"Type", 2003, Getter<&Self::Type>::Call},
-                                  {u"ContainedType", 2005, Getter<&Self::ContainedType>::Call}});
+  static const auto table = MemberTable::Of<Self>(
+      {ppt::LibraryInterface(0x77)},
+      {{u"Type", 2003, [](Self& self) { return Variant::I4(self.type_); }},
+       {u"ContainedType", 2005, [](Self& self) { return Variant::I4(self.contained_); }}});
   return table;
 }
 

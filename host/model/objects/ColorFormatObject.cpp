@@ -1,10 +1,11 @@
+#include "host/model/objects/ColorFormatObject.h"
+
 #include <cmath>
 #include <cstdio>
 #include <optional>
 
 #include "foundation/automation/HostMembers.h"
 #include "host/deck/text/RunPropertiesEdit.h"
-#include "host/model/Objects.h"
 
 namespace quillmarch::host::model {
 namespace {
@@ -134,25 +135,23 @@ ResultCode ColorFormatObject::Put(const ColorSpec& color) const {
   return kOk;
 }
 
-ResultCode ColorFormatObject::Type(Args, Variant& out) {
+Answer ColorFormatObject::Type() const {
   if (Body() == nullptr) return kHostException;
   const ColorSpec* const color = Common();
   std::int32_t type = kTypeMixed;
   if (color != nullptr) type = color->kind == ColorSpec::Kind::kScheme ? kTypeScheme : kTypeRgb;
-  out = Variant::I4(type);
-  return kOk;
+  return Variant::I4(type);
 }
 
-ResultCode ColorFormatObject::Rgb(Args, Variant& out) {
+Answer ColorFormatObject::Rgb() const {
   const ColorSpec* const color = Common();
   if (color == nullptr) return kHostException;
   const deck::BodyStyle& style = *Body()->style();
   const std::uint32_t rgb = deck::ResolveColor(*color, style.colorMap, style.colors);
-  out = Variant::I4(static_cast<std::int32_t>(SwapRedAndBlue(rgb)));
-  return kOk;
+  return Variant::I4(static_cast<std::int32_t>(SwapRedAndBlue(rgb)));
 }
 
-ResultCode ColorFormatObject::PutRgb(const Variant& value) {
+ResultCode ColorFormatObject::PutRgb(const Variant& value) const {
   std::int32_t number = 0;
   if (!WholeOf(value, number)) return kTypeMismatch;
   ColorSpec color;
@@ -161,15 +160,14 @@ ResultCode ColorFormatObject::PutRgb(const Variant& value) {
   return Put(color);
 }
 
-ResultCode ColorFormatObject::SchemeColor(Args, Variant& out) {
+Answer ColorFormatObject::SchemeColor() const {
   const ColorSpec* const color = Common();
   if (color == nullptr) return kHostException;
   const bool scheme = color->kind == ColorSpec::Kind::kScheme;
-  out = Variant::I4(scheme ? NumberOf(kSchemeColors, color->slot) : 0);
-  return kOk;
+  return Variant::I4(scheme ? NumberOf(kSchemeColors, color->slot) : 0);
 }
 
-ResultCode ColorFormatObject::PutSchemeColor(const Variant& value) {
+ResultCode ColorFormatObject::PutSchemeColor(const Variant& value) const {
   const std::optional<SchemeSlot> slot = SlotOf(kSchemeColors, value);
   if (!slot) return kInvalidArgument;
   ColorSpec color;
@@ -178,15 +176,14 @@ ResultCode ColorFormatObject::PutSchemeColor(const Variant& value) {
   return Put(color);
 }
 
-ResultCode ColorFormatObject::ObjectThemeColor(Args, Variant& out) {
+Answer ColorFormatObject::ObjectThemeColor() const {
   const ColorSpec* const color = Common();
   if (color == nullptr) return kHostException;
   const bool scheme = color->kind == ColorSpec::Kind::kScheme;
-  out = Variant::I4(scheme ? NumberOf(kThemeColors, color->slot) : 0);
-  return kOk;
+  return Variant::I4(scheme ? NumberOf(kThemeColors, color->slot) : 0);
 }
 
-ResultCode ColorFormatObject::PutObjectThemeColor(const Variant& value) {
+ResultCode ColorFormatObject::PutObjectThemeColor(const Variant& value) const {
   const std::optional<SchemeSlot> slot = SlotOf(kThemeColors, value);
   if (!slot) return kInvalidArgument;
   ColorSpec color;
@@ -195,8 +192,8 @@ ResultCode ColorFormatObject::PutObjectThemeColor(const Variant& value) {
   return Put(color);
 }
 
-// From -1 (black) over 0 (the colour itself) to 1 (white).
-ResultCode ColorFormatObject::TintAndShade(Args, Variant& out) {
+// From -1 (black) through 0 (the colour itself) to 1 (white).
+Answer ColorFormatObject::TintAndShade() const {
   const ColorSpec* const color = Common();
   if (color == nullptr) return kHostException;
   double value = 0;
@@ -205,21 +202,19 @@ ResultCode ColorFormatObject::TintAndShade(Args, Variant& out) {
     if (modifier.change == deck::ColorChange::kTint) value = 1 - share;
     if (modifier.change == deck::ColorChange::kShade) value = share - 1;
   }
-  out = Variant::R4(static_cast<float>(value));
-  return kOk;
+  return Variant::R4(static_cast<float>(value));
 }
 
-ResultCode ColorFormatObject::PutTintAndShade(const Variant& value) {
+ResultCode ColorFormatObject::PutTintAndShade(const Variant& value) const {
   double wanted = 0;
   if (!RealOf(value, wanted)) return kTypeMismatch;
   if (!(std::fabs(wanted) <= 1)) return kInvalidArgument;
   const ColorSpec* const common = Common();
   if (common == nullptr) return kHostException;
   ColorSpec color = *common;
-  Variant now;
-  TintAndShade(Args({}), now);
+  const Answer now = TintAndShade();
   // What the file holds need not be a whole thousandth of a per cent as a float.
-  if (std::fabs(static_cast<double>(now.single()) - wanted) < 1 / kFullShare) return kOk;
+  if (std::fabs(static_cast<double>(now.value().single()) - wanted) < 1 / kFullShare) return kOk;
   std::erase_if(color.modifiers, IsTintOrShade);
   const auto share = static_cast<std::int64_t>(std::lround((1 - std::fabs(wanted)) * kFullShare));
   if (wanted > 0) color.modifiers.push_back({deck::ColorChange::kTint, share});
@@ -229,15 +224,17 @@ ResultCode ColorFormatObject::PutTintAndShade(const Variant& value) {
 
 const MemberTable& ColorFormatObject::Table() const {
   using Self = ColorFormatObject;
-  static const MemberTable table(
-      {ppt::kColorFormat}, {{u"RGB", 0, Getter<&Self::Rgb>::Call, Putter<&Self::PutRgb>::Call},
-                            {u"Type", 101, Getter<&Self::Type>::Call},
-                            {u"TintAndShade", 103, Getter<&Self::TintAndShade>::Call,
-                             Putter<&Self::PutTintAndShade>::Call},
-                            {u"ObjectThemeColor", 104, Getter<&Self::ObjectThemeColor>::Call,
-                             Putter<&Self::PutObjectThemeColor>::Call},
-                            {u"SchemeColor", 2003, Getter<&Self::SchemeColor>::Call,
-                             Putter<&Self::PutSchemeColor>::Call}});
+  static const auto table = MemberTable::Of<Self>(
+      {ppt::kColorFormat},
+      {{u"RGB", 0, [](Self& self) { return self.Rgb(); },
+        [](Self& self, const Variant& value) { return self.PutRgb(value); }},
+       {u"Type", 101, [](Self& self) { return self.Type(); }},
+       {u"TintAndShade", 103, [](Self& self) { return self.TintAndShade(); },
+        [](Self& self, const Variant& value) { return self.PutTintAndShade(value); }},
+       {u"ObjectThemeColor", 104, [](Self& self) { return self.ObjectThemeColor(); },
+        [](Self& self, const Variant& value) { return self.PutObjectThemeColor(value); }},
+       {u"SchemeColor", 2003, [](Self& self) { return self.SchemeColor(); },
+        [](Self& self, const Variant& value) { return self.PutSchemeColor(value); }}});
   return table;
 }
 

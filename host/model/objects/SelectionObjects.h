@@ -4,34 +4,30 @@
 #include <utility>
 #include <vector>
 
-#include "host/model/Objects.h"
+#include "host/model/objects/DeckObject.h"
 
 namespace quillmarch::host::model {
 
-// Asks the window anew with every call; what the type has not fails.
+// Asks the window again with every call. A member that does not fit the selection's type fails.
 class SelectionObject final : public DeckObject {
  public:
   SelectionObject(SessionRef session, OpenDeck* open) : DeckObject(std::move(session), open) {}
-  ResultCode Type(Args, Variant& out);
-  ResultCode SlideRange(Args, Variant& out);
-  ResultCode ShapeRange(Args, Variant& out);
-  ResultCode TextRange(Args, Variant& out);
-  ResultCode ChildShapeRange(Args, Variant& out);
-  ResultCode HasChildShapeRange(Args, Variant& out);
 
  protected:
   const MemberTable& Table() const override;
 
  private:
   const Selected& selected() const { return open()->selected; }
+  Answer SlideRange() const;
+  Answer ShapeRange() const;
+  Answer TextRange() const;
+  Answer ChildShapeRange() const;
 };
 
 class ShapeRangeObject final : public DeckObject {
  public:
   ShapeRangeObject(SessionRef session, OpenDeck* open, std::vector<deck::ShapeAddress> shapes)
       : DeckObject(std::move(session), open), shapes_(std::move(shapes)) {}
-  ResultCode Count(Args, Variant& out);
-  ResultCode Item(Args args, Variant& out);
 
  protected:
   const MemberTable& Table() const override;
@@ -44,8 +40,6 @@ class SlideRangeObject final : public DeckObject {
  public:
   SlideRangeObject(SessionRef session, OpenDeck* open, std::vector<std::uint32_t> slides)
       : DeckObject(std::move(session), open), slides_(std::move(slides)) {}
-  ResultCode Count(Args, Variant& out);
-  ResultCode Item(Args args, Variant& out);
 
  protected:
   const MemberTable& Table() const override;

@@ -1,5 +1,8 @@
+#include "host/model/objects/TagsObject.h"
+
+#include <vector>
+
 #include "foundation/automation/HostMembers.h"
-#include "host/model/Objects.h"
 
 namespace quillmarch::host::model {
 namespace {
@@ -23,12 +26,7 @@ const deck::Tag* TagAt(const std::vector<deck::Tag>& tags, Args args) {
 
 }  // namespace
 
-ResultCode TagsObject::Count(Args, Variant& out) {
-  out = Variant::I4(static_cast<std::int32_t>(deck::ReadTags(deck(), owner_).size()));
-  return kOk;
-}
-
-ResultCode TagsObject::Item(Args args, Variant& out) {
+Answer TagsObject::Item(Args args) const {
   if (args.Count() != 1) return kBadParamCount;
   if (args[0].type() != VariantType::kText) return kTypeMismatch;
   const Wide wanted = UpperName(args[0].text());
@@ -40,11 +38,10 @@ ResultCode TagsObject::Item(Args args, Variant& out) {
       break;
     }
   }
-  out = Variant::Text(std::move(value));
-  return kOk;
+  return value;
 }
 
-ResultCode TagsObject::Add(Args args, Variant&) {
+ResultCode TagsObject::Add(Args args) const {
   if (args.Count() != 2) return kBadParamCount;
   if (args[0].type() != VariantType::kText || args[1].type() != VariantType::kText) {
     return kTypeMismatch;
@@ -52,29 +49,30 @@ ResultCode TagsObject::Add(Args args, Variant&) {
   return deck::PutTag(deck(), owner_, args[0].text(), args[1].text()) ? kOk : kHostException;
 }
 
-ResultCode TagsObject::Name(Args args, Variant& out) {
+Answer TagsObject::Name(Args args) const {
   const std::vector<deck::Tag> tags = deck::ReadTags(deck(), owner_);
   const deck::Tag* const tag = TagAt(tags, args);
   if (tag == nullptr) return kHostException;
-  out = Variant::Text(UpperName(tag->name));
-  return kOk;
+  return UpperName(tag->name);
 }
 
-ResultCode TagsObject::Value(Args args, Variant& out) {
+Answer TagsObject::Value(Args args) const {
   const std::vector<deck::Tag> tags = deck::ReadTags(deck(), owner_);
   const deck::Tag* const tag = TagAt(tags, args);
   if (tag == nullptr) return kHostException;
-  out = Variant::Text(tag->value);
-  return kOk;
+  return tag->value;
 }
 
 const MemberTable& TagsObject::Table() const {
   using Self = TagsObject;
-  static const MemberTable table({ppt::kTags}, {{u"Item", 0, Getter<&Self::Item>::Call},
-                                                {u"Count", 11, Getter<&Self::Count>::Call},
-                                                {u"Add", 2003, Getter<&Self::Add>::Call},
-                                                {u"Name", 2007, Getter<&Self::Name>::Call},
-                                                {u"Value", 2008, Getter<&Self::Value>::Call}});
+  static const auto table = MemberTable::Of<Self>(
+      {ppt::kTags},
+      {{u"Item", 0, [](Self& self, Args args) { return self.Item(args); }},
+       {u"Count", 11,
+        [](Self& self) { return CountOf(deck::ReadTags(self.deck(), self.owner_).size()); }},
+       {u"Add", 2003, [](Self& self, Args args) { return self.Add(args); }},
+       {u"Name", 2007, [](Self& self, Args args) { return self.Name(args); }},
+       {u"Value", 2008, [](Self& self, Args args) { return self.Value(args); }}});
   return table;
 }
 
