@@ -1,11 +1,11 @@
-#include "host/geometry/PresetRooms.h"
+#include "host/geometry/PresetTextRects.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <optional>
 
-#include "host/geometry/RareRooms.h"
+#include "host/geometry/UncommonTextRects.h"
 
 namespace quillmarch::host::model {
 namespace {
@@ -14,15 +14,15 @@ constexpr double kWhole = 100000.0;
 // Angles of a file go 60000 to the degree.
 constexpr double kSharesPerDegree = 60000.0 / kWhole;
 
-// Rooms that no adjustment moves, as shares of the shape's sides.
-struct FixedRoom {
+// Rectangles that no adjustment moves, as shares of the shape's sides.
+struct FixedRect {
   std::string_view word;
   double left, top, right, bottom;
 };
 constexpr double kRound = kCorner / 2.0;
 constexpr double kThird = 1.0 / 3.0;
 constexpr double kSixth = 1.0 / 6.0;
-constexpr FixedRoom kFixedRooms[] = {
+constexpr FixedRect kFixedRects[] = {
     {"chord", kRound, kRound, 1.0 - kRound, 1.0 - kRound},
     {"cloud", 0.1378, 0.151, 0.7911, 0.8026},
     {"cloudCallout", 0.1378, 0.151, 0.7911, 0.8026},
@@ -87,18 +87,18 @@ PresetEdges Arrow(const PresetGeometry& g, bool across, bool headAtEnd) {
 
 PresetEdges RoundRectangle(const PresetGeometry& g, const char* name, double radius) {
   const double inset = g.Short() * g.Adjust(name, radius, 0.5) * kCorner;
-  return RoomInside(g, inset, inset);
+  return RectInside(g, inset, inset);
 }
 
 PresetEdges Hexagon(const PresetGeometry& g) {
   const double limit = 0.5 * g.WideLimit();
   const double adjust = g.Adjust("adj", 0.25, limit);
-  if (limit <= 0) return RoomInside(g, 0, 0);
+  if (limit <= 0) return RectInside(g, 0, 0);
   const double middle = limit / -2.0;
   const bool flat = adjust + middle > 0;
   const double share =
       (flat ? 4.0 : 2.0) - (flat ? 3.0 : 2.0) * (adjust + (flat ? middle : 0.0)) / middle;
-  return RoomInside(g, g.width * share / 24.0, g.height * share / 24.0);
+  return RectInside(g, g.width * share / 24.0, g.height * share / 24.0);
 }
 
 // Arrows that point both ways, and those with something cut out of their tail.
@@ -110,10 +110,10 @@ PresetEdges DoubleArrow(const PresetGeometry& g, bool across) {
 }
 
 PresetEdges TailArrow(const PresetGeometry& g, bool notched) {
-  const PresetEdges room = Arrow(g, true, true);
+  const PresetEdges rect = Arrow(g, true, true);
   // The notch is as deep as the tip that the text leaves free.
-  const double notch = g.width - room.right;
-  return {notched ? notch : g.Short() * 5.0 / 32.0, room.top, room.right, room.bottom};
+  const double notch = g.width - rect.right;
+  return {notched ? notch : g.Short() * 5.0 / 32.0, rect.top, rect.right, rect.bottom};
 }
 
 // A box with an arrow at one side, or with one at each of two.
@@ -147,7 +147,7 @@ constexpr Star kStars[] = {{"star4", 0.125, 1.0, 1.0, 0.70711, 0.70711, 0.70711}
                            {"star24", 0.375, 1.0, 1.0, 0.70711, 0.70711, 0.70711},
                            {"star32", 0.375, 1.0, 1.0, 0.70711, 0.70711, 0.70711}};
 
-PresetEdges StarRoom(const PresetGeometry& g, const Star& star) {
+PresetEdges StarRect(const PresetGeometry& g, const Star& star) {
   const double share = 2.0 * g.Adjust("adj", star.adjust, 0.5);
   const double across = g.width / 2.0 * star.wide * share;
   const double down = g.height / 2.0 * star.tall * share;
@@ -164,13 +164,13 @@ PresetEdges Snipped(const PresetGeometry& g, std::string_view word) {
   if (oneCorner) return {0, one / 2.0, g.width - one / 2.0, g.height};
   const double two = g.Short() * g.Adjust("adj2", word == "snip2SameRect" ? 0.0 : 0.16667, 0.5);
   const double side = std::max(one, two) / 2.0;
-  if (twoOpposite) return RoomInside(g, side, side);
+  if (twoOpposite) return RectInside(g, side, side);
   if (word == "snip2SameRect") return {side, one / 2.0, g.width - side, g.height - two / 2.0};
   // Round at the left, cut at the right.
   return {one * kCorner, one * kCorner, g.width - two / 2.0, g.height};
 }
 
-PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
+PresetEdges PlainRect(const PresetGeometry& g, std::string_view word) {
   const double w = g.width;
   const double h = g.height;
   if (word == "roundRect") return RoundRectangle(g, "adj", 0.16667);
@@ -178,7 +178,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
   if (word == "flowChartAlternateProcess") return RoundRectangle(g, "", 1.0 / 6.0);
   if (word == "plaque") {
     const double inset = g.Short() * g.Adjust("adj", 0.16667, 0.5) * (1.0 - kCorner);
-    return RoomInside(g, inset, inset);
+    return RectInside(g, inset, inset);
   }
   if (word == "round2SameRect" || word == "round1Rect" || word == "round2DiagRect") {
     const char* const first = word == "round1Rect" ? "adj" : "adj1";
@@ -186,7 +186,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
     if (word == "round1Rect") return {0, 0, w - one, h};
     const double two = g.Short() * g.Adjust("adj2", 0.0, 0.5) * kCorner;
     const double side = std::max(one, two);
-    if (word == "round2DiagRect") return RoomInside(g, side, side);
+    if (word == "round2DiagRect") return RectInside(g, side, side);
     return {side, one, w - side, h - two};
   }
   if (word == "triangle") {
@@ -198,7 +198,7 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
     const double limit = g.WideLimit();
     const double share =
         limit > 0 ? (1.0 + 5.0 * g.Adjust("adj", 0.25, limit) / limit) / 12.0 : 0.0;
-    return RoomInside(g, w * share, h * share);
+    return RectInside(g, w * share, h * share);
   }
   if (word == "trapezoid") {
     const double limit = 0.5 * g.WideLimit();
@@ -208,19 +208,19 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
   if (word == "hexagon") return Hexagon(g);
   if (word == "octagon") {
     const double inset = g.Short() * g.Adjust("adj", kCorner, 0.5) / 2.0;
-    return RoomInside(g, inset, inset);
+    return RectInside(g, inset, inset);
   }
   if (word == "plus") {
     const double arm = g.Short() * g.Adjust("adj", 0.25, 0.5);
-    return w > h ? RoomInside(g, 0, arm) : RoomInside(g, arm, 0);
+    return w > h ? RectInside(g, 0, arm) : RectInside(g, arm, 0);
   }
   if (word == "frame" || word == "bevel") {
     const double inset = g.Short() * g.Adjust(word == "frame" ? "adj1" : "adj", 0.125, 0.5);
-    return RoomInside(g, inset, inset);
+    return RectInside(g, inset, inset);
   }
   if (word == "chevron") {
     const double point = g.Short() * g.Adjust("adj", 0.5, g.WideLimit());
-    return w - 2.0 * point > 0 ? RoomInside(g, point, 0) : RoomInside(g, 0, 0);
+    return w - 2.0 * point > 0 ? RectInside(g, point, 0) : RectInside(g, 0, 0);
   }
   if (word == "homePlate") {
     return {0, 0, w - g.Short() * g.Adjust("adj", 0.5, g.WideLimit()) / 2.0, h};
@@ -238,11 +238,11 @@ PresetEdges PlainRoom(const PresetGeometry& g, std::string_view word) {
     return {0, depth, w - depth, h};
   }
   if (word == "foldedCorner") return {0, 0, w, h - g.Short() * g.Adjust("adj", 0.16667, 0.5)};
-  return RoomInside(g, 0, 0);
+  return RectInside(g, 0, 0);
 }
 
 // Scrolls, waves, ribbons and boxes with arrows.
-PresetEdges OrnateRoom(const PresetGeometry& g, std::string_view word) {
+PresetEdges OrnateRect(const PresetGeometry& g, std::string_view word) {
   const double w = g.width;
   const double h = g.height;
   if (word == "verticalScroll" || word == "horizontalScroll") {
@@ -254,7 +254,7 @@ PresetEdges OrnateRoom(const PresetGeometry& g, std::string_view word) {
     const bool two = word == "doubleWave";
     const double crest = g.Adjust("adj1", two ? 0.0625 : 0.125, two ? 0.125 : 0.2);
     const double slant = std::min(0.1, std::fabs(g.Stored("adj2", 0.0)));
-    return RoomInside(g, 2.0 * w * slant, 2.0 * h * crest);
+    return RectInside(g, 2.0 * w * slant, 2.0 * h * crest);
   }
   if (word == "ribbon" || word == "ribbon2") {
     const double fold = h * g.Adjust("adj1", 0.16667, 0.33333);
@@ -272,7 +272,7 @@ PresetEdges OrnateRoom(const PresetGeometry& g, std::string_view word) {
   if (word == "upArrowCallout") return ArrowCallout(g, false, true, false);
   if (word == "leftRightArrowCallout") return ArrowCallout(g, true, true, true);
   if (word == "upDownArrowCallout") return ArrowCallout(g, false, true, true);
-  return PlainRoom(g, word);
+  return PlainRect(g, word);
 }
 
 }  // namespace
@@ -297,27 +297,27 @@ double PresetGeometry::AdjustAngle(std::string_view name, double otherwise) cons
   return Adjust(name, otherwise * kSharesPerDegree, kMost) / kSharesPerDegree;
 }
 
-PresetEdges RoomInside(const PresetGeometry& g, double side, double end) {
+PresetEdges RectInside(const PresetGeometry& g, double side, double end) {
   return {side, end, g.width - side, g.height - end};
 }
 
-PresetEdges PresetRoom(const PresetGeometry& g, std::string_view word) {
-  if (word.empty() || word == "rect") return RoomInside(g, 0, 0);
-  for (const FixedRoom& room : kFixedRooms) {
-    if (word == room.word) {
-      return {g.width * room.left, g.height * room.top, g.width * room.right,
-              g.height * room.bottom};
+PresetEdges PresetTextRect(const PresetGeometry& g, std::string_view word) {
+  if (word.empty() || word == "rect") return RectInside(g, 0, 0);
+  for (const FixedRect& rect : kFixedRects) {
+    if (word == rect.word) {
+      return {g.width * rect.left, g.height * rect.top, g.width * rect.right,
+              g.height * rect.bottom};
     }
   }
   for (const Star& star : kStars) {
-    if (word == star.word) return StarRoom(g, star);
+    if (word == star.word) return StarRect(g, star);
   }
   if (word == "snip1Rect" || word == "snip2SameRect" || word == "snip2DiagRect" ||
       word == "snipRoundRect") {
     return Snipped(g, word);
   }
-  if (const std::optional<PresetEdges> rare = RareRoom(g, word)) return *rare;
-  return OrnateRoom(g, word);
+  if (const std::optional<PresetEdges> rare = UncommonTextRect(g, word)) return *rare;
+  return OrnateRect(g, word);
 }
 
 }  // namespace quillmarch::host::model

@@ -32,10 +32,10 @@ struct PresetEdges {
 // What a quarter circle leaves of its corner to a rectangle: 1 - cos 45 degrees.
 inline constexpr double kCorner = 0.29289321881345254;
 
-// The room that keeps the same distances at both sides, and at both ends.
-PresetEdges RoomInside(const PresetGeometry& geometry, double side, double end);
+// The rectangle that keeps the same distances at both sides, and at both ends.
+PresetEdges RectInside(const PresetGeometry& geometry, double side, double end);
 
 // The whole box for a word that is not known.
-PresetEdges PresetRoom(const PresetGeometry& geometry, std::string_view word);
+PresetEdges PresetTextRect(const PresetGeometry& geometry, std::string_view word);
 
 }  // namespace quillmarch::host::model

@@ -1,4 +1,4 @@
-#include "host/geometry/RareRooms.h"
+#include "host/geometry/UncommonTextRects.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,7 +48,7 @@ PresetEdges LeftRightUpArrow(const Geometry& g) {
 
 PresetEdges QuadArrow(const Geometry& g) {
   const Heads heads = HeadsOf(g, 0.225, 2.0);
-  return RoomInside(g, ReachOf(g, heads), (g.height - g.Short() * heads.shaft) / 2.0);
+  return RectInside(g, ReachOf(g, heads), (g.height - g.Short() * heads.shaft) / 2.0);
 }
 
 PresetEdges QuadArrowCallout(const Geometry& g) {
@@ -57,7 +57,7 @@ PresetEdges QuadArrowCallout(const Geometry& g) {
   const double shaft = g.Adjust("adj1", kUsual, 2.0 * half);
   const double head = g.Adjust("adj3", kUsual, 0.5 - half);
   const double box = std::max(shaft, g.Adjust("adj4", 0.48123, 1.0 - 2.0 * head));
-  return RoomInside(g, g.width * (1.0 - box) / 2.0, g.height * (1.0 - box) / 2.0);
+  return RectInside(g, g.width * (1.0 - box) / 2.0, g.height * (1.0 - box) / 2.0);
 }
 
 PresetEdges BentUpArrow(const Geometry& g) {
@@ -74,13 +74,13 @@ PresetEdges CircularArrow(const Geometry& g) {
   const auto side = [inset](double length) {
     return length / 2.0 - (length / 2.0 - inset) * (1.0 - kCorner);
   };
-  return RoomInside(g, side(g.width), side(g.height));
+  return RectInside(g, side(g.width), side(g.height));
 }
 
 PresetEdges Sun(const Geometry& g) {
   const double rays = 0.5 - std::max(0.125, g.Adjust("adj", 0.25, 0.46875));
   const double share = 0.5 - rays * (1.0 - kCorner);
-  return RoomInside(g, g.width * share, g.height * share);
+  return RectInside(g, g.width * share, g.height * share);
 }
 
 PresetEdges Moon(const Geometry& g) {
@@ -106,8 +106,8 @@ PresetEdges DiagonalStripe(const Geometry& g) {
 
 // The box around the ends of an arc, `depth` within the ellipse as well, and around the sides that
 // the arc runs through.
-PresetEdges ArcRoom(const Geometry& g, double begin, double end, double depth) {
-  PresetEdges room{g.width, g.height, 0, 0};
+PresetEdges ArcRect(const Geometry& g, double begin, double end, double depth) {
+  PresetEdges rect{g.width, g.height, 0, 0};
   for (const double angle : {begin, end}) {
     for (const double inset : {0.0, depth}) {
       const double across = g.width / 2.0 - inset;
@@ -117,8 +117,8 @@ PresetEdges ArcRoom(const Geometry& g, double begin, double end, double depth) {
           std::atan2(across * std::sin(angle * kDegree), down * std::cos(angle * kDegree));
       const double x = g.width / 2.0 + across * std::cos(turn);
       const double y = g.height / 2.0 + down * std::sin(turn);
-      room = {std::min(room.left, x), std::min(room.top, y), std::max(room.right, x),
-              std::max(room.bottom, y)};
+      rect = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x),
+              std::max(rect.bottom, y)};
     }
   }
   const double sweep = end > begin ? end - begin : end - begin + 360.0;
@@ -126,19 +126,19 @@ PresetEdges ArcRoom(const Geometry& g, double begin, double end, double depth) {
     const double way = side >= begin ? side - begin : side - begin + 360.0;
     return way <= sweep;
   };
-  if (passes(0)) room.right = g.width;
-  if (passes(90)) room.bottom = g.height;
-  if (passes(180)) room.left = 0;
-  if (passes(270)) room.top = 0;
-  return room;
+  if (passes(0)) rect.right = g.width;
+  if (passes(90)) rect.bottom = g.height;
+  if (passes(180)) rect.left = 0;
+  if (passes(270)) rect.top = 0;
+  return rect;
 }
 
 PresetEdges Arc(const Geometry& g) {
-  return ArcRoom(g, g.AdjustAngle("adj1", 270), g.AdjustAngle("adj2", 0), 0.0);
+  return ArcRect(g, g.AdjustAngle("adj1", 270), g.AdjustAngle("adj2", 0), 0.0);
 }
 
 PresetEdges BlockArc(const Geometry& g) {
-  return ArcRoom(g, g.AdjustAngle("adj1", 180), g.AdjustAngle("adj2", 0),
+  return ArcRect(g, g.AdjustAngle("adj1", 180), g.AdjustAngle("adj2", 0),
                  g.Short() * g.Adjust("adj3", 0.25, 0.5));
 }
 
@@ -154,8 +154,8 @@ PresetEdges LeftBrace(const Geometry& g) {
   return {g.width * (1.0 - (1.0 - kCorner) / 2.0), end, g.width, g.height - end};
 }
 
-PresetEdges Mirrored(const Geometry& g, const PresetEdges& room) {
-  return {g.width - room.right, room.top, g.width - room.left, room.bottom};
+PresetEdges Mirrored(const Geometry& g, const PresetEdges& rect) {
+  return {g.width - rect.right, rect.top, g.width - rect.left, rect.bottom};
 }
 
 PresetEdges RightBracket(const Geometry& g) {
@@ -167,7 +167,7 @@ PresetEdges RightBrace(const Geometry& g) {
 
 PresetEdges BracketPair(const Geometry& g) {
   const double inset = g.Short() * g.Adjust("adj", 0.16667, 0.5) * kCorner;
-  return RoomInside(g, inset, inset);
+  return RectInside(g, inset, inset);
 }
 
 PresetEdges BracePair(const Geometry& g) {
@@ -190,8 +190,8 @@ PresetEdges HangingRibbon(const Geometry& g) {
 }
 
 PresetEdges StandingRibbon(const Geometry& g) {
-  const PresetEdges room = HangingRibbon(g);
-  return {room.left, g.height - room.bottom, room.right, g.height - room.top};
+  const PresetEdges rect = HangingRibbon(g);
+  return {rect.left, g.height - rect.bottom, rect.right, g.height - rect.top};
 }
 
 PresetEdges LeftRightRibbon(const Geometry& g) {
@@ -199,7 +199,7 @@ PresetEdges LeftRightRibbon(const Geometry& g) {
   const double band = g.Adjust("adj1", 0.5, 1.0 - fold);
   const double limit = g.Short() > 0 ? g.width * 15.0 / 32.0 / g.Short() : 0.0;
   const double side = g.Short() * g.Adjust("adj2", 0.5, limit);
-  return RoomInside(g, side, g.height * (1.0 - band - fold) / 2.0);
+  return RectInside(g, side, g.height * (1.0 - band - fold) / 2.0);
 }
 
 // The ellipse between a gear's teeth, and the place on it in a direction of `degrees`, less half a
@@ -221,7 +221,7 @@ Gear GearOf(const Geometry& g, double height, double slope, double mostSlope) {
 PresetEdges Gear6(const Geometry& g) {
   Gear gear = GearOf(g, 0.15, 0.03526, 0.05358);
   gear.tooth = -gear.tooth;
-  return RoomInside(g, g.width / 2.0 - gear.X(30), g.height / 2.0 - gear.Y(30));
+  return RectInside(g, g.width / 2.0 - gear.X(30), g.height / 2.0 - gear.Y(30));
 }
 
 PresetEdges Gear9(const Geometry& g) {
@@ -233,26 +233,26 @@ PresetEdges Gear9(const Geometry& g) {
           g.height / 2.0 + gear.Y(30)};
 }
 
-PresetEdges SignRoom(const Geometry& g, double height) {
-  return RoomInside(g, g.width * (1.0 - kSign) / 2.0, (g.height - height) / 2.0);
+PresetEdges SignRect(const Geometry& g, double height) {
+  return RectInside(g, g.width * (1.0 - kSign) / 2.0, (g.height - height) / 2.0);
 }
 
 PresetEdges Plus(const Geometry& g) {
-  return SignRoom(g, g.Short() * g.Adjust("adj1", 0.2352, kSign));
+  return SignRect(g, g.Short() * g.Adjust("adj1", 0.2352, kSign));
 }
 PresetEdges Minus(const Geometry& g) {
-  return SignRoom(g, g.height * g.Adjust("adj1", 0.2352, 1.0));
+  return SignRect(g, g.height * g.Adjust("adj1", 0.2352, 1.0));
 }
 PresetEdges Divide(const Geometry& g) {
-  return SignRoom(g, g.height * std::max(0.01, g.Adjust("adj1", 0.2352, kSign / 2.0)));
+  return SignRect(g, g.height * std::max(0.01, g.Adjust("adj1", 0.2352, kSign / 2.0)));
 }
 PresetEdges Equal(const Geometry& g) {
   const double bar = g.Adjust("adj1", 0.2352, kSign / 2.0);
-  return SignRoom(g, g.height * (2.0 * bar + g.Adjust("adj2", 0.1176, 1.0 - 2.0 * bar)));
+  return SignRect(g, g.height * (2.0 * bar + g.Adjust("adj2", 0.1176, 1.0 - 2.0 * bar)));
 }
 PresetEdges NotEqual(const Geometry& g) {
   const double bar = g.Adjust("adj1", 0.2352, 0.5);
-  return SignRoom(g, g.height * (2.0 * bar + g.Adjust("adj3", 0.1176, 1.0 - 2.0 * bar)));
+  return SignRect(g, g.height * (2.0 * bar + g.Adjust("adj3", 0.1176, 1.0 - 2.0 * bar)));
 }
 
 PresetEdges Multiply(const Geometry& g) {
@@ -260,68 +260,68 @@ PresetEdges Multiply(const Geometry& g) {
   const double thick = g.Short() * g.Adjust("adj1", 0.2352, kReach);
   const double angle = std::atan2(g.height, g.width);
   const double left = std::hypot(g.width, g.height) * (1.0 - kReach) / 2.0;
-  return RoomInside(g, std::cos(angle) * left - std::sin(angle) * thick / 2.0,
+  return RectInside(g, std::cos(angle) * left - std::sin(angle) * thick / 2.0,
                     std::sin(angle) * left - std::cos(angle) * thick / 2.0);
 }
 
 PresetEdges Tabs(const Geometry& g) {
   const double inset = std::hypot(g.width, g.height) / 20.0;
-  return RoomInside(g, inset, inset);
+  return RectInside(g, inset, inset);
 }
 
 PresetEdges SlantedTrapezoid(const Geometry& g) {
   const double limit = 0.5 * g.WideLimit();
-  if (limit <= 0) return RoomInside(g, 0, 0);
+  if (limit <= 0) return RectInside(g, 0, 0);
   const double left = g.Adjust("adj1", 0.25, limit) / limit / 3.0;
   const double right = g.Adjust("adj2", 0.25, limit) / limit / 3.0;
   return {g.width * left, g.height * std::max(left, right), g.width * (1.0 - right), g.height};
 }
 
-struct Rare {
+struct Uncommon {
   std::string_view word;
-  PresetEdges (*room)(const Geometry&);
+  PresetEdges (*rect)(const Geometry&);
 };
-constexpr Rare kRare[] = {{"arc", Arc},
-                          {"bentUpArrow", BentUpArrow},
-                          {"blockArc", BlockArc},
-                          {"bracePair", BracePair},
-                          {"bracketPair", BracketPair},
-                          {"circularArrow", CircularArrow},
-                          {"corner", Corner},
-                          {"cornerTabs", Tabs},
-                          {"diagStripe", DiagonalStripe},
-                          {"ellipseRibbon", HangingRibbon},
-                          {"ellipseRibbon2", StandingRibbon},
-                          {"gear6", Gear6},
-                          {"gear9", Gear9},
-                          {"leftBrace", LeftBrace},
-                          {"leftBracket", LeftBracket},
-                          {"leftCircularArrow", CircularArrow},
-                          {"leftRightCircularArrow", CircularArrow},
-                          {"leftRightRibbon", LeftRightRibbon},
-                          {"leftRightUpArrow", LeftRightUpArrow},
-                          {"leftUpArrow", LeftUpArrow},
-                          {"mathDivide", Divide},
-                          {"mathEqual", Equal},
-                          {"mathMinus", Minus},
-                          {"mathMultiply", Multiply},
-                          {"mathNotEqual", NotEqual},
-                          {"mathPlus", Plus},
-                          {"moon", Moon},
-                          {"nonIsoscelesTrapezoid", SlantedTrapezoid},
-                          {"plaqueTabs", Tabs},
-                          {"quadArrow", QuadArrow},
-                          {"quadArrowCallout", QuadArrowCallout},
-                          {"rightBrace", RightBrace},
-                          {"rightBracket", RightBracket},
-                          {"squareTabs", Tabs},
-                          {"sun", Sun}};
+constexpr Uncommon kUncommon[] = {{"arc", Arc},
+                                  {"bentUpArrow", BentUpArrow},
+                                  {"blockArc", BlockArc},
+                                  {"bracePair", BracePair},
+                                  {"bracketPair", BracketPair},
+                                  {"circularArrow", CircularArrow},
+                                  {"corner", Corner},
+                                  {"cornerTabs", Tabs},
+                                  {"diagStripe", DiagonalStripe},
+                                  {"ellipseRibbon", HangingRibbon},
+                                  {"ellipseRibbon2", StandingRibbon},
+                                  {"gear6", Gear6},
+                                  {"gear9", Gear9},
+                                  {"leftBrace", LeftBrace},
+                                  {"leftBracket", LeftBracket},
+                                  {"leftCircularArrow", CircularArrow},
+                                  {"leftRightCircularArrow", CircularArrow},
+                                  {"leftRightRibbon", LeftRightRibbon},
+                                  {"leftRightUpArrow", LeftRightUpArrow},
+                                  {"leftUpArrow", LeftUpArrow},
+                                  {"mathDivide", Divide},
+                                  {"mathEqual", Equal},
+                                  {"mathMinus", Minus},
+                                  {"mathMultiply", Multiply},
+                                  {"mathNotEqual", NotEqual},
+                                  {"mathPlus", Plus},
+                                  {"moon", Moon},
+                                  {"nonIsoscelesTrapezoid", SlantedTrapezoid},
+                                  {"plaqueTabs", Tabs},
+                                  {"quadArrow", QuadArrow},
+                                  {"quadArrowCallout", QuadArrowCallout},
+                                  {"rightBrace", RightBrace},
+                                  {"rightBracket", RightBracket},
+                                  {"squareTabs", Tabs},
+                                  {"sun", Sun}};
 
 }  // namespace
 
-std::optional<PresetEdges> RareRoom(const PresetGeometry& geometry, std::string_view word) {
-  for (const Rare& rare : kRare) {
-    if (word == rare.word) return rare.room(geometry);
+std::optional<PresetEdges> UncommonTextRect(const PresetGeometry& geometry, std::string_view word) {
+  for (const Uncommon& row : kUncommon) {
+    if (word == row.word) return row.rect(geometry);
   }
   return std::nullopt;
 }

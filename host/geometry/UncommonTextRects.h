@@ -4,11 +4,11 @@
 #include <optional>
 #include <string_view>
 
-#include "host/geometry/PresetRooms.h"
+#include "host/geometry/PresetTextRects.h"
 
 namespace quillmarch::host::model {
 
 // Nothing for a word that is none of them.
-std::optional<PresetEdges> RareRoom(const PresetGeometry& geometry, std::string_view word);
+std::optional<PresetEdges> UncommonTextRect(const PresetGeometry& geometry, std::string_view word);
 
 }  // namespace quillmarch::host::model

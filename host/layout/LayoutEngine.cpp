@@ -1,4 +1,4 @@
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 #include <algorithm>
 #include <limits>
@@ -96,7 +96,7 @@ class Layouter {
     columnWidth_ = (area_.width - (columns_ - 1) * frame.columnSpacing) / columns_;
   }
 
-  LaidText Do() {
+  LayoutResult Do() {
     std::size_t length = 0;
     for (const LayoutParagraph& paragraph : frame_.paragraphs) {
       for (const LayoutRun& run : paragraph.runs) length += run.text.size();
@@ -244,7 +244,7 @@ class Layouter {
   double reduction_ = 0.0;
   int columns_ = 1;
   double columnWidth_ = 0.0;
-  LaidText out_;
+  LayoutResult out_;
   std::size_t unit_ = 0;  // where the paragraph begins
   double y_ = 0.0;
   double lowest_ = 0.0;
@@ -254,11 +254,12 @@ class Layouter {
 
 }  // namespace
 
-TextLayout::TextLayout() = default;
-TextLayout::~TextLayout() = default;
+LayoutEngine::LayoutEngine() = default;
+LayoutEngine::~LayoutEngine() = default;
 
-LaidText TextLayout::LayOut(const LayoutFrame& frame) {
-  LaidText laid = Layouter(frame, Fonts{book_, words_, frame.lineHeight}, breaks_, measured_).Do();
+LayoutResult LayoutEngine::LayOut(const LayoutFrame& frame) {
+  LayoutResult laid =
+      Layouter(frame, Fonts{book_, words_, frame.lineHeight}, breaks_, measured_).Do();
   measured_.resize(std::min(measured_.size(), frame.paragraphs.size()));
   if (laid.length > kMostUnitsKept) measured_.clear();
   return laid;

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host/layout/FontBook.h"
-#include "host/layout/LaidText.h"
-#include "host/layout/LayoutText.h"
+#include "host/layout/LayoutFrame.h"
+#include "host/layout/LayoutResult.h"
 #include "host/layout/LineBreaks.h"
 #include "host/layout/WordAdvances.h"
 
@@ -18,18 +18,18 @@ struct MeasuredParagraph;
 // Keeps fonts and shaped words from one text to the next, and what its paragraphs measure from a
 // text to the same one in another frame. One thread at a time. The same frame
 // gives the same result on the same fonts, whatever the environment says.
-class TextLayout {
+class LayoutEngine {
  public:
-  TextLayout();
-  ~TextLayout();
-  TextLayout(const TextLayout&) = delete;
-  TextLayout& operator=(const TextLayout&) = delete;
+  LayoutEngine();
+  ~LayoutEngine();
+  LayoutEngine(const LayoutEngine&) = delete;
+  LayoutEngine& operator=(const LayoutEngine&) = delete;
 
   // Begins reading the machine's fonts on a thread of its own.
   void ReadFontsAhead() { book_.ReadAhead(); }
 
   // Linear in the text. A frame without paragraphs has no lines and no extent.
-  LaidText LayOut(const LayoutFrame& frame);
+  LayoutResult LayOut(const LayoutFrame& frame);
 
   // Whether a font of this name, or one of the same metrics, is installed.
   bool HasFont(const std::string& family) { return book_.Has(family); }

@@ -1,4 +1,4 @@
-#include "host/layout/LaidText.h"
+#include "host/layout/LayoutResult.h"
 
 #include <algorithm>
 #include <limits>
@@ -6,7 +6,7 @@
 namespace quillmarch::host::layout {
 namespace {
 
-Box ToFrame(const LaidText& text, double left, double top, double right, double bottom) {
+Box ToFrame(const LayoutResult& text, double left, double top, double right, double bottom) {
   left += text.originLeft;
   right += text.originLeft;
   top += text.originTop;
@@ -28,7 +28,7 @@ Box ToFrame(const LaidText& text, double left, double top, double right, double 
 
 }  // namespace
 
-std::size_t LaidText::LineAt(std::size_t position) const {
+std::size_t LayoutResult::LineAt(std::size_t position) const {
   if (lines.empty()) return 0;
   auto after =
       std::upper_bound(lines.begin(), lines.end(), position,
@@ -36,7 +36,7 @@ std::size_t LaidText::LineAt(std::size_t position) const {
   return after == lines.begin() ? 0 : static_cast<std::size_t>(after - lines.begin()) - 1;
 }
 
-Box LaidText::Bounds(std::size_t start, std::size_t count, bool toTheEnd) const {
+Box LayoutResult::Bounds(std::size_t start, std::size_t count, bool toTheEnd) const {
   if (lines.empty()) return ToFrame(*this, 0, 0, 0, 0);
   start = std::min(start, length);
   std::size_t end = start + std::min(count, length - start);

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "host/layout/LayoutText.h"
+#include "host/layout/LayoutFrame.h"
 
 namespace quillmarch::host::layout {
 
@@ -32,7 +32,7 @@ struct LaidLine {
   double ascent = 0.0;  // from `top` to the base line
 };
 
-class LaidText {
+class LayoutResult {
  public:
   std::vector<LaidLine> lines;
   // Extent of the text along the lines and across them, spacing between paragraphs included.

@@ -1,4 +1,4 @@
-#include "host/model/TextMeasure.h"
+#include "host/model/FrameMeasure.h"
 
 #include <cmath>
 #include <limits>
@@ -59,28 +59,28 @@ double ShareAtBegin(const layout::LayoutFrame& frame, bool along) {
 
 }  // namespace
 
-struct TextMeasure::Entry {
+struct FrameMeasure::Entry {
   const deck::Deck* deck = nullptr;
   deck::ShapeAddress address;
   deck::Deck::FrameVersion version;
   deck::ShapeBox area;
   double turn = 0;
   layout::LayoutFrame frame;
-  layout::LaidText text;
+  layout::LayoutResult text;
   mutable deck::TextSpan bounded = kNothing;  // what `bounds` is the box of
   mutable bool boundedToTheEnd = false;
   mutable layout::Box bounds;
 };
 
-TextMeasure::TextMeasure() = default;
-TextMeasure::~TextMeasure() = default;
+FrameMeasure::FrameMeasure() = default;
+FrameMeasure::~FrameMeasure() = default;
 
-layout::TextLayout& TextMeasure::Layout() {
-  if (!layout_) layout_ = std::make_unique<layout::TextLayout>();
+layout::LayoutEngine& FrameMeasure::Layout() {
+  if (!layout_) layout_ = std::make_unique<layout::LayoutEngine>();
   return *layout_;
 }
 
-const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeAddress& address) {
+const FrameMeasure::Entry* FrameMeasure::Laid(deck::Deck& deck, const deck::ShapeAddress& address) {
   deck::TextBody* const text = deck.Text(address);
   if (text == nullptr) return nullptr;
   const deck::Deck::FrameVersion version = deck.Version(address);
@@ -117,8 +117,8 @@ const TextMeasure::Entry* TextMeasure::Laid(deck::Deck& deck, const deck::ShapeA
   return found;
 }
 
-bool TextMeasure::Bounds(deck::Deck& deck, const deck::ShapeAddress& address, deck::TextSpan span,
-                         bool toTheEnd, deck::ShapeBox& out) {
+bool FrameMeasure::Bounds(deck::Deck& deck, const deck::ShapeAddress& address, deck::TextSpan span,
+                          bool toTheEnd, deck::ShapeBox& out) {
   Fit(deck, address);
   const Entry* const entry = Laid(deck, address);
   if (entry == nullptr) return false;
@@ -136,14 +136,14 @@ bool TextMeasure::Bounds(deck::Deck& deck, const deck::ShapeAddress& address, de
   return true;
 }
 
-void TextMeasure::GrowShape(deck::Deck& deck, const deck::ShapeAddress& address) {
+void FrameMeasure::GrowShape(deck::Deck& deck, const deck::ShapeAddress& address) {
   if (!deck.NeedsFit(address)) return;
   if (deck.Frame(address).autofit->kind == deck::AutofitKind::kShapeToText) {
     FitShape(deck, address);
   }
 }
 
-void TextMeasure::Fit(deck::Deck& deck, const deck::ShapeAddress& address) {
+void FrameMeasure::Fit(deck::Deck& deck, const deck::ShapeAddress& address) {
   if (!deck.NeedsFit(address)) return;
   if (deck.Frame(address).autofit->kind == deck::AutofitKind::kShapeToText) {
     FitShape(deck, address);
@@ -152,7 +152,7 @@ void TextMeasure::Fit(deck::Deck& deck, const deck::ShapeAddress& address) {
   }
 }
 
-void TextMeasure::FitShape(deck::Deck& deck, const deck::ShapeAddress& address) {
+void FrameMeasure::FitShape(deck::Deck& deck, const deck::ShapeAddress& address) {
   const Entry* const entry = Laid(deck, address);
   if (entry == nullptr) return;
   layout::FrameSize wanted = layout::FitShapeToText(entry->frame, entry->text);
@@ -180,7 +180,7 @@ void TextMeasure::FitShape(deck::Deck& deck, const deck::ShapeAddress& address) 
   deck.SetFitted(address);
 }
 
-void TextMeasure::FitText(deck::Deck& deck, const deck::ShapeAddress& address) {
+void FrameMeasure::FitText(deck::Deck& deck, const deck::ShapeAddress& address) {
   deck::TextBody* const text = deck.Text(address);
   const deck::SlidePart* const part = deck.Page(address.page);
   if (text == nullptr) return;

@@ -8,16 +8,16 @@
 #include <vector>
 
 #include "host/deck/Deck.h"
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 namespace quillmarch::host::model {
 
-class TextMeasure {
+class FrameMeasure {
  public:
-  TextMeasure();
-  ~TextMeasure();
-  TextMeasure(const TextMeasure&) = delete;
-  TextMeasure& operator=(const TextMeasure&) = delete;
+  FrameMeasure();
+  ~FrameMeasure();
+  FrameMeasure(const FrameMeasure&) = delete;
+  FrameMeasure& operator=(const FrameMeasure&) = delete;
 
   // Begins what the first measuring takes long for on a thread of its own.
   void Prepare() { Layout().ReadFontsAhead(); }
@@ -38,13 +38,13 @@ class TextMeasure {
 
  private:
   struct Entry;
-  layout::TextLayout& Layout();
+  layout::LayoutEngine& Layout();
   // Null when there is no text body.
   const Entry* Laid(deck::Deck& deck, const deck::ShapeAddress& address);
   void FitShape(deck::Deck& deck, const deck::ShapeAddress& address);
   void FitText(deck::Deck& deck, const deck::ShapeAddress& address);
 
-  std::unique_ptr<layout::TextLayout> layout_;  // opens the machine's fonts, so made when needed
+  std::unique_ptr<layout::LayoutEngine> layout_;  // opens the machine's fonts, so made when needed
   std::vector<Entry> entries_;
   std::size_t next_ = 0;  // the entry that makes room
   std::uint64_t layouts_ = 0;

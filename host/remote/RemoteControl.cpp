@@ -1,4 +1,4 @@
-#include "host/remote/HostDesk.h"
+#include "host/remote/RemoteControl.h"
 
 #include <array>
 #include <memory>
@@ -14,16 +14,16 @@ namespace quillmarch::host {
 
 namespace {
 
-class HostDesk final : public AutomationObject {
+class RemoteControl final : public AutomationObject {
  public:
-  explicit HostDesk(ObjectServer& server) : server_(server) {}
-  virtual ~HostDesk() = default;
-  HostDesk(const HostDesk&) = delete;
-  HostDesk& operator=(const HostDesk&) = delete;
+  explicit RemoteControl(ObjectServer& server) : server_(server) {}
+  virtual ~RemoteControl() = default;
+  RemoteControl(const RemoteControl&) = delete;
+  RemoteControl& operator=(const RemoteControl&) = delete;
 
   void AddRef() override { ++references_; }
   void Release() override {
-    if (--references_ == 0) const std::unique_ptr<HostDesk> last(this);
+    if (--references_ == 0) const std::unique_ptr<RemoteControl> last(this);
   }
   ResultCode IdOfName(WideView name, DispId& id) override;
   ResultCode Invoke(DispId id, std::uint16_t flags, const ParamBlock& params,
@@ -56,42 +56,42 @@ class HostDesk final : public AutomationObject {
   Wide error_;
 };
 
-struct DeskMember {
+struct ControlMember {
   WideView name;
-  Variant (HostDesk::*call)(const HostDesk::Args&);
+  Variant (RemoteControl::*call)(const RemoteControl::Args&);
 };
 
 // An id is a place in this list, counted from 1.
-constexpr std::array kMembers = {DeskMember{u"Open", &HostDesk::Open},
-                                 DeskMember{u"OpenToo", &HostDesk::OpenToo},
-                                 DeskMember{u"Error", &HostDesk::Error},
-                                 DeskMember{u"Save", &HostDesk::Save},
-                                 DeskMember{u"Close", &HostDesk::Close},
-                                 DeskMember{u"ShowSlide", &HostDesk::ShowSlide},
-                                 DeskMember{u"SelectShape", &HostDesk::SelectShape},
-                                 DeskMember{u"Edited", &HostDesk::Edited},
-                                 DeskMember{u"Invokes", &HostDesk::Invokes},
-                                 DeskMember{u"NameLookups", &HostDesk::NameLookups},
-                                 DeskMember{u"Jumps", &HostDesk::Jumps},
-                                 DeskMember{u"LiveReferences", &HostDesk::LiveReferences},
-                                 DeskMember{u"FailCall", &HostDesk::FailCall},
-                                 DeskMember{u"Refuse", &HostDesk::Refuse}};
+constexpr std::array kMembers = {ControlMember{u"Open", &RemoteControl::Open},
+                                 ControlMember{u"OpenToo", &RemoteControl::OpenToo},
+                                 ControlMember{u"Error", &RemoteControl::Error},
+                                 ControlMember{u"Save", &RemoteControl::Save},
+                                 ControlMember{u"Close", &RemoteControl::Close},
+                                 ControlMember{u"ShowSlide", &RemoteControl::ShowSlide},
+                                 ControlMember{u"SelectShape", &RemoteControl::SelectShape},
+                                 ControlMember{u"Edited", &RemoteControl::Edited},
+                                 ControlMember{u"Invokes", &RemoteControl::Invokes},
+                                 ControlMember{u"NameLookups", &RemoteControl::NameLookups},
+                                 ControlMember{u"Jumps", &RemoteControl::Jumps},
+                                 ControlMember{u"LiveReferences", &RemoteControl::LiveReferences},
+                                 ControlMember{u"FailCall", &RemoteControl::FailCall},
+                                 ControlMember{u"Refuse", &RemoteControl::Refuse}};
 
-Wide TextAt(const HostDesk::Args& args, std::size_t index) {
+Wide TextAt(const RemoteControl::Args& args, std::size_t index) {
   return index < args.size() ? VariantToText(args[index]) : Wide();
 }
 
-std::int32_t WholeAt(const HostDesk::Args& args, std::size_t index) {
+std::int32_t WholeAt(const RemoteControl::Args& args, std::size_t index) {
   std::int32_t value = 0;
   if (index < args.size()) VariantToWhole(args[index], value);
   return value;
 }
 
-bool FlagAt(const HostDesk::Args& args, std::size_t index) {
+bool FlagAt(const RemoteControl::Args& args, std::size_t index) {
   return index < args.size() && VariantToFlag(args[index]);
 }
 
-ResultCode HostDesk::IdOfName(WideView name, DispId& id) {
+ResultCode RemoteControl::IdOfName(WideView name, DispId& id) {
   for (std::size_t i = 0; i < kMembers.size(); ++i) {
     if (LowerAscii(kMembers[i].name) != LowerAscii(name)) continue;
     id = static_cast<DispId>(i) + 1;
@@ -100,7 +100,8 @@ ResultCode HostDesk::IdOfName(WideView name, DispId& id) {
   return kUnknownName;
 }
 
-ResultCode HostDesk::Invoke(DispId id, std::uint16_t, const ParamBlock& params, Variant* result) {
+ResultCode RemoteControl::Invoke(DispId id, std::uint16_t, const ParamBlock& params,
+                                 Variant* result) {
   if (id < 1 || static_cast<std::size_t>(id) > kMembers.size()) return kMemberNotFound;
   const Args args(params.reversedArgs.rbegin(), params.reversedArgs.rend());
   Variant value = (this->*kMembers[static_cast<std::size_t>(id) - 1].call)(args);
@@ -108,7 +109,7 @@ ResultCode HostDesk::Invoke(DispId id, std::uint16_t, const ParamBlock& params, 
   return kOk;
 }
 
-Variant HostDesk::Open(const Args& args) {
+Variant RemoteControl::Open(const Args& args) {
   const Personality* personality = FindPersonality(ToUtf8(TextAt(args, 1)));
   if (personality == nullptr) {
     error_ = u"There is no such personality.";
@@ -125,7 +126,7 @@ Variant HostDesk::Open(const Args& args) {
   return Variant::Object(host_->application());
 }
 
-Variant HostDesk::OpenToo(const Args& args) {
+Variant RemoteControl::OpenToo(const Args& args) {
   if (host_ == nullptr) return Variant::Bool(false);
   std::vector<std::string> warnings;
   const PackageResult<bool> opened = host_->Open(ToUtf8(TextAt(args, 0)), warnings);
@@ -133,36 +134,36 @@ Variant HostDesk::OpenToo(const Args& args) {
   return Variant::Bool(opened.ok);
 }
 
-Variant HostDesk::Save(const Args& args) {
+Variant RemoteControl::Save(const Args& args) {
   if (host_ == nullptr) return Variant::Bool(false);
   const PackageResult<bool> saved = host_->Save(ToUtf8(TextAt(args, 0)));
   if (!saved.ok) error_ = ToWide(saved.error.sentence);
   return Variant::Bool(saved.ok);
 }
 
-Variant HostDesk::Close(const Args&) {
+Variant RemoteControl::Close(const Args&) {
   host_.reset();
   return {};
 }
 
-Variant HostDesk::ShowSlide(const Args& args) {
+Variant RemoteControl::ShowSlide(const Args& args) {
   return Variant::Bool(host_ != nullptr && host_->ShowSlide(WholeAt(args, 0)));
 }
 
-Variant HostDesk::SelectShape(const Args& args) {
+Variant RemoteControl::SelectShape(const Args& args) {
   if (host_ == nullptr) return Variant::Bool(false);
   error_ = ToWide(host_->SelectShapes(WholeAt(args, 0), {ShapeKey{{}, {WholeAt(args, 1)}}}));
   return Variant::Bool(error_.empty());
 }
 
-Variant HostDesk::FailCall(const Args& args) {
+Variant RemoteControl::FailCall(const Args& args) {
   server_.faults.failAt = WholeAt(args, 0);
   server_.faults.code = WholeAt(args, 1);
   server_.faults.more = args.size() > 2 ? WholeAt(args, 2) : 0;
   return {};
 }
 
-Variant HostDesk::Refuse(const Args& args) {
+Variant RemoteControl::Refuse(const Args& args) {
   server_.faults.refuseNames = FlagAt(args, 0);
   server_.faults.refuseTypes = FlagAt(args, 1);
   return {};
@@ -170,8 +171,8 @@ Variant HostDesk::Refuse(const Args& args) {
 
 }  // namespace
 
-ObjectRef MakeHostDesk(ObjectServer& server) {
-  return ObjectRef::Adopt(std::make_unique<HostDesk>(server).release());
+ObjectRef MakeRemoteControl(ObjectServer& server) {
+  return ObjectRef::Adopt(std::make_unique<RemoteControl>(server).release());
 }
 
 }  // namespace quillmarch::host

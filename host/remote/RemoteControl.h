@@ -24,6 +24,6 @@
 namespace quillmarch::host {
 
 // `server` outlives the object.
-ObjectRef MakeHostDesk(ObjectServer& server);
+ObjectRef MakeRemoteControl(ObjectServer& server);
 
 }  // namespace quillmarch::host

@@ -1,4 +1,4 @@
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
@@ -22,7 +22,7 @@ Spacing Share(double value) {
   return {Spacing::Unit::kShare, value};
 }
 
-TEST(TextLayout, OneLineOf18PointsIs21Point6HighAndStandsAtTheInsets) {
+TEST(LayoutEngine, OneLineOf18PointsIs21Point6HighAndStandsAtTheInsets) {
   LayoutFrame frame = Frame(40, std::vector<LayoutParagraph>{Paragraph(u"Hello", 18.0)});
   frame.insetLeft = frame.insetRight = 7.2;
   frame.insetTop = frame.insetBottom = 3.6;
@@ -32,30 +32,30 @@ TEST(TextLayout, OneLineOf18PointsIs21Point6HighAndStandsAtTheInsets) {
   EXPECT_NEAR(3.6, box.top, kNear);
 }
 
-TEST(TextLayout, ALineOfTheFontIsAsHighAsTheFontSays) {
+TEST(LayoutEngine, ALineOfTheFontIsAsHighAsTheFontSays) {
   LayoutFrame frame = Frame(40, u"Hello");
   frame.lineHeight = LineHeight::kOfFont;
   EXPECT_NEAR(10.0 * (1705.0 + 615.0) / 2048.0, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, TheLargestSizeOfALineMakesItsHeight) {
+TEST(LayoutEngine, TheLargestSizeOfALineMakesItsHeight) {
   LayoutFrame frame = Frame(20, u"small ");
   frame.paragraphs[0].runs.push_back(Piece(u"big", 20.0));
   frame.paragraphs[0].runs.push_back(Piece(u" and a small tail"));
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   ASSERT_EQ(2u, laid.lines.size());
   EXPECT_NEAR(24.0, laid.lines[0].height, kNear);
   EXPECT_NEAR(20.0, laid.lines[0].ascent, kNear);
   EXPECT_NEAR(12.0, laid.lines[1].height, kNear);
 }
 
-TEST(TextLayout, AnEmptyParagraphIsAsHighAsItsMark) {
+TEST(LayoutEngine, AnEmptyParagraphIsAsHighAsItsMark) {
   LayoutFrame frame = TwoParagraphs();
   frame.paragraphs[0] = Paragraph(u"", 30.0);
   EXPECT_NEAR(36.0 + kLine, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, ALineBreakOfAnotherSizeDoesNotRaiseALineWithText) {
+TEST(LayoutEngine, ALineBreakOfAnotherSizeDoesNotRaiseALineWithText) {
   LayoutFrame frame = Frame(20, u"one");
   frame.paragraphs[0].runs.push_back(Piece(u"\v", 30.0));
   frame.paragraphs[0].runs.push_back(Piece(u"two"));
@@ -64,7 +64,7 @@ TEST(TextLayout, ALineBreakOfAnotherSizeDoesNotRaiseALineWithText) {
   EXPECT_NEAR(36.0 + kLine, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, SpacingStandsBetweenParagraphsAndNeitherAboveTheFirstNorBelowTheLast) {
+TEST(LayoutEngine, SpacingStandsBetweenParagraphsAndNeitherAboveTheFirstNorBelowTheLast) {
   LayoutFrame frame = TwoParagraphs();
   for (LayoutParagraph& paragraph : frame.paragraphs) {
     paragraph.before = Points(5.0);
@@ -74,23 +74,23 @@ TEST(TextLayout, SpacingStandsBetweenParagraphsAndNeitherAboveTheFirstNorBelowTh
   EXPECT_NEAR(kLine + 8.0, LaidOut(frame).lines[1].top, kNear);
 }
 
-TEST(TextLayout, SpacingThatIsAShareCountsLines) {
+TEST(LayoutEngine, SpacingThatIsAShareCountsLines) {
   LayoutFrame frame = TwoParagraphs();
   frame.paragraphs[1].before = Share(0.5);
   EXPECT_NEAR(2 * kLine + 6.0, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, LineSpacingThatIsAShareScalesEveryLineTheFirstToo) {
+TEST(LayoutEngine, LineSpacingThatIsAShareScalesEveryLineTheFirstToo) {
   LayoutFrame frame = Frame(5, u"one two");
   for (double share : {0.5, 0.9, 1.5, 2.0}) {
     frame.paragraphs[0].lineSpacing = Share(share);
-    LaidText laid = LaidOut(frame);
+    LayoutResult laid = LaidOut(frame);
     EXPECT_NEAR(2 * kLine * share, laid.height, kNear) << share;
     EXPECT_NEAR(10.0 + kLine * (share - 1.0), laid.lines[0].ascent, kNear) << share;
   }
 }
 
-TEST(TextLayout, LineSpacingInPointsIsExact) {
+TEST(LayoutEngine, LineSpacingInPointsIsExact) {
   LayoutFrame frame = Frame(5, u"one two");
   frame.paragraphs[0].lineSpacing = Points(30.0);
   EXPECT_NEAR(60.0, HeightOf(frame), kNear);
@@ -98,7 +98,7 @@ TEST(TextLayout, LineSpacingInPointsIsExact) {
   EXPECT_NEAR(12.0, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, FontScaleShrinksSizesAndSpacingSharesOnlyInFramesThatShrinkText) {
+TEST(LayoutEngine, FontScaleShrinksSizesAndSpacingSharesOnlyInFramesThatShrinkText) {
   LayoutFrame frame = Frame(8, u"one two three");
   frame.fontScale = 0.5;
   frame.lineSpacingReduction = 0.2;
@@ -109,7 +109,7 @@ TEST(TextLayout, FontScaleShrinksSizesAndSpacingSharesOnlyInFramesThatShrinkText
   EXPECT_NEAR(kLine * 0.5 * 0.8, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, LineSpacingInPointsIsNotReduced) {
+TEST(LayoutEngine, LineSpacingInPointsIsNotReduced) {
   LayoutFrame frame = Frame(20, u"one");
   frame.autofit = Autofit::kTextToShape;
   frame.lineSpacingReduction = 0.2;
@@ -117,17 +117,17 @@ TEST(TextLayout, LineSpacingInPointsIsNotReduced) {
   EXPECT_NEAR(30.0, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, RaisedTextIsSmallerAndKeepsTheHeightOfItsLine) {
+TEST(LayoutEngine, RaisedTextIsSmallerAndKeepsTheHeightOfItsLine) {
   LayoutFrame frame = Frame(20, u"m2");
   frame.paragraphs[0].runs[0].baseline = 0.3;
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   EXPECT_NEAR(2 * kCell * 2.0 / 3.0, laid.width, kNear);
   EXPECT_NEAR(kLine, laid.height, kNear);
   frame.paragraphs[0].runs[0].baseline = -0.25;
   EXPECT_GT(HeightOf(frame), kLine);
 }
 
-TEST(TextLayout, CharacterSpacingStandsBehindEveryCharacter) {
+TEST(LayoutEngine, CharacterSpacingStandsBehindEveryCharacter) {
   LayoutFrame frame = Frame(20, u"abc");
   frame.paragraphs[0].runs[0].spacing = 2.0;
   EXPECT_NEAR(3 * (kCell + 2.0), LaidOut(frame).width, kNear);
@@ -135,7 +135,7 @@ TEST(TextLayout, CharacterSpacingStandsBehindEveryCharacter) {
   EXPECT_NEAR(0.0, LaidOut(frame).width, kNear);
 }
 
-TEST(TextLayout, CapitalsAreMeasuredAsCapitals) {
+TEST(LayoutEngine, CapitalsAreMeasuredAsCapitals) {
   LayoutFrame frame = Frame(40, u"iii");
   frame.paragraphs[0].runs[0].fonts.latin = "Arial";
   double lower = LaidOut(frame).width;
@@ -147,7 +147,7 @@ TEST(TextLayout, CapitalsAreMeasuredAsCapitals) {
   EXPECT_NEAR(capitals * 0.8, small, kNear);
 }
 
-TEST(TextLayout, BoldIsWiderWhereTheFontIsSo) {
+TEST(LayoutEngine, BoldIsWiderWhereTheFontIsSo) {
   LayoutFrame frame = Frame(40, u"Quarterly review");
   frame.paragraphs[0].runs[0].fonts.latin = "Arial";
   double regular = LaidOut(frame).width;
@@ -155,7 +155,7 @@ TEST(TextLayout, BoldIsWiderWhereTheFontIsSo) {
   EXPECT_GT(LaidOut(frame).width, regular);
 }
 
-TEST(TextLayout, KerningDrawsPairsTogetherWhereItIsOn) {
+TEST(LayoutEngine, KerningDrawsPairsTogetherWhereItIsOn) {
   LayoutFrame frame = Frame(40, u"AVAVAV");
   frame.paragraphs[0].runs[0].fonts.latin = "Arial";
   double kerned = LaidOut(frame).width;
@@ -163,19 +163,19 @@ TEST(TextLayout, KerningDrawsPairsTogetherWhereItIsOn) {
   EXPECT_LT(kerned, LaidOut(frame).width);
 }
 
-TEST(TextLayout, EachScriptTakesItsOwnFont) {
+TEST(LayoutEngine, EachScriptTakesItsOwnFont) {
   // Chinese from the East Asian font is one size wide, Latin from the other one a cell.
-  LaidText laid = LaidOut(Frame(40, u"ab中文"));
+  LayoutResult laid = LaidOut(Frame(40, u"ab中文"));
   EXPECT_NEAR(2 * kCell + 20.0, laid.width, kNear);
 }
 
-TEST(TextLayout, ACharacterThatTheFontLacksComesFromAnother) {
+TEST(LayoutEngine, ACharacterThatTheFontLacksComesFromAnother) {
   LayoutFrame frame = Frame(40, u"中");
   frame.paragraphs[0].runs[0].fonts.eastAsian = "Courier New";
   EXPECT_NEAR(10.0, LaidOut(frame).width, kNear);
 }
 
-TEST(TextLayout, ALineIsAsHighAsTheNamedFontAsksWhicheverShowsItsCharacters) {
+TEST(LayoutEngine, ALineIsAsHighAsTheNamedFontAsksWhicheverShowsItsCharacters) {
   LayoutFrame frame = Frame(40, u"abc");
   frame.lineHeight = LineHeight::kOfFont;
   double height = HeightOf(frame);
@@ -186,7 +186,7 @@ TEST(TextLayout, ALineIsAsHighAsTheNamedFontAsksWhicheverShowsItsCharacters) {
   EXPECT_GT(HeightOf(frame), height * 1.2);
 }
 
-TEST(TextLayout, ANoBreakSpaceIsAsWideAsTheBlankOfItsFont) {
+TEST(LayoutEngine, ANoBreakSpaceIsAsWideAsTheBlankOfItsFont) {
   // Carlito has none of its own.
   LayoutFrame frame = Frame(40, u"\u00a0\u00a0x");
   frame.paragraphs[0].runs[0].fonts.latin = "Calibri";
@@ -195,12 +195,12 @@ TEST(TextLayout, ANoBreakSpaceIsAsWideAsTheBlankOfItsFont) {
   EXPECT_NEAR(LaidOut(frame).width, noBreak, kNear);
 }
 
-TEST(TextLayout, ColumnsFillOneAfterTheOther) {
+TEST(LayoutEngine, ColumnsFillOneAfterTheOther) {
   LayoutFrame frame = Frame(13, u"aaaa bbbb cccc dddd eeee");
   frame.columns = 2;
   frame.columnSpacing = 3 * kCell;
   frame.height = 3 * kLine;
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   ASSERT_EQ(5u, laid.lines.size());
   EXPECT_EQ(0, laid.lines[2].column);
   EXPECT_EQ(1, laid.lines[3].column);
@@ -210,18 +210,18 @@ TEST(TextLayout, ColumnsFillOneAfterTheOther) {
   EXPECT_NEAR(12 * kCell, laid.width, kNear);
 }
 
-TEST(TextLayout, ALineHigherThanTheFrameLeavesNoColumnEmpty) {
+TEST(LayoutEngine, ALineHigherThanTheFrameLeavesNoColumnEmpty) {
   LayoutFrame frame = Frame(9, u"aaaa bbbb");
   frame.columns = 2;
   frame.columnSpacing = kCell;
   frame.height = kLine / 2.0;
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   ASSERT_EQ(2u, laid.lines.size());
   EXPECT_EQ(0, laid.lines[0].column);
   EXPECT_EQ(1, laid.lines[1].column);
 }
 
-TEST(TextLayout, TheLastColumnRunsOver) {
+TEST(LayoutEngine, TheLastColumnRunsOver) {
   LayoutFrame frame = Frame(9, u"aaaa bbbb cccc dddd eeee");
   frame.columns = 2;
   frame.columnSpacing = kCell;
@@ -229,31 +229,31 @@ TEST(TextLayout, TheLastColumnRunsOver) {
   EXPECT_NEAR(3 * kLine, HeightOf(frame), kNear);
 }
 
-TEST(TextLayout, TheSameFrameMeasuresTheSameWhateverWasMeasuredBetween) {
-  TextLayout layout;
+TEST(LayoutEngine, TheSameFrameMeasuresTheSameWhateverWasMeasuredBetween) {
+  LayoutEngine layout;
   LayoutFrame frame = Frame(12, u"one two عام 2024 中文 three");
-  LaidText first = layout.LayOut(frame);
+  LayoutResult first = layout.LayOut(frame);
   for (double size = 5.0; size < 30.0; size += 1.5) {
     LayoutFrame other = frame;
     other.paragraphs[0].runs[0].size = size;
     layout.LayOut(other);
   }
-  LaidText again = layout.LayOut(frame);
+  LayoutResult again = layout.LayOut(frame);
   EXPECT_EQ(first.unitLeft, again.unitLeft);
   EXPECT_EQ(first.height, again.height);
   EXPECT_EQ(first.Bounds(), LaidOut(frame).Bounds());
 }
 
-TEST(TextLayout, TheSameWordInAnotherFontIsMeasuredAnew) {
-  TextLayout layout;
+TEST(LayoutEngine, TheSameWordInAnotherFontIsMeasuredAnew) {
+  LayoutEngine layout;
   LayoutFrame frame = Frame(40, u"illicit");
   double even = layout.LayOut(frame).width;
   frame.paragraphs[0].runs[0].fonts.latin = "Arial";
   EXPECT_LT(layout.LayOut(frame).width, even * 0.8);
 }
 
-TEST(TextLayout, MoreWordsThanAreKeptStillMeasureRight) {
-  TextLayout layout;
+TEST(LayoutEngine, MoreWordsThanAreKeptStillMeasureRight) {
+  LayoutEngine layout;
   std::u16string text;
   for (int i = 0; i < 90000; ++i) {
     for (int rest = i + 1; rest > 0; rest /= 10) text += static_cast<char16_t>(u'a' + rest % 10);
@@ -267,13 +267,13 @@ TEST(TextLayout, MoreWordsThanAreKeptStillMeasureRight) {
   }
 }
 
-TEST(TextLayout, LoneSurrogatesAndControlsAreMeasuredAsSomething) {
+TEST(LayoutEngine, LoneSurrogatesAndControlsAreMeasuredAsSomething) {
   std::u16string text = u"a";
   text += static_cast<char16_t>(0xD800);
   text += u'b';
   text += static_cast<char16_t>(0xDC00);
   text += static_cast<char16_t>(1);
-  LaidText laid = LaidOut(Frame(40, text));
+  LayoutResult laid = LaidOut(Frame(40, text));
   EXPECT_EQ(1u, laid.lines.size());
   EXPECT_EQ(5u, laid.length);
 }

@@ -1,4 +1,4 @@
-#include "host/layout/LaidText.h"
+#include "host/layout/LayoutResult.h"
 
 #include "gtest/gtest.h"
 #include "tests/layout/Frames.h"
@@ -14,46 +14,46 @@ void ExpectBox(const Box& wanted, const Box& found) {
   EXPECT_NEAR(wanted.height, found.height, kNear);
 }
 
-TEST(LaidText, ARangeInOneLineHasTheBoxOfItsCharacters) {
-  LaidText laid = LaidOut(Frame(9, u"one two three"));
+TEST(LayoutResult, ARangeInOneLineHasTheBoxOfItsCharacters) {
+  LayoutResult laid = LaidOut(Frame(9, u"one two three"));
   ExpectBox({4 * kCell, 0, 3 * kCell, kLine}, laid.Bounds(4, 3));
   ExpectBox({kCell, kLine, 2 * kCell, kLine}, laid.Bounds(9, 2));
 }
 
-TEST(LaidText, ARangeOverLinesHasTheBoxAroundThem) {
-  LaidText laid = LaidOut(Frame(9, u"one two three"));
+TEST(LayoutResult, ARangeOverLinesHasTheBoxAroundThem) {
+  LayoutResult laid = LaidOut(Frame(9, u"one two three"));
   ExpectBox({0, 0, 7 * kCell, 2 * kLine}, laid.Bounds(4, 9));
   ExpectBox({0, 0, 7 * kCell, 2 * kLine}, laid.Bounds());
 }
 
-TEST(LaidText, AnEmptyRangeHasAPlaceAndNoWidth) {
-  LaidText laid = LaidOut(Frame(20, u"one two"));
+TEST(LayoutResult, AnEmptyRangeHasAPlaceAndNoWidth) {
+  LayoutResult laid = LaidOut(Frame(20, u"one two"));
   ExpectBox({4 * kCell, 0, 0, kLine}, laid.Bounds(4, 0));
   ExpectBox({7 * kCell, 0, 0, kLine}, laid.Bounds(7, 0));
 }
 
-TEST(LaidText, RangesBeyondTheEndAreHeldToIt) {
-  LaidText laid = LaidOut(Frame(20, u"one two"));
+TEST(LayoutResult, RangesBeyondTheEndAreHeldToIt) {
+  LayoutResult laid = LaidOut(Frame(20, u"one two"));
   EXPECT_EQ(laid.Bounds(7, 0), laid.Bounds(100, 5));
   EXPECT_EQ(laid.Bounds(4, 3), laid.Bounds(4, 500));
 }
 
-TEST(LaidText, TheBoxOfAParagraphIsThatOfItsLines) {
-  LaidText laid = LaidOut(Frame(
+TEST(LayoutResult, TheBoxOfAParagraphIsThatOfItsLines) {
+  LayoutResult laid = LaidOut(Frame(
       20, std::vector<LayoutParagraph>{Paragraph(u"one"), Paragraph(u""), Paragraph(u"three")}));
   ExpectBox({0, 0, 3 * kCell, kLine}, laid.Bounds(0, 4));
   ExpectBox({0, kLine, 0, kLine}, laid.Bounds(4, 1));
   ExpectBox({0, 2 * kLine, 5 * kCell, kLine}, laid.Bounds(5, 5));
 }
 
-TEST(LaidText, AnEmptyLastParagraphTakesItsRoomInTheWholeTextAlone) {
-  LaidText laid =
+TEST(LayoutResult, AnEmptyLastParagraphTakesItsRoomInTheWholeTextAlone) {
+  LayoutResult laid =
       LaidOut(Frame(20, std::vector<LayoutParagraph>{Paragraph(u"one"), Paragraph(u"")}));
   ExpectBox({0, 0, 3 * kCell, 2 * kLine}, laid.Bounds());
   ExpectBox({0, 0, 3 * kCell, kLine}, laid.Bounds(0, 4));
 }
 
-TEST(LaidText, AnchorsMoveTheTextDown) {
+TEST(LayoutResult, AnchorsMoveTheTextDown) {
   LayoutFrame frame = Frame(20, u"one");
   frame.height = 100.0;
   frame.insetTop = 10.0;
@@ -65,7 +65,7 @@ TEST(LaidText, AnchorsMoveTheTextDown) {
   EXPECT_NEAR(96.0 - kLine, LaidOut(frame).Bounds().top, kNear);
 }
 
-TEST(LaidText, TextTooHighRunsOverWhereItsAnchorLetsIt) {
+TEST(LayoutResult, TextTooHighRunsOverWhereItsAnchorLetsIt) {
   LayoutFrame frame = Frame(3, u"one two");
   frame.height = kLine;
   EXPECT_NEAR(0.0, LaidOut(frame).Bounds().top, kNear);
@@ -75,10 +75,10 @@ TEST(LaidText, TextTooHighRunsOverWhereItsAnchorLetsIt) {
   EXPECT_NEAR(-kLine, LaidOut(frame).Bounds().top, kNear);
 }
 
-TEST(LaidText, ACentredAnchorMovesTheBlockAndKeepsItsLinesAligned) {
+TEST(LayoutResult, ACentredAnchorMovesTheBlockAndKeepsItsLinesAligned) {
   LayoutFrame frame = Frame(13, u"one\vthree");
   frame.anchorCenter = true;
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   ExpectBox({4 * kCell, 0, 5 * kCell, 2 * kLine}, laid.Bounds());
   EXPECT_NEAR(4 * kCell, laid.Bounds(0, 3).left, kNear);
 }
@@ -96,25 +96,25 @@ LayoutFrame Turned(Direction direction) {
   return frame;
 }
 
-TEST(LaidText, TextTurnedClockwiseRunsDownFromTheRightEdge) {
+TEST(LayoutResult, TextTurnedClockwiseRunsDownFromTheRightEdge) {
   ExpectBox({97.0 - kLine, 2.0, kLine, 5 * kCell}, LaidOut(Turned(Direction::kClockwise)).Bounds());
 }
 
-TEST(LaidText, TextTurnedCounterclockwiseRunsUpFromTheLeftEdge) {
+TEST(LayoutResult, TextTurnedCounterclockwiseRunsUpFromTheLeftEdge) {
   ExpectBox({1.0, 56.0 - 5 * kCell, kLine, 5 * kCell},
             LaidOut(Turned(Direction::kCounterclockwise)).Bounds());
 }
 
-TEST(LaidText, TurnedTextWrapsAtTheFramesHeight) {
+TEST(LayoutResult, TurnedTextWrapsAtTheFramesHeight) {
   LayoutFrame frame = Turned(Direction::kClockwise);
   frame.height = 6.0 + 3 * kCell;
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   ASSERT_EQ(2u, laid.lines.size());
   ExpectBox({97.0 - 2 * kLine, 2.0, 2 * kLine, 2 * kCell}, laid.Bounds());
   EXPECT_NEAR(97.0 - 2 * kLine, laid.Bounds(3, 2).left, kNear);
 }
 
-TEST(LaidText, EastAsianCharactersStandUprightOneSizeBelowTheOther) {
+TEST(LayoutResult, EastAsianCharactersStandUprightOneSizeBelowTheOther) {
   LayoutFrame frame = Turned(Direction::kEastAsian);
   frame.paragraphs[0].runs[0].text = u"中文字";
   ExpectBox({97.0 - kLine, 2.0, kLine, 30.0}, LaidOut(frame).Bounds());
@@ -122,7 +122,7 @@ TEST(LaidText, EastAsianCharactersStandUprightOneSizeBelowTheOther) {
   ExpectBox({1.0, 2.0, kLine, 30.0}, LaidOut(frame).Bounds());
 }
 
-TEST(LaidText, UprightCharactersTakeTheirHeightAndNotTheirWidth) {
+TEST(LayoutResult, UprightCharactersTakeTheirHeightAndNotTheirWidth) {
   // A Hangul syllable of this font is 0.92 wide and 1 high.
   LayoutFrame frame = Turned(Direction::kEastAsian);
   frame.paragraphs[0].runs[0].text = u"한글";
@@ -132,14 +132,14 @@ TEST(LaidText, UprightCharactersTakeTheirHeightAndNotTheirWidth) {
   EXPECT_NEAR(18.4, LaidOut(frame).Bounds().height, kNear);
 }
 
-TEST(LaidText, StackedCharactersTakeALineEach) {
+TEST(LayoutResult, StackedCharactersTakeALineEach) {
   LayoutFrame frame = Turned(Direction::kStacked);
   frame.height = 200.0;
   frame.paragraphs[0].runs[0].text = u"abc";
   ExpectBox({1.0, 2.0, kLine, 3 * kLine}, LaidOut(frame).Bounds());
 }
 
-TEST(LaidText, TheAnchorOfTurnedTextMovesItSideways) {
+TEST(LayoutResult, TheAnchorOfTurnedTextMovesItSideways) {
   LayoutFrame frame = Turned(Direction::kClockwise);
   frame.anchor = Anchor::kBottom;
   EXPECT_NEAR(1.0, LaidOut(frame).Bounds().left, kNear);

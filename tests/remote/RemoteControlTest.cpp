@@ -1,4 +1,4 @@
-#include "host/remote/HostDesk.h"
+#include "host/remote/RemoteControl.h"
 
 #include <array>
 
@@ -12,11 +12,11 @@ namespace quillmarch::host {
 
 namespace {
 
-class HostDeskTest : public ::testing::Test {
+class RemoteControlTest : public ::testing::Test {
  protected:
-  HostDeskTest() {
-    server.SetRoot(MakeHostDesk(server));
-    desk = link.Root();
+  RemoteControlTest() {
+    server.SetRoot(MakeRemoteControl(server));
+    control = link.Root();
     testdeck::DeckSource source;
     for (const char* text : {"first", "second"}) {
       source.slides.push_back(
@@ -28,12 +28,12 @@ class HostDeskTest : public ::testing::Test {
   ObjectRef Open() {
     const std::array args = {Variant::Text(ToWide(deck)), Variant::Text(u"powerpoint")};
     Variant value;
-    EXPECT_EQ(kOk, AutoGet(desk.get(), u"Open", args, value));
+    EXPECT_EQ(kOk, AutoGet(control.get(), u"Open", args, value));
     return value.hasObject() ? value.takeObject() : ObjectRef();
   }
   Variant Ask(WideView member, std::vector<Variant> args = {}) {
     Variant value;
-    EXPECT_EQ(kOk, AutoGet(desk.get(), member, args, value));
+    EXPECT_EQ(kOk, AutoGet(control.get(), member, args, value));
     return value;
   }
   std::int64_t Count(WideView member) { return static_cast<std::int64_t>(Ask(member).real()); }
@@ -54,12 +54,12 @@ class HostDeskTest : public ::testing::Test {
   std::string deck = folder.Path("deck.pptx");
   ObjectServer server;
   test::RemoteLink link{server};
-  ObjectRef desk;
+  ObjectRef control;
 };
 
 }  // namespace
 
-TEST_F(HostDeskTest, ADeckIsReadWrittenAndSavedOverTheWire) {
+TEST_F(RemoteControlTest, ADeckIsReadWrittenAndSavedOverTheWire) {
   const std::string saved = folder.Path("saved.pptx");
   {
     const ObjectRef application = Open();
@@ -78,13 +78,13 @@ TEST_F(HostDeskTest, ADeckIsReadWrittenAndSavedOverTheWire) {
   EXPECT_EQ(u"zweiter", text.text());
 }
 
-TEST_F(HostDeskTest, WhatCannotBeOpenedIsSaid) {
+TEST_F(RemoteControlTest, WhatCannotBeOpenedIsSaid) {
   deck = "/no/such/deck.pptx";
   EXPECT_FALSE(Open());
   EXPECT_NE(u"", Ask(u"Error").text());
 }
 
-TEST_F(HostDeskTest, CallsAndReferencesAreCounted) {
+TEST_F(RemoteControlTest, CallsAndReferencesAreCounted) {
   const std::int64_t invokes = Count(u"Invokes");
   EXPECT_EQ(1, Count(u"LiveReferences"));
   {
@@ -96,7 +96,7 @@ TEST_F(HostDeskTest, CallsAndReferencesAreCounted) {
   EXPECT_EQ(1, Count(u"LiveReferences"));
 }
 
-TEST_F(HostDeskTest, TheCallsThatAreToFailDoAndThoseBehindThemDoNot) {
+TEST_F(RemoteControlTest, TheCallsThatAreToFailDoAndThoseBehindThemDoNot) {
   const ObjectRef application = Open();
   constexpr ResultCode kBusy = MakeResult(0x8001010A);
   Variant value;
@@ -113,14 +113,14 @@ TEST_F(HostDeskTest, TheCallsThatAreToFailDoAndThoseBehindThemDoNot) {
   EXPECT_EQ(kOk, ask());
 }
 
-TEST_F(HostDeskTest, SlidesThatAreBroughtToViewAreCounted) {
+TEST_F(RemoteControlTest, SlidesThatAreBroughtToViewAreCounted) {
   const ObjectRef view = Step(Step(Open(), u"ActiveWindow"), u"View");
   const std::int64_t jumps = Count(u"Jumps");
   Step(view, u"GotoSlide", {Variant::I4(2)});
   EXPECT_EQ(jumps + 1, Count(u"Jumps"));
 }
 
-TEST_F(HostDeskTest, TheViewAndTheSelectionAreTheCallersToSet) {
+TEST_F(RemoteControlTest, TheViewAndTheSelectionAreTheCallersToSet) {
   const ObjectRef application = Open();
   EXPECT_TRUE(VariantToFlag(Ask(u"ShowSlide", {Variant::I4(2)})));
   EXPECT_FALSE(VariantToFlag(Ask(u"ShowSlide", {Variant::I4(3)})));

@@ -1,4 +1,4 @@
-#include "host/model/TextMeasure.h"
+#include "host/model/FrameMeasure.h"
 #include "model/ModelFixture.h"
 
 namespace quillmarch::host {
@@ -269,7 +269,7 @@ TEST_F(Bounds, ATextIsLaidOutOnceUntilSomethingChanges) {
   auto opened = deck::Deck::Open(path(), sentences);
   ASSERT_TRUE(opened.ok);
   deck::Deck& deck = *opened.value;
-  model::TextMeasure measure;
+  model::FrameMeasure measure;
   const deck::ShapeAddress address{{0, false}, 0};
   deck::ShapeBox box;
   for (std::size_t start = 0; start < 5; ++start) {
