@@ -110,7 +110,7 @@ PresetEdges DoubleArrow(const PresetGeometry& g, bool across) {
 }
 
 PresetEdges TailArrow(const PresetGeometry& g, bool notched) {
-  const PresetEdges room = Arrow(g, true, true);
+  const PresetEdges rect = Arrow(g, true, true);
   // The notch is as deep as the tip that the text leaves free.
   const double notch = g.width - rect.right;
   return {notched ? notch : g.Short() * 5.0 / 32.0, rect.top, rect.right, rect.bottom};

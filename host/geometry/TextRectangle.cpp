@@ -55,7 +55,7 @@ deck::ShapeBox ShapeAround(const deck::XmlNames& names, pugi::xml_node shape,
   constexpr int kSteps = 12;
   deck::ShapeBox size = now;
   for (int step = 0; step < kSteps; ++step) {
-    const deck::ShapeBox room = TextRectangle(names, shape, size.width, size.height);
+    const deck::ShapeBox rect = TextRectangle(names, shape, size.width, size.height);
     if (rect.width > 0) size.width *= wanted.width / rect.width;
     if (rect.height > 0) size.height *= wanted.height / rect.height;
   }

@@ -107,7 +107,7 @@ PresetEdges DiagonalStripe(const Geometry& g) {
 // The box around the ends of an arc, `depth` within the ellipse as well, and around the sides that
 // the arc runs through.
 PresetEdges ArcRect(const Geometry& g, double begin, double end, double depth) {
-  PresetEdges room{g.width, g.height, 0, 0};
+  PresetEdges rect{g.width, g.height, 0, 0};
   for (const double angle : {begin, end}) {
     for (const double inset : {0.0, depth}) {
       const double across = g.width / 2.0 - inset;
@@ -117,7 +117,7 @@ PresetEdges ArcRect(const Geometry& g, double begin, double end, double depth) {
           std::atan2(across * std::sin(angle * kDegree), down * std::cos(angle * kDegree));
       const double x = g.width / 2.0 + across * std::cos(turn);
       const double y = g.height / 2.0 + down * std::sin(turn);
-      room = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x),
+      rect = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x),
               std::max(rect.bottom, y)};
     }
   }
@@ -130,7 +130,7 @@ PresetEdges ArcRect(const Geometry& g, double begin, double end, double depth) {
   if (passes(90)) rect.bottom = g.height;
   if (passes(180)) rect.left = 0;
   if (passes(270)) rect.top = 0;
-  return room;
+  return rect;
 }
 
 PresetEdges Arc(const Geometry& g) {
@@ -154,7 +154,7 @@ PresetEdges LeftBrace(const Geometry& g) {
   return {g.width * (1.0 - (1.0 - kCorner) / 2.0), end, g.width, g.height - end};
 }
 
-PresetEdges Mirrored(const Geometry& g, const PresetEdges& room) {
+PresetEdges Mirrored(const Geometry& g, const PresetEdges& rect) {
   return {g.width - rect.right, rect.top, g.width - rect.left, rect.bottom};
 }
 
@@ -190,7 +190,7 @@ PresetEdges HangingRibbon(const Geometry& g) {
 }
 
 PresetEdges StandingRibbon(const Geometry& g) {
-  const PresetEdges room = HangingRibbon(g);
+  const PresetEdges rect = HangingRibbon(g);
   return {rect.left, g.height - rect.bottom, rect.right, g.height - rect.top};
 }
 
@@ -277,51 +277,51 @@ PresetEdges SlantedTrapezoid(const Geometry& g) {
   return {g.width * left, g.height * std::max(left, right), g.width * (1.0 - right), g.height};
 }
 
-struct Rare {
+struct Uncommon {
   std::string_view word;
-  PresetEdges (*room)(const Geometry&);
+  PresetEdges (*rect)(const Geometry&);
 };
-constexpr Rare kRare[] = {{"arc", Arc},
-                          {"bentUpArrow", BentUpArrow},
-                          {"blockArc", BlockArc},
-                          {"bracePair", BracePair},
-                          {"bracketPair", BracketPair},
-                          {"circularArrow", CircularArrow},
-                          {"corner", Corner},
-                          {"cornerTabs", Tabs},
-                          {"diagStripe", DiagonalStripe},
-                          {"ellipseRibbon", HangingRibbon},
-                          {"ellipseRibbon2", StandingRibbon},
-                          {"gear6", Gear6},
-                          {"gear9", Gear9},
-                          {"leftBrace", LeftBrace},
-                          {"leftBracket", LeftBracket},
-                          {"leftCircularArrow", CircularArrow},
-                          {"leftRightCircularArrow", CircularArrow},
-                          {"leftRightRibbon", LeftRightRibbon},
-                          {"leftRightUpArrow", LeftRightUpArrow},
-                          {"leftUpArrow", LeftUpArrow},
-                          {"mathDivide", Divide},
-                          {"mathEqual", Equal},
-                          {"mathMinus", Minus},
-                          {"mathMultiply", Multiply},
-                          {"mathNotEqual", NotEqual},
-                          {"mathPlus", Plus},
-                          {"moon", Moon},
-                          {"nonIsoscelesTrapezoid", SlantedTrapezoid},
-                          {"plaqueTabs", Tabs},
-                          {"quadArrow", QuadArrow},
-                          {"quadArrowCallout", QuadArrowCallout},
-                          {"rightBrace", RightBrace},
-                          {"rightBracket", RightBracket},
-                          {"squareTabs", Tabs},
-                          {"sun", Sun}};
+constexpr Uncommon kUncommon[] = {{"arc", Arc},
+                                  {"bentUpArrow", BentUpArrow},
+                                  {"blockArc", BlockArc},
+                                  {"bracePair", BracePair},
+                                  {"bracketPair", BracketPair},
+                                  {"circularArrow", CircularArrow},
+                                  {"corner", Corner},
+                                  {"cornerTabs", Tabs},
+                                  {"diagStripe", DiagonalStripe},
+                                  {"ellipseRibbon", HangingRibbon},
+                                  {"ellipseRibbon2", StandingRibbon},
+                                  {"gear6", Gear6},
+                                  {"gear9", Gear9},
+                                  {"leftBrace", LeftBrace},
+                                  {"leftBracket", LeftBracket},
+                                  {"leftCircularArrow", CircularArrow},
+                                  {"leftRightCircularArrow", CircularArrow},
+                                  {"leftRightRibbon", LeftRightRibbon},
+                                  {"leftRightUpArrow", LeftRightUpArrow},
+                                  {"leftUpArrow", LeftUpArrow},
+                                  {"mathDivide", Divide},
+                                  {"mathEqual", Equal},
+                                  {"mathMinus", Minus},
+                                  {"mathMultiply", Multiply},
+                                  {"mathNotEqual", NotEqual},
+                                  {"mathPlus", Plus},
+                                  {"moon", Moon},
+                                  {"nonIsoscelesTrapezoid", SlantedTrapezoid},
+                                  {"plaqueTabs", Tabs},
+                                  {"quadArrow", QuadArrow},
+                                  {"quadArrowCallout", QuadArrowCallout},
+                                  {"rightBrace", RightBrace},
+                                  {"rightBracket", RightBracket},
+                                  {"squareTabs", Tabs},
+                                  {"sun", Sun}};
 
 }  // namespace
 
 std::optional<PresetEdges> UncommonTextRect(const PresetGeometry& geometry, std::string_view word) {
-  for (const Rare& rare : kRare) {
-    if (word == rare.word) return rare.room(geometry);
+  for (const Uncommon& row : kUncommon) {
+    if (word == row.word) return row.rect(geometry);
   }
   return std::nullopt;
 }
