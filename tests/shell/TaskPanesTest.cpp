@@ -33,6 +33,7 @@ TEST(PaneMapKey, IsTheHandleElseTheNegatedIdentityElseAllBits) {
   EXPECT_EQ(PaneMapKey({0x10010, 0x77}), 0x10010);
   EXPECT_EQ(PaneMapKey({-2, 0}), 0xFFFFFFFELL);  // zero-extended
   EXPECT_EQ(PaneMapKey({0, 0x77}), -0x77);
+  EXPECT_EQ(PaneMapKey({0, 0x8000000000000000U}), INT64_MIN);  // its own negative
   EXPECT_EQ(PaneMapKey({0, 0}), -1);
 }
 
