@@ -1,6 +1,7 @@
 #include "host/package/InputFile.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,6 +26,20 @@ std::string InputFile::Open(const std::string& path) {
   if (!S_ISREG(status.st_mode)) return "It is not a regular file.";
   if (status.st_size == 0) return "The file is empty.";
   size_ = static_cast<std::uint64_t>(status.st_size);
+  return {};
+}
+
+std::string InputFile::OpenBytes(std::string_view bytes) {
+  if (bytes.empty()) return "The file is empty.";
+  handle_ = memfd_create("package", MFD_CLOEXEC);
+  for (std::size_t at = 0; handle_ >= 0 && at < bytes.size();) {
+    const ssize_t put = write(handle_, bytes.data() + at, bytes.size() - at);
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) return "There is not enough memory to open the file.";
+    at += static_cast<std::size_t>(put);
+  }
+  if (handle_ < 0) return "There is not enough memory to open the file.";
+  size_ = bytes.size();
   return {};
 }
 

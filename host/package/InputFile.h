@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace quillmarch::host {
 
@@ -17,6 +18,8 @@ class InputFile {
 
   // Empty when opened, else one sentence. Only a regular file that is not empty is taken.
   std::string Open(const std::string& path);
+  // As Open, for bytes in memory, which are copied: a package that lies inside another one.
+  std::string OpenBytes(std::string_view bytes);
 
   std::uint64_t Size() const { return size_; }
   // Whether `path` leads to this very file now.

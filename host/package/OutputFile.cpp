@@ -1,6 +1,7 @@
 #include "host/package/OutputFile.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -80,6 +81,11 @@ std::string OutputFile::Open(const std::string& target) {
     return Sentence("It cannot be written, its folder takes no new file", errno);
   }
   return {};
+}
+
+std::string OutputFile::OpenInMemory() {
+  handle_ = memfd_create("package", MFD_CLOEXEC);
+  return handle_ < 0 ? Sentence("It cannot be written", errno) : std::string();
 }
 
 bool OutputFile::Replaces(const InputFile& input) const {

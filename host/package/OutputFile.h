@@ -22,6 +22,8 @@ class OutputFile {
   // done, else one sentence: nobody may write the target, it is no regular file, its folder is
   // missing or refuses.
   std::string Open(const std::string& target);
+  // Instead of Open: what is written stays in memory, to be taken by ReadAt; there is no Commit.
+  std::string OpenInMemory();
   // Whether the target as it stands now is the very file that `input` reads.
   bool Replaces(const InputFile& input) const;
 

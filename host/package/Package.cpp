@@ -51,6 +51,7 @@ class ZipPackage final : public Package {
   ZipPackage(const PackageLimits& limits) : limits_(limits), archive_(file_) {}
 
   std::string Load(const std::string& path);
+  std::string LoadBytes(std::string_view bytes);
 
   bool HasPart(std::string_view name) const override { return Find(name) != nullptr; }
   std::vector<std::string> PartNames() const override;
@@ -63,8 +64,11 @@ class ZipPackage final : public Package {
                     std::function<std::string()> make) override;
   bool Edited() override;
   PackageResult<bool> Save(const std::string& path) override;
+  PackageResult<std::string> SaveBytes() override;
 
  private:
+  std::string LoadOpened();
+  std::string WriteTo(OutputFile& output);
   const std::size_t* Find(std::string_view name) const;
   std::string CheckEntries();
   std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
@@ -87,7 +91,16 @@ class ZipPackage final : public Package {
 
 std::string ZipPackage::Load(const std::string& path) {
   std::string sentence = file_.Open(path);
-  if (sentence.empty()) sentence = CompoundFileSentence(file_);
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadBytes(std::string_view bytes) {
+  std::string sentence = file_.OpenBytes(bytes);
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadOpened() {
+  std::string sentence = CompoundFileSentence(file_);
   if (sentence.empty()) sentence = archive_.Open(limits_.maxEntries);
   if (sentence.empty()) sentence = CheckEntries();
   if (!sentence.empty()) return sentence;
@@ -263,32 +276,48 @@ bool ZipPackage::Edited() {
   });
 }
 
+// Everything, edits included. Empty when done, else one sentence.
+std::string ZipPackage::WriteTo(OutputFile& output) {
+  if (!Edited()) {
+    output.CopyFrom(file_, file_.Size());
+    return output.Failure();
+  }
+  std::vector<ZipReplacement> replacements;
+  for (const auto& [entry, job] : edits_) {
+    if (!compressor_.Wait(job)) {
+      return "There is not enough memory to write the part " + archive_.Entries()[entry].name + ".";
+    }
+    if (!job->original) replacements.push_back({entry, &job->packed});
+  }
+  std::string reason;
+  if (archive_.Write(replacements, output, reason)) return {};
+  std::string sentence = output.Failure();
+  return sentence.empty() ? reason : sentence;
+}
+
 PackageResult<bool> ZipPackage::Save(const std::string& path) {
   if (!putFault_.empty()) return Fault<bool>(putFault_);
   OutputFile output;
   std::string sentence = output.Open(path);
   if (!sentence.empty()) return Fault<bool>(std::move(sentence));
-  if (!Edited()) {
-    if (output.Replaces(file_)) return Value(true);
-    output.CopyFrom(file_, file_.Size());
-  } else {
-    std::vector<ZipReplacement> replacements;
-    for (const auto& [entry, job] : edits_) {
-      if (!compressor_.Wait(job)) {
-        return Fault<bool>("There is not enough memory to write the part " +
-                           archive_.Entries()[entry].name + ".");
-      }
-      if (!job->original) replacements.push_back({entry, &job->packed});
-    }
-    std::string reason;
-    if (!archive_.Write(replacements, output, reason)) {
-      sentence = output.Failure();
-      return Fault<bool>(sentence.empty() ? std::move(reason) : std::move(sentence));
-    }
-  }
-  sentence = output.Commit();
+  if (!Edited() && output.Replaces(file_)) return Value(true);
+  sentence = WriteTo(output);
+  if (sentence.empty()) sentence = output.Commit();
   if (!sentence.empty()) return Fault<bool>(std::move(sentence));
   return Value(true);
+}
+
+PackageResult<std::string> ZipPackage::SaveBytes() {
+  if (!putFault_.empty()) return Fault<std::string>(putFault_);
+  OutputFile output;
+  std::string sentence = output.OpenInMemory();
+  if (sentence.empty()) sentence = WriteTo(output);
+  if (!sentence.empty()) return Fault<std::string>(std::move(sentence));
+  std::string bytes(static_cast<std::size_t>(output.Size()), '\0');
+  if (!output.ReadAt(0, bytes.data(), bytes.size())) {
+    return Fault<std::string>("It cannot be written: there is not enough memory.");
+  }
+  return Value(std::move(bytes));
 }
 
 }  // namespace
@@ -297,6 +326,14 @@ PackageResult<std::unique_ptr<Package>> Package::Open(const std::string& path,
                                                       const PackageLimits& limits) {
   auto package = std::make_unique<ZipPackage>(limits);
   std::string sentence = package->Load(path);
+  if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
+  return Value<std::unique_ptr<Package>>(std::move(package));
+}
+
+PackageResult<std::unique_ptr<Package>> Package::OpenBytes(std::string_view bytes,
+                                                           const PackageLimits& limits) {
+  auto package = std::make_unique<ZipPackage>(limits);
+  std::string sentence = package->LoadBytes(bytes);
   if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
   return Value<std::unique_ptr<Package>>(std::move(package));
 }
