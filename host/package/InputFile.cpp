@@ -1,6 +1,7 @@
 #include "host/package/InputFile.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -51,6 +52,22 @@ std::string InputFile::Open(const std::string& path) {
 bool InputFile::WasChanged() const {
   struct stat now = {};
   return fstat(handle_, &now) != 0 || StateOf(now) != opened_;
+}
+
+std::string InputFile::OpenBytes(std::string_view bytes) {
+  if (bytes.empty()) return "The file is empty.";
+  handle_ = memfd_create("package", MFD_CLOEXEC);
+  for (std::size_t at = 0; handle_ >= 0 && at < bytes.size();) {
+    const ssize_t put = write(handle_, bytes.data() + at, bytes.size() - at);
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) return "There is not enough memory to open the file.";
+    at += static_cast<std::size_t>(put);
+  }
+  if (handle_ < 0) return "There is not enough memory to open the file.";
+  struct stat status = {};
+  if (fstat(handle_, &status) != 0) return Reason(errno);
+  opened_ = StateOf(status);
+  return {};
 }
 
 bool InputFile::IsFileAt(const std::string& path) const {

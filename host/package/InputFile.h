@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillmarch::host {
 
@@ -33,6 +34,8 @@ class InputFile {
 
   // Empty when opened, else one sentence. Takes only a regular file that is not empty.
   std::string Open(const std::string& path);
+  // As Open, for bytes in memory, which are copied: a package that lies inside another one.
+  std::string OpenBytes(std::string_view bytes);
 
   std::uint64_t Size() const { return opened_.size; }
   // As it was when it was opened.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -123,6 +124,11 @@ std::string OutputFile::Open(const std::string& target, mode_t permissions) {
   return {};
 }
 
+std::string OutputFile::OpenInMemory() {
+  handle_ = memfd_create("package", MFD_CLOEXEC);
+  return handle_ < 0 ? Sentence(errno) : std::string();
+}
+
 bool OutputFile::Replaces(const InputFile& input) const {
   return input.IsFileAt(target_);
 }
@@ -140,6 +146,24 @@ bool OutputFile::Write(std::uint64_t offset, const void* from, std::size_t lengt
     offset += static_cast<std::uint64_t>(put);
   }
   return error_ == 0;
+}
+
+std::uint64_t OutputFile::Size() const {
+  struct stat status = {};
+  return fstat(handle_, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
+}
+
+bool OutputFile::ReadAt(std::uint64_t offset, void* to, std::size_t length) const {
+  char* at = static_cast<char*>(to);
+  while (length > 0) {
+    const ssize_t got = pread(handle_, at, length, static_cast<off_t>(offset));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return false;
+    at += got;
+    length -= static_cast<std::size_t>(got);
+    offset += static_cast<std::uint64_t>(got);
+  }
+  return true;
 }
 
 bool OutputFile::CopyFrom(const InputFile& input, std::uint64_t from, std::uint64_t length,

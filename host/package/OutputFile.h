@@ -27,12 +27,17 @@ class OutputFile {
   // than the target will be. Empty when done, else one sentence: the target is read-only, it is not
   // a regular file, its folder is missing or refuses.
   std::string Open(const std::string& target, mode_t permissions = 0666);
+  // Instead of Open: what is written stays in memory, to be taken by ReadAt; there is no Commit.
+  std::string OpenInMemory();
   // Whether the target as it is now is the very file that `input` reads.
   bool Replaces(const InputFile& input) const;
   // Whether somebody has written to the target, made or removed it since Open.
   bool TargetChanged() const { return FileStateAt(target_) != found_; }
 
   bool Write(std::uint64_t offset, const void* from, std::size_t length);
+  // What was written so far, in bytes; and `length` of them, false when there are not as many.
+  std::uint64_t Size() const;
+  bool ReadAt(std::uint64_t offset, void* to, std::size_t length) const;
   // Copies `length` bytes of `input` from `from` to `to` here.
   bool CopyFrom(const InputFile& input, std::uint64_t from, std::uint64_t length, std::uint64_t to);
 

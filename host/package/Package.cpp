@@ -51,6 +51,7 @@ class ZipPackage final : public Package {
   ZipPackage(const PackageLimits& limits) : limits_(limits), archive_(file_) {}
 
   std::string Load(const std::string& path);
+  std::string LoadBytes(std::string_view bytes);
 
   bool HasPart(std::string_view name) const override { return Find(name) != nullptr; }
   std::vector<std::string> PartNames() const override;
@@ -63,8 +64,10 @@ class ZipPackage final : public Package {
                     std::function<std::string()> make) override;
   bool Edited() override;
   PackageResult<bool> Save(const std::string& path) override;
+  PackageResult<std::string> SaveBytes() override;
 
  private:
+  std::string LoadOpened();
   const std::size_t* Find(std::string_view name) const;
   std::string CheckEntries();
   std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
@@ -93,7 +96,16 @@ std::string ZipPackage::Load(const std::string& path) {
   std::string sentence = file_.Open(path);
   path_ = path;
   expected_ = file_.Opened();
-  if (sentence.empty()) sentence = CompoundFileSentence(file_);
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadBytes(std::string_view bytes) {
+  std::string sentence = file_.OpenBytes(bytes);
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadOpened() {
+  std::string sentence = CompoundFileSentence(file_);
   if (sentence.empty()) sentence = archive_.Open(limits_.maxEntries);
   if (sentence.empty()) sentence = CheckEntries();
   if (!sentence.empty()) return sentence;
@@ -271,12 +283,13 @@ bool ZipPackage::Edited() {
 
 std::string ZipPackage::CheckUnchanged(const OutputFile& output) const {
   constexpr char kChanged[] = "Another program changed the deck meanwhile.";
-  const std::optional<FileState> now = FileStateAt(path_);
+  const std::optional<FileState> now = path_.empty() ? std::nullopt : FileStateAt(path_);
   if (file_.WasChanged() || (now && now != expected_)) return kChanged;
   if (output.TargetChanged()) return "Another program changed the file meanwhile.";
   return {};
 }
 
+// Everything, edits included. Empty when done, else one sentence.
 std::string ZipPackage::WriteTo(OutputFile& output) {
   if (!Edited()) {
     output.CopyFrom(file_, 0, file_.Size(), 0);
@@ -309,12 +322,33 @@ PackageResult<bool> ZipPackage::Save(const std::string& path) {
   return Value(true);
 }
 
+PackageResult<std::string> ZipPackage::SaveBytes() {
+  if (!putFault_.empty()) return Fault<std::string>(putFault_);
+  OutputFile output;
+  std::string sentence = output.OpenInMemory();
+  if (sentence.empty()) sentence = WriteTo(output);
+  if (!sentence.empty()) return Fault<std::string>(std::move(sentence));
+  std::string bytes(static_cast<std::size_t>(output.Size()), '\0');
+  if (!output.ReadAt(0, bytes.data(), bytes.size())) {
+    return Fault<std::string>("There is not enough memory.");
+  }
+  return Value(std::move(bytes));
+}
+
 }  // namespace
 
 PackageResult<std::unique_ptr<Package>> Package::Open(const std::string& path,
                                                       const PackageLimits& limits) {
   auto package = std::make_unique<ZipPackage>(limits);
   std::string sentence = package->Load(path);
+  if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
+  return Value<std::unique_ptr<Package>>(std::move(package));
+}
+
+PackageResult<std::unique_ptr<Package>> Package::OpenBytes(std::string_view bytes,
+                                                           const PackageLimits& limits) {
+  auto package = std::make_unique<ZipPackage>(limits);
+  std::string sentence = package->LoadBytes(bytes);
   if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
   return Value<std::unique_ptr<Package>>(std::move(package));
 }

@@ -54,6 +54,9 @@ class Package {
   // for.
   static PackageResult<std::unique_ptr<Package>> Open(const std::string& path,
                                                       const PackageLimits& limits = {});
+  // As Open, for a package that lies in memory, such as a part of another package.
+  static PackageResult<std::unique_ptr<Package>> OpenBytes(std::string_view bytes,
+                                                           const PackageLimits& limits = {});
   virtual ~Package() = default;
 
   // Part names stand without the leading slash, such as "ppt/slides/slide1.xml"; they compare
@@ -92,6 +95,8 @@ class Package {
   // link is followed. Refused when another program has changed the original since it was opened, or
   // `path` meanwhile. Reading goes on as before afterwards.
   virtual PackageResult<bool> Save(const std::string& path) = 0;
+  // The bytes that Save would write.
+  virtual PackageResult<std::string> SaveBytes() = 0;
 };
 
 }  // namespace quillmarch::host

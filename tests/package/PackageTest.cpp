@@ -503,4 +503,28 @@ TEST(OutputFile, ATargetThatAnotherProgramMakesMeanwhileIsNoticed) {
   EXPECT_TRUE(output.TargetChanged());
 }
 
+TEST(Package, OneInMemoryIsReadEditedAndSavedAsOneInAFileIs) {
+  std::vector<BuiltEntry> entries = MinimalEntries();
+  entries.push_back(Slide());
+  const std::string bytes = BuildZip(entries);
+  const auto opened = Package::OpenBytes(bytes);
+  ASSERT_TRUE(opened.ok) << opened.error.sentence;
+  EXPECT_EQ(opened.value->ReadPart("ppt/slides/slide1.xml").value, kSlide);
+  EXPECT_EQ(opened.value->SaveBytes().value, bytes);
+
+  opened.value->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  const auto saved = opened.value->SaveBytes();
+  ASSERT_TRUE(saved.ok) << saved.error.sentence;
+  const TempFolder folder;
+  ASSERT_TRUE(opened.value->Save(folder.Path("same")).ok);
+  EXPECT_EQ(saved.value, TempFolder::Bytes(folder.Path("same")));
+  EXPECT_EQ(Reread(folder.Path("same"), "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Package, OneInMemoryIsRefusedAsOneInAFileIs) {
+  EXPECT_EQ(Package::OpenBytes("").error.sentence, "The file is empty.");
+  EXPECT_EQ(Package::OpenBytes("PK").error.sentence,
+            "The file is not a zip archive, so it is not a .pptx file.");
+}
+
 }  // namespace quillmarch::host
