@@ -18,6 +18,8 @@ namespace {
 constexpr std::size_t kMostCommentBytes = 0xFFFF;
 // What is read of a header's name and extra field together with it.
 constexpr std::size_t kHeaderReadBytes = 256;
+constexpr std::uint64_t kNewestVersion = 63;  // 6.3
+constexpr std::uint64_t kVersionMask = 0xFF;  // the rest tells which system it is for
 constexpr char kCutOff[] =
     "The file is cut off or damaged: the zip directory at its end is missing.";
 constexpr char kDisagree[] =
@@ -167,6 +169,9 @@ std::string Reader::ReadRecord(std::size_t& at) {
   entry.recordBytes = bytes;
   entry.offsetFieldAt = at + kRecordOffsetAt;
   const std::size_t extraAt = at + kRecordBytes + nameBytes;
+  if ((Number(common + kVersionAt, 2) & kVersionMask) > kNewestVersion) {
+    return EntrySentence(entry, "needs a newer version of the zip format than there is");
+  }
   std::string fault = Take64(std::string_view(records).substr(extraAt, extraBytes), extraAt, entry);
   if (!fault.empty()) return fault;
   at += bytes;

@@ -150,6 +150,13 @@ TEST(ZipDirectory, ANulInANameIsRefusedInWords) {
             "The zip entry \"ppt/media/a?.png\" has a control character in its name.");
 }
 
+TEST(ZipDirectory, AVersionOfTheFormatThatDoesNotExistIsRefused) {
+  const std::string bytes = Two();
+  EXPECT_EQ(FaultOf(Patched(bytes, InRecord(bytes, "second") - 46 + 6, Number(99, 2))),
+            "The zip entry \"second\" needs a newer version of the zip format than there is.");
+  EXPECT_EQ(FaultOf(Patched(bytes, InRecord(bytes, "second") - 46 + 6, Number(63, 2))), "");
+}
+
 TEST(ZipDirectory, ANumberThatIsElsewhereButNowhereIsRefused) {
   const std::string bytes = Two();
   EXPECT_EQ(
