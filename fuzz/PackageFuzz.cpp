@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "host/package/Package.h"
@@ -41,12 +42,13 @@ void WalkElements(pugi::xml_document& document, const std::string& xml) {
   struct Walker : pugi::xml_tree_walker {
     bool for_each(pugi::xml_node& node) override {
       if (node.type() != pugi::node_element) return true;
-      const auto offset = static_cast<std::size_t>(node.offset_debug());
-      const ElementSpan span = FindElement(*text, offset);
-      Require(span.found && span.begin + 1 == offset && span.end <= text->size());
+      const std::optional<std::size_t> offset = OffsetOf(*text, node);
+      Require(offset.has_value());
+      const ElementSpan span = FindElement(*text, *offset);
+      Require(span.found && span.begin + 1 == *offset && span.end <= text->size());
       Require(span.contentBegin <= span.contentEnd && span.contentEnd <= span.end);
       for (const pugi::xml_attribute attribute : node.attributes()) {
-        const AttributeSpan found = FindAttribute(*text, offset, attribute.name());
+        const AttributeSpan found = FindAttribute(*text, *offset, attribute.name());
         Require(found.found && found.valueEnd < text->size());
       }
       NamespaceOf(node);

@@ -85,8 +85,7 @@ bool PutTag(Deck& deck, const TagOwner& owner, WideView name, WideView value) {
   for (const pugi::xml_node tag : root.children()) {
     if (tag.type() != pugi::node_element || !names.Is(tag, kP, "tag")) continue;
     if (UpperAscii(ToWide(tag.attribute("name").value())) != UpperAscii(name)) continue;
-    const AttributeSpan old =
-        FindAttribute(bytes.value, static_cast<std::size_t>(tag.offset_debug()), "val");
+    const AttributeSpan old = FindAttribute(bytes.value, tag, "val");
     if (!old.found) return false;
     deck.package().PutPart(
         part, ApplyEdits(bytes.value, {{old.nameBegin, old.valueEnd + 1 - old.nameBegin,
@@ -96,7 +95,7 @@ bool PutTag(Deck& deck, const TagOwner& owner, WideView name, WideView value) {
   const std::string prefix(PrefixWithColon(root.name()));
   const std::string tag = "<" + prefix + "tag name=\"" + EscapeAttribute(ToUtf8(UpperAscii(name))) +
                           "\" val=\"" + newValue + "\"/>";
-  const ElementSpan list = FindElement(bytes.value, static_cast<std::size_t>(root.offset_debug()));
+  const ElementSpan list = FindElement(bytes.value, root);
   if (!list.found) return false;
   Edit edit{list.contentEnd, 0, tag};
   if (list.selfClosed) {

@@ -1,7 +1,7 @@
 #include "host/model/Host.h"
 
 #include "host/model/HostState.h"
-#include "host/model/Objects.h"
+#include "host/model/objects/ApplicationObjects.h"
 
 namespace quillmarch::host {
 

@@ -110,7 +110,7 @@ void CPptPane::HandleTerminology(const Wide& message) {
   const ObjectRef document = FindDocumentWindow(application.get(), windowContext);
   ObjectRef presentation;
   if (document) {
-    TypedGetObject(document.get(), ppt::documentWindow::kPresentation, presentation);
+    Get(document.get(), ppt::documentWindow::kPresentation, presentation);
   }
   Wide reply;
   if (HandleTerminologyMessage(application.get(), message, reply, presentation.get()) &&

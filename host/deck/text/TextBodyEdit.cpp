@@ -79,7 +79,7 @@ void AppendPieces(WideView text, const RunFormatRef& format, std::vector<TextPie
 
 std::string TextBody::RawElement(pugi::xml_node node) const {
   if (!node) return {};
-  const ElementSpan span = FindElement(bytes_, static_cast<std::size_t>(node.offset_debug()));
+  const ElementSpan span = FindElement(bytes_, node);
   return span.found ? std::string(bytes_.substr(span.begin, span.end - span.begin)) : std::string();
 }
 

@@ -49,7 +49,7 @@ bool IsXml(const std::string& name) {
 void CollectTexts(const pugi::xml_node& node, const std::string& xml, std::vector<Edit>& edits) {
   for (const pugi::xml_node child : node.children()) {
     if (std::string_view(child.name()) == "a:t") {
-      const ElementSpan span = FindElement(xml, static_cast<std::size_t>(child.offset_debug()));
+      const ElementSpan span = FindElement(xml, child);
       ASSERT_TRUE(span.found);
       EXPECT_EQ(Unescape(xml.substr(span.contentBegin, span.contentEnd - span.contentBegin)),
                 child.text().get());

@@ -27,12 +27,12 @@ InterfaceId ToInterfaceId(REFIID iid) {
 // One handle behind IDispatch. Its references are those of the object that it belongs to.
 class RemoteFace final : public IDispatch {
  public:
-  RemoteFace(RemoteObject& owner, WireHandle handle) : owner_(owner), handle_(handle) {}
+  RemoteFace(RemoteObject& owner, host::WireHandle handle) : owner_(owner), handle_(handle) {}
   virtual ~RemoteFace() = default;
   RemoteFace(const RemoteFace&) = delete;
   RemoteFace& operator=(const RemoteFace&) = delete;
 
-  WireHandle handle() const { return handle_; }
+  host::WireHandle handle() const { return handle_; }
   RemoteObject& owner() const { return owner_; }
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
@@ -53,13 +53,13 @@ class RemoteFace final : public IDispatch {
 
  private:
   RemoteObject& owner_;
-  WireHandle handle_;
+  host::WireHandle handle_;
 };
 
 // One object of the other end. The first face is its identity.
 class RemoteObject {
  public:
-  RemoteObject(RemoteWorld& world, const WireObject& object)
+  RemoteObject(RemoteWorld& world, const host::WireObject& object)
       : world_(world), identity_(object.identity), first_(*this, object.handle) {
     world_.live_[identity_] = this;
   }
@@ -103,7 +103,7 @@ HRESULT RemoteObject::Query(REFIID iid, void** out) {
   if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch)) {
     found = &first_;
   } else {
-    WireObject typed;
+    host::WireObject typed;
     // Asked each time, so that the other end may answer otherwise the next time.
     const ResultCode code = world_.client_.QueryTyped(first_.handle(), ToInterfaceId(iid), typed);
     if (Failed(code)) return code;
@@ -162,11 +162,11 @@ HRESULT RemoteFace::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* para
 RemoteWorld::RemoteWorld(std::uint16_t port)
     : client_([this](const std::string& request,
                      bool wantsReply) { return Exchange(request, wantsReply); },
-              [this](const ObjectRef& object) -> WireObject {
+              [this](const ObjectRef& object) -> host::WireObject {
                 const auto* const face = dynamic_cast<RemoteFace*>(DispatchOf(object.get()));
-                return face == nullptr ? WireObject{} : WireObject{face->handle(), 0};
+                return face == nullptr ? host::WireObject{} : host::WireObject{face->handle(), 0};
               },
-              [this](const WireObject& object) { return WrapDispatch(Take(object).get()); }) {
+              [this](const host::WireObject& object) { return WrapDispatch(Take(object).get()); }) {
   WSADATA data;
   WSAStartup(MAKEWORD(2, 2), &data);
   socket_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
@@ -193,7 +193,7 @@ void RemoteWorld::Disconnect() {
 
 std::string RemoteWorld::Exchange(const std::string& request, bool wantsReply) {
   if (!connected()) return {};
-  WireWriter message;
+  host::WireWriter message;
   message.Word(static_cast<std::uint32_t>(request.size()));
   unsent_ += message.bytes() + request;
   if (!wantsReply && unsent_.size() < kMostUnsent) return {};
@@ -220,10 +220,10 @@ std::string RemoteWorld::Exchange(const std::string& request, bool wantsReply) {
     return into;
   };
   const std::string length = read(sizeof(std::uint32_t));
-  return length.empty() ? std::string() : read(WireReader(length).Word());
+  return length.empty() ? std::string() : read(host::WireReader(length).Word());
 }
 
-ComPtr<IDispatch> RemoteWorld::Take(const WireObject& object) {
+ComPtr<IDispatch> RemoteWorld::Take(const host::WireObject& object) {
   if (object.handle == 0) return {};
   const auto known = live_.find(object.identity);
   if (known != live_.end()) {
@@ -236,7 +236,7 @@ ComPtr<IDispatch> RemoteWorld::Take(const WireObject& object) {
 }
 
 ComPtr<IDispatch> RemoteWorld::Root() {
-  WireObject root;
+  host::WireObject root;
   return Succeeded(client_.Root(root)) ? Take(root) : ComPtr<IDispatch>();
 }
 

@@ -45,11 +45,11 @@ class RemoteWorld {
   friend class RemoteFace;
 
   std::string Exchange(const std::string& request, bool wantsReply);
-  ComPtr<IDispatch> Take(const WireObject& object);
+  ComPtr<IDispatch> Take(const host::WireObject& object);
 
   SOCKET socket_ = INVALID_SOCKET;
   std::string unsent_;  // messages that want no reply go with the next that does
-  WireClient client_;
+  host::WireClient client_;
   // By identity: two handles of one object are one object here too.
   std::map<std::uint64_t, RemoteObject*> live_;
   long references_ = 0;
