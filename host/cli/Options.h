@@ -32,7 +32,7 @@ struct TranslateOptions {
 };
 
 struct CommandLine {
-  bool run = false;  // `translate` is to be run; else `exitCode` and what stands in `output`
+  bool run = false;  // `translate` is to be run; otherwise `output` and `exitCode` are all
   int exitCode = 0;
   std::string output;  // help or version, for standard output
   std::string error;   // a usage error, one line without the program's name

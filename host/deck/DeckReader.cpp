@@ -348,6 +348,7 @@ std::string DeckReader::WalkLeaves() {
   std::vector<std::string> waiting = {deck_.presentationPart_};
   std::unordered_set<std::string> seen = {LowerKey(deck_.presentationPart_)};
   std::set<std::string> missing;
+  std::string first;  // the first of them
   while (!waiting.empty()) {
     const std::string part = std::move(waiting.back());
     waiting.pop_back();
@@ -359,14 +360,19 @@ std::string DeckReader::WalkLeaves() {
       if (!package_.HasPart(link.target)) {
         // A jump inside the file names no part.
         if (RelationshipKindOf(link.type) == RelationshipKind::kHyperlink) continue;
-        if (missing.insert(LowerKey(link.target)).second) {
-          warnings_.push_back("The part " + link.target + ", which " + part +
-                              " refers to, is missing; the reference is kept as it is.");
+        if (missing.insert(LowerKey(link.target)).second && missing.size() == 1) {
+          first = "The part " + link.target + ", which " + part + " refers to,";
         }
         continue;
       }
       if (seen.insert(LowerKey(link.target)).second) waiting.push_back(link.target);
     }
+  }
+  if (missing.size() == 1) {
+    warnings_.push_back(first + " is missing; the reference is kept as it is.");
+  } else if (!missing.empty()) {
+    warnings_.push_back(first + " is missing, and so are " + std::to_string(missing.size() - 1) +
+                        " other parts; the references are kept as they are.");
   }
   return {};
 }

@@ -2,6 +2,7 @@
 
 #include "host/model/HostState.h"
 #include "host/model/objects/ApplicationObjects.h"
+#include "host/package/ContentTypes.h"
 
 namespace quillmarch::host {
 
@@ -49,6 +50,30 @@ PackageResult<bool> Host::Save(const std::string& path) {
   PackageResult<bool> result;
   result.error.sentence = "No presentation is open.";
   return result;
+}
+
+PackageResult<std::string> Host::SaveBytes() {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open != nullptr) return open->deck->SaveBytes();
+  PackageResult<std::string> result;
+  result.error.sentence = "No presentation is open.";
+  return result;
+}
+
+std::string Host::ContentType() const {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open == nullptr) return {};
+  return open->deck->package().ContentType(open->deck->PresentationPart());
+}
+
+void Host::PutContentType(const std::string& type) {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open == nullptr || ContentType() == type) return;
+  Package& package = open->deck->package();
+  const PackageResult<std::string> types = package.ReadXmlPart(kContentTypesPart);
+  if (!types.ok) return;
+  package.PutPart(kContentTypesPart,
+                  WithContentType(types.value, open->deck->PresentationPart(), type));
 }
 
 bool Host::Edited() const {

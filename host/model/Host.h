@@ -48,6 +48,11 @@ class Host {
   void ExpectMeasuring();
   // Saves the deck of the active window; nothing that was not edited changes.
   PackageResult<bool> Save(const std::string& path);
+  // The bytes that Save would write.
+  PackageResult<std::string> SaveBytes();
+  // Which kind of presentation it is, by its main part's content type; and makes it another kind.
+  std::string ContentType() const;
+  void PutContentType(const std::string& type);
   bool Edited() const;
   std::int32_t SlideCount() const;
   // Shows a slide (1-based) in the active window, as a user would before a one-slide run.
