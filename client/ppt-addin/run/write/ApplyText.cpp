@@ -19,13 +19,14 @@ bool IsBlank(char16_t unit) {
   return unit == u' ' || unit == u'\t';
 }
 
-bool WriteKeepingLook(AutomationObject* range, const Wide& text, const Wide& targetFont) {
+ResultCode WriteKeepingLook(AutomationObject* range, const Wide& text, const Wide& targetFont) {
   FontSnapshot look;
   TakeFontSnapshot(range, look);
-  if (!SetRangeText(range, text)) return false;
+  const ResultCode put = SetRangeText(range, text);
+  if (Failed(put)) return put;
   RestoreFontSnapshot(range, look);
   ApplyTargetFontName(range, targetFont);
-  return true;
+  return put;
 }
 
 // The part of a paragraph that a text goes over: without the paragraph mark, where the host counts
@@ -72,42 +73,47 @@ Wide FlattenTranslation(WideView text) {
   return flat;
 }
 
-bool SetRangeText(AutomationObject* range, const Wide& text) {
-  if (range == nullptr || text.empty()) return false;
-  return Put(range, ppt::textRange::kText, text) || Succeeded(AutoPutText(range, text));
+ResultCode SetRangeText(AutomationObject* range, const Wide& text) {
+  if (range == nullptr || text.empty()) return kFail;
+  ResultCode code = kFail;
+  if (Put(range, ppt::textRange::kText, text, &code)) return code;
+  return AutoPutText(range, text);
 }
 
-bool ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
-                    const Wide& targetFont) {
+ResultCode ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
+                          const Wide& targetFont) {
   ObjectRef range;
-  if (!FrameRange(shape, range)) return false;
+  if (!FrameRange(shape, range)) return kFail;
   const Wide flat = FlattenTranslation(text);
-  if (flat.empty()) return false;
+  if (flat.empty()) return kFail;
   if (locator.wholeFrame) {
     // Without a snapshot: the look of several paragraphs has no one value to put back.
-    if (!SetRangeText(range.get(), flat)) return false;
-    ApplyTargetFontName(range.get(), targetFont);
-    return true;
+    const ResultCode put = SetRangeText(range.get(), flat);
+    if (Succeeded(put)) ApplyTargetFontName(range.get(), targetFont);
+    return put;
   }
   ObjectRef paragraph;
   ObjectRef part;
-  return GetAt(range.get(), ppt::textRange::kParagraphs, locator.paragraphIndex, 1, paragraph) &&
-         WrittenPart(paragraph.get(), part) && WriteKeepingLook(part.get(), flat, targetFont);
+  if (!GetAt(range.get(), ppt::textRange::kParagraphs, locator.paragraphIndex, 1, paragraph) ||
+      !WrittenPart(paragraph.get(), part)) {
+    return kFail;
+  }
+  return WriteKeepingLook(part.get(), flat, targetFont);
 }
 
-bool ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
-                         const Wide& targetFont) {
-  if (locator.charStart <= 0 || locator.charLength <= 0) return false;
+ResultCode ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator,
+                               const Wide& text, const Wide& targetFont) {
+  if (locator.charStart <= 0 || locator.charLength <= 0) return kFail;
   ObjectRef range;
   ObjectRef characters;
-  if (!FrameRange(shape, range)) return false;
+  if (!FrameRange(shape, range)) return kFail;
   const bool leaveMark = locator.endsWithCr && locator.charLength > 1;
   const std::int32_t length = leaveMark ? locator.charLength - 1 : locator.charLength;
   if (!GetAt(range.get(), ppt::textRange::kCharacters, locator.charStart, length, characters)) {
-    return false;
+    return kFail;
   }
   const Wide flat = FlattenTranslation(text);
-  return !flat.empty() && WriteKeepingLook(characters.get(), flat, targetFont);
+  return flat.empty() ? kFail : WriteKeepingLook(characters.get(), flat, targetFont);
 }
 
 }  // namespace quillmarch::addin
