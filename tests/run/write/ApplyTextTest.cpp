@@ -20,7 +20,8 @@ struct Shape {
   bool Paragraph(std::int32_t index, const Wide& text, const Wide& font = {}) {
     UnitLocator locator;
     locator.paragraphIndex = index;
-    return Succeeded(ApplyParagraph(host.ShapeObject(shape).get(), locator, text, font));
+    TextChange change{.from = nullptr, .to = text};
+    return Succeeded(ApplyParagraph(host.ShapeObject(shape).get(), locator, change, font));
   }
   bool Characters(std::int32_t start, std::int32_t length, const Wide& text, bool cr = false) {
     UnitLocator locator;
@@ -28,7 +29,8 @@ struct Shape {
     locator.charStart = start;
     locator.charLength = length;
     locator.endsWithCr = cr;
-    return Succeeded(ApplyCharacterRange(host.ShapeObject(shape).get(), locator, text, {}));
+    TextChange change{.from = nullptr, .to = text};
+    return Succeeded(ApplyCharacterRange(host.ShapeObject(shape).get(), locator, change, {}));
   }
 
   test::FakeHost host;
@@ -121,7 +123,9 @@ TEST(ApplyParagraph, AWholeFrameBecomesOneParagraphInTheFirstRunsLook) {
   std::fill(s.shape->text->fonts.begin(), s.shape->text->fonts.begin() + 2, small);
   UnitLocator locator;
   locator.wholeFrame = true;
-  EXPECT_EQ(kOk, ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, u"Plan", u"Arial"));
+  const Wide plan = u"Plan";
+  TextChange change{.from = nullptr, .to = plan};
+  EXPECT_EQ(kOk, ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, change, u"Arial"));
   EXPECT_EQ(s.shape->Text(), u"Plan");
   small.name = small.nameFarEast = small.nameAscii = u"Arial";
   EXPECT_EQ(s.shape->text->fonts, std::vector<FakeFont>(4, small));
@@ -131,7 +135,9 @@ TEST(ApplyParagraph, AWholeFrameTakesNoSnapshotAndStillGetsTheFontNames) {
   Shape s(u"年度\r计划");
   UnitLocator locator;
   locator.wholeFrame = true;
-  EXPECT_EQ(kOk, ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, u"Plan", u"Arial"));
+  const Wide plan = u"Plan";
+  TextChange change{.from = nullptr, .to = plan};
+  EXPECT_EQ(kOk, ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, change, u"Arial"));
   EXPECT_EQ(s.host.calls,
             (std::vector<std::string>{"Shape.TextFrame", "TextFrame.TextRange",
                                       "TextRange.Text=", "TextRange.Font",

@@ -117,6 +117,7 @@ void CollectFrame(RunTexts& texts, AutomationObject* shape, std::int32_t slide,
     const Wide& text = paragraphs.texts[at];
     if (ShouldSkip(text)) {
       LogLine(u"PptCtrl skip: slides[" + Decimal(slide) + u"] \"" + text + u"\" (ShouldSkip)");
+      ++texts.skipped;
       continue;
     }
     unit.unitId = pathText + u".p" + Decimal(i);

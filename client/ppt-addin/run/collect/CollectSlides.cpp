@@ -2,6 +2,7 @@
 
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
+#include "foundation/log/Log.h"
 #include "run/collect/WalkShapes.h"
 #include "run/document/BilingualSlides.h"
 #include "run/document/RunWindow.h"
@@ -60,7 +61,10 @@ Status CollectSlides(RunDocument& document, bool allSlides, const RunSink* sink,
     return {Failed(code) ? code : kFail, u"无法访问 Slides"};
   }
   std::int32_t count = 0;
-  if (!Get(slides.get(), ppt::slides::kCount, count)) count = 0;
+  const bool counted = Get(slides.get(), ppt::slides::kCount, count);
+  if (!counted) LogLine(u"PptCtrl slides count unreadable");
+  // Not an empty deck, of which the user would be told that there is nothing to translate.
+  if (!counted && allSlides) return {kFail, u"无法访问 Slides"};
   std::int32_t first = 1;
   std::int32_t last = count;
   if (!allSlides) {

@@ -56,10 +56,11 @@ void TickFull(RunState& run) {
 
 bool ApplySlide(RunState& run, std::int32_t entry, bool checkInput, bool jumpToCopy) {
   if (checkInput && UserIsBusy(run.surroundings.input)) {
-    RaiseQuiet(run.surroundings.thread, kQuietAfterInputMs);
+    RaiseInputQuiet(run.surroundings.thread);
     return false;
   }
-  const GateHold gate(&run, run.surroundings.thread);
+  const Heed heed = checkInput ? Heed::kEveryQuiet : Heed::kMutationQuiet;
+  const GateHold gate(&run, run.surroundings.thread, heed);
   if (!gate.held()) return false;
   WriteSlide(run.Writing(), static_cast<std::size_t>(entry));
   if (jumpToCopy && run.params.bilingual) JumpToCopy(run, run.texts.SlideNumberAt(entry));

@@ -19,10 +19,11 @@ void NameSlidesNotReached(const RunState& run, RunRecord& record) {
   }
 }
 
-FailedUnit Failure(const RunState& run, std::size_t unit) {
+FailedUnit Failure(const RunState& run, std::size_t unit, FailCause cause) {
   const UnitLocator& locator = run.texts.locators[unit];
   const TextUnit& from = run.texts.units[unit];
   FailedUnit failed;
+  failed.cause = cause;
   failed.slide = locator.slideIndex;
   failed.label = from.unitId;
   failed.row = locator.row;
@@ -53,11 +54,13 @@ void CountUnits(const RunState& run, RunRecord& record) {
     }
     const Wide text = FlattenTranslation(run.job.translations[unit]);
     if (!text.empty() && text != texts.sourceTexts[unit]) {
-      record.failed.push_back(Failure(run, unit));
+      record.failed.push_back(Failure(run, unit, FailCause::kNotReached));
     } else if (unit < answered) {
       ++record.unchanged;
+      record.left.push_back(Failure(run, unit, FailCause::kUnchanged));
     } else {
       ++record.notAnswered;
+      record.left.push_back(Failure(run, unit, FailCause::kNotAnswered));
     }
   }
 }
@@ -74,6 +77,7 @@ void ReportRun(RunState& run, const RunEnd& end) noexcept {
     record.failure = end.failure;
     record.units = static_cast<std::int32_t>(run.texts.units.size());
     record.written = run.writes.appliedCount;
+    record.skipped = run.texts.skipped;
     if (run.started) {
       NameSlidesNotReached(run, record);
       CountUnits(run, record);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <system_error>
 
 #include "foundation/system/LiveCounts.h"
 #include "translate/TranslateRequest.h"
@@ -118,27 +117,32 @@ void RunWorkerLoop(WorkerJob& job) noexcept {
 }
 
 bool StartWorker(RunState& run) {
-  FillJob(run);
-  run.nextSlide = 0;
-  if (run.params.configSlot != nullptr) *run.params.configSlot = &run.job.config;
-
-  // Told before the thread exists, so that no clock leaps in between.
-  run.surroundings.thread.OutsideWorkBegins();
+  HostThread& hostThread = run.surroundings.thread;
+  bool outside = false;
   try {
-    run.thread = std::thread([job = &run.job] {
+    FillJob(run);
+    run.nextSlide = 0;
+    if (run.params.configSlot != nullptr) *run.params.configSlot = &run.job.config;
+    const auto work = [job = &run.job] {
       const LiveCount<LiveKind::kThread> running;
       RunWorkerLoop(*job);
       // The end first: whoever is woken by the second must see the first.
-      HostThread& hostThread = *job->hostThread;
+      HostThread& waiting = *job->hostThread;
       job->ended.store(true, std::memory_order_release);
-      hostThread.OutsideWorkEnds();
-    });
-  } catch (const std::system_error&) {
-    run.surroundings.thread.OutsideWorkEnds();
+      waiting.OutsideWorkEnds();
+    };
+    // Told before the thread exists, so that no clock leaps in between.
+    hostThread.OutsideWorkBegins();
+    outside = true;
+    const ThreadStart& start = run.surroundings.startThread;
+    run.thread = start ? start(work) : std::thread(work);
+    return true;
+  } catch (const std::exception&) {
+    // No thread, or no memory for one.
+    if (outside) hostThread.OutsideWorkEnds();
     if (run.params.configSlot != nullptr) *run.params.configSlot = nullptr;
     return false;
   }
-  return true;
 }
 
 }  // namespace quillmarch::addin

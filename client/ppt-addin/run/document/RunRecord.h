@@ -18,9 +18,12 @@ enum class RunOutcome { kCompleted, kFailed, kCancelled, kAborted };
 #pragma GCC diagnostic pop
 
 enum class FailCause {
-  kNotReached,  // its write was never begun
-  kNotFound,    // no shape or cell at its place any more
-  kRefused,     // the host did not take the text
+  kNotReached,    // its write was never begun
+  kNotFound,      // no shape or cell at its place any more
+  kPlaceChanged,  // the place shows another text than was collected, so it was left alone
+  kRefused,       // the host did not take the text
+  kUnchanged,     // nothing to write: it came back as it went, or empty
+  kNotAnswered,   // the worker ended before it came to it
 };
 
 struct FailedUnit {
@@ -29,7 +32,7 @@ struct FailedUnit {
   std::int32_t row = 0;    // 1-based table cell, 0 outside tables
   std::int32_t column = 0;
   Wide sourceText;
-  Wide shapeName;  // as collected; empty when it was not read
+  Wide shapeName = {};  // as collected; empty when it was not read
   FailCause cause = FailCause::kNotReached;
   ResultCode code = kOk;  // the host's own code of the failed write, where it gave one
 };
@@ -44,7 +47,9 @@ struct RunRecord {
   std::int32_t changed = 0;        // units whose new words are in the deck
   std::int32_t unchanged = 0;      // answered empty or equal to the source, so left as they are
   std::int32_t notAnswered = 0;    // the worker ended before it came to them
+  std::int32_t skipped = 0;        // texts without a letter, never sent
   std::vector<FailedUnit> failed;  // translated text that did not reach the deck
+  std::vector<FailedUnit> left;    // unchanged or not answered
   std::vector<std::int32_t> slidesNotReached;  // slides whose writes were still owed
 };
 

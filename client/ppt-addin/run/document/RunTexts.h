@@ -27,6 +27,7 @@ struct RunTexts {
 
   std::vector<Wide> skipNotes;  // for the summary: what could not be collected
   std::int32_t smartArtSkipped = 0;
+  std::int32_t skipped = 0;  // texts without a letter
 
   // Adds a unit of the locator's slide. Nothing is added when memory runs out.
   void Add(TextUnit unit, Wide sourceText, UnitLocator locator);

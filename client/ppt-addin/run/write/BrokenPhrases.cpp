@@ -73,8 +73,14 @@ bool FindFrame(const WriteTask& task, const UnitLocator& locator, ObjectRef& ran
          FrameRange(shape.get(), range);
 }
 
+// A frame that the user has changed since is theirs.
+bool ShowsFrameText(AutomationObject* range, const Wide& frameText) {
+  Wide shown;
+  return Get(range, ppt::textRange::kText, shown) && SameText(WithoutBreaks(shown), frameText);
+}
+
 bool ReplaceFrame(const Pass& pass, AutomationObject* range, const Wide& text) {
-  const GateHold gate(pass.owner, pass.thread);
+  const GateHold gate(pass.owner, pass.thread, Heed::kMutationQuiet);
   if (!gate.held()) return false;
   FontSnapshot look;
   TakeFontSnapshot(range, look);
@@ -86,10 +92,14 @@ bool ReplaceFrame(const Pass& pass, AutomationObject* range, const Wide& text) {
 
 bool RepairFrame(const Pass& pass, std::size_t unit) {
   const RunTexts& texts = pass.task.texts;
-  const Wide text = AskForFrame(pass, *texts.units[unit].frameText);
+  const Wide& frameText = *texts.units[unit].frameText;
+  // Before the question: a quick answer would find the gate still quiet after the last write, and
+  // be paid for and dropped.
+  WaitOutMutationQuiet(pass.thread);
+  const Wide text = AskForFrame(pass, frameText);
   ObjectRef range;
   return !text.empty() && FindFrame(pass.task, texts.locators[unit], range) &&
-         ReplaceFrame(pass, range.get(), text);
+         ShowsFrameText(range.get(), frameText) && ReplaceFrame(pass, range.get(), text);
 }
 
 }  // namespace

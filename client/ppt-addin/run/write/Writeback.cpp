@@ -7,6 +7,8 @@
 #include "foundation/automation/HostMembers.h"
 #include "foundation/log/Log.h"
 #include "run/document/BilingualSlides.h"
+#include "run/document/FindShape.h"
+#include "run/document/ResolveShape.h"
 #include "run/document/ResolveUnit.h"
 #include "run/write/ApplyText.h"
 #include "run/write/FitShape.h"
@@ -81,33 +83,88 @@ void SortForWriting(const RunTexts& texts, Group& group) {
 }
 
 ResultCode WriteUnit(const WriteTask& task, AutomationObject* shape, std::size_t unit,
-                     const Wide& text) {
+                     TextChange& change) {
   const UnitLocator& locator = task.texts.locators[unit];
   switch (RulesOf(locator.kind).writer) {
     case UnitWriter::kChartOrNode:
-      return WriteChartOrNode(task, shape, unit, text) ? kOk : kFail;
+      return WriteChartOrNode(task, shape, unit, change.to) ? kOk : kFail;
     case UnitWriter::kCharacters:
-      return ApplyCharacterRange(shape, locator, text, task.params.targetFont);
+      return ApplyCharacterRange(shape, locator, change, task.params.targetFont);
     default:
-      return ApplyParagraph(shape, locator, text, task.params.targetFont);
+      return ApplyParagraph(shape, locator, change, task.params.targetFont);
   }
 }
 
-bool WriteUnits(const WriteTask& task, AutomationObject* shape, const Group& group) {
-  bool wrote = false;
+// Every grid position of a merged cell is a unit of its own, and the service may have translated
+// one text in two ways: the first that was written stays.
+bool WrittenByTwin(const WriteTask& task, std::size_t unit, const Wide& shown) {
+  const RunTexts& texts = task.texts;
+  const UnitLocator& own = texts.locators[unit];
+  if (!IsInCell(own)) return false;
+  for (std::size_t twin = 0; twin < unit; ++twin) {
+    const UnitLocator& other = texts.locators[twin];
+    if (task.writes.reached[twin] && IsInCell(other) && other.slideIndex == own.slideIndex &&
+        other.shapePath == own.shapePath && texts.sourceTexts[twin] == texts.sourceTexts[unit] &&
+        SameText(shown, FlattenTranslation(task.translations[twin]))) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// A shape of a slide and one of its notes page may have the same Id, by which the collection finds
+// what is selected. The slide's shape comes first there; its text tells that the other was meant.
+bool FindOnNotes(const SlideWrite& write, AutomationObject* onSlide, ObjectRef& onNotes) {
+  ObjectRef slide;
+  ObjectRef notes;
+  ShapeList shapes;
+  StoredPath path;
+  std::int32_t row = 0;
+  std::int32_t column = 0;
+  return GetAt(write.slides.get(), ppt::slides::kItem, write.targetSlide, slide) &&
+         Get(slide.get(), ppt::slide::kNotesPage, notes) &&
+         Get(notes.get(), ppt::slideRange::kShapes, shapes.object) &&
+         FindShape(shapes, onSlide, path, row, column) && row == 0 &&
+         Succeeded(ResolveNotesShape(write.slides.get(), write.targetSlide, path, onNotes));
+}
+
+struct GroupWritten {
+  bool any = false;
+  bool elsewhere = false;  // not in the shape that was given
+};
+
+GroupWritten WriteUnits(const SlideWrite& write, ObjectRef shape, const Group& group) {
+  const WriteTask& task = write.task;
+  GroupWritten written;
   for (const std::size_t unit : group) {
     const Wide text = TextToWrite(task, unit);
     if (text.empty()) continue;
-    const ResultCode written = WriteUnit(task, shape, unit, text);
-    if (Succeeded(written)) {
+    const UnitLocator& locator = task.texts.locators[unit];
+    // A copy that an earlier run made shows that run's translation.
+    TextChange change{.from = task.copies.bilingual ? nullptr : &task.texts.sourceTexts[unit],
+                      .to = text};
+    ResultCode code = WriteUnit(task, shape.get(), unit, change);
+    ObjectRef onNotes;
+    if (code == kPlaceChanged && task.params.scope == Scope::kSelection && !written.any &&
+        !IsInCell(locator) && !LiesOnNotes(locator) && FindOnNotes(write, shape.get(), onNotes)) {
+      code = WriteUnit(task, onNotes.get(), unit, change);
+      if (code == kOk) {
+        shape = std::move(onNotes);
+        written.elsewhere = true;
+      }
+    }
+    if (code == kPlaceChanged && WrittenByTwin(task, unit, change.shown)) code = kAlreadyThere;
+    if (Succeeded(code)) {
       ++task.writes.appliedCount;
       task.writes.reached[unit] = true;
-      wrote = true;
+      written.any = written.any || code != kAlreadyThere;
     } else {
-      RecordUnit(task, unit, {FailCause::kRefused, written});
+      const FailCause cause =
+          code == kPlaceChanged ? FailCause::kPlaceChanged : FailCause::kRefused;
+      RecordUnit(task, unit, {cause, code});
     }
   }
-  return wrote;
+  return written;
 }
 
 bool WriteWholeGroup(const WriteTask& task, AutomationObject* shape, const Group& group) {
@@ -132,9 +189,12 @@ void WriteGroup(SlideWrite& write, Group group) {
   const ShapeRect rect = fit ? ReadShapeRect(shape.get()) : ShapeRect{};
   SortForWriting(task.texts, group);
   const bool wholeGroup = RulesOf(locator.kind).writer == UnitWriter::kChartGroup;
-  const bool wrote =
-      wholeGroup ? WriteWholeGroup(task, shape.get(), group) : WriteUnits(task, shape.get(), group);
-  if (wrote && fit) FitShape(shape.get(), rect.valid ? &rect : nullptr, write.slideWidth);
+  const GroupWritten written = wholeGroup
+                                   ? GroupWritten{WriteWholeGroup(task, shape.get(), group), false}
+                                   : WriteUnits(write, shape, group);
+  if (written.any && !written.elsewhere && fit) {
+    FitShape(shape.get(), rect.valid ? &rect : nullptr, write.slideWidth);
+  }
 }
 
 void WriteEntry(const WriteTask& task, std::size_t entry) {
