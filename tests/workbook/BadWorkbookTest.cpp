@@ -111,9 +111,9 @@ TEST(BadWorkbook, CellsBeyondTheSheetAndOddValuesAreNoCells) {
   EXPECT_EQ(workbook.Text(0, {2, 5}), u"7");
 }
 
-TEST(BadWorkbook, AHundredThousandCategoriesAreRead) {
+TEST(BadWorkbook, TwentyThousandCategoriesAreRead) {
   std::string rows;
-  for (int i = 1; i <= 100000; ++i) {
+  for (int i = 1; i <= 20000; ++i) {
     const std::string row = std::to_string(i);
     rows += "<row r=\"" + row + "\">" + TextCell("A" + row, "Category " + row) +
             NumberCell("B" + row, row) + "</row>";
@@ -122,8 +122,8 @@ TEST(BadWorkbook, AHundredThousandCategoriesAreRead) {
   ASSERT_TRUE(opened.ok) << opened.error.sentence;
   Workbook& workbook = *opened.value;
   ASSERT_NE(workbook.Sheet(0), nullptr) << workbook.SheetFault(0);
-  EXPECT_EQ(workbook.Sheet(0)->Cells().size(), 200000u);
-  EXPECT_EQ(workbook.Text(0, {100000, 1}), u"Category 100000");
+  EXPECT_EQ(workbook.Sheet(0)->Cells().size(), 40000u);
+  EXPECT_EQ(workbook.Text(0, {20000, 1}), u"Category 20000");
 }
 
 }  // namespace quillmarch::host::workbook
