@@ -2,6 +2,7 @@
 // lacks and names the leaves that are missing.
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <unordered_map>
@@ -20,6 +21,8 @@ constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 constexpr std::int64_t kMaxSlideId = 2147483647;
 constexpr double kEmuPerPoint = 12700.0;
 constexpr std::size_t kMaxSlides = 20000;
+// Missing parts are named one by one up to this many; more of them are only counted.
+constexpr std::size_t kMostNamed = 5;
 // Slides are read and checked on a second thread, this far ahead.
 constexpr std::size_t kLeastAhead = 8;
 constexpr std::size_t kMostAhead = 24;
@@ -348,6 +351,7 @@ std::string DeckReader::WalkLeaves() {
   std::vector<std::string> waiting = {deck_.presentationPart_};
   std::unordered_set<std::string> seen = {LowerKey(deck_.presentationPart_)};
   std::set<std::string> missing;
+  std::vector<std::string> named;
   while (!waiting.empty()) {
     const std::string part = std::move(waiting.back());
     waiting.pop_back();
@@ -359,15 +363,21 @@ std::string DeckReader::WalkLeaves() {
       if (!package_.HasPart(link.target)) {
         // A jump inside the file names no part.
         if (RelationshipKindOf(link.type) == RelationshipKind::kHyperlink) continue;
-        if (missing.insert(LowerKey(link.target)).second) {
-          warnings_.push_back("The part " + link.target + ", which " + part +
-                              " refers to, is missing; the reference is kept as it is.");
+        if (missing.insert(LowerKey(link.target)).second && missing.size() <= kMostNamed) {
+          named.push_back("The part " + link.target + ", which " + part +
+                          " refers to, is missing; the reference is kept as it is.");
         }
         continue;
       }
       if (seen.insert(LowerKey(link.target)).second) waiting.push_back(link.target);
     }
   }
+  if (missing.size() > kMostNamed) {
+    named = {std::to_string(missing.size()) + " parts that the deck refers to are missing, " +
+             *missing.begin() + " among them; the references are kept as they are."};
+  }
+  warnings_.insert(warnings_.end(), std::make_move_iterator(named.begin()),
+                   std::make_move_iterator(named.end()));
   return {};
 }
 

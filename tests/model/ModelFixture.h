@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "deck/DeckBuilder.h"
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
-#include "model/DeckBuilder.h"
 #include "support/TempFolder.h"
 
 namespace quillmarch::host {

@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "deck/DeckBuilder.h"
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
-#include "model/DeckBuilder.h"
 
 namespace quillmarch::host {
 
