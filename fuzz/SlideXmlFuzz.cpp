@@ -76,6 +76,7 @@ class OneSlide final : public Package {
     result.ok = true;
     return result;
   }
+  PackageResult<std::string> SaveBytes() override { return {}; }
 
  private:
   std::map<std::string, std::string> parts_;

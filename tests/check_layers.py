@@ -19,7 +19,7 @@ def add_in(*names):
 
 # The add-in's interfaces that the headless host serves or takes part in.
 SHARED = add_in("foundation")
-HOST = {f"host/{room}" for room in ("package", "deck", "geometry", "layout", "model", "remote", "thread", "driver")}
+HOST = {f"host/{room}" for room in ("package", "workbook", "deck", "geometry", "layout", "model", "remote", "thread", "driver")}
 # Each room with those below it. A file may include its own room; a room also stands for its sub-folders, unless
 # they have rows of their own.
 MAY_INCLUDE = {
@@ -41,6 +41,7 @@ MAY_INCLUDE = {
     f"{ADD_IN}/pane": add_in("foundation", "translate", "terminology", "run", "resources"),
     f"{ADD_IN}/shell": add_in("foundation", "translate", "terminology", "run", "pane", "resources"),
     "host/package": SHARED,
+    "host/workbook": {"host/package"} | SHARED,
     "host/deck": {"host/package"} | SHARED,
     "host/geometry": {"host/deck", "host/package"} | SHARED,
     "host/layout": SHARED,

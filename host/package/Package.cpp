@@ -51,6 +51,7 @@ class ZipPackage final : public Package {
   ZipPackage(const PackageLimits& limits) : limits_(limits), archive_(file_) {}
 
   std::string Load(const std::string& path);
+  std::string LoadBytes(std::string_view bytes);
 
   bool HasPart(std::string_view name) const override { return Find(name) != nullptr; }
   std::vector<std::string> PartNames() const override;
@@ -63,15 +64,21 @@ class ZipPackage final : public Package {
                     std::function<std::string()> make) override;
   bool Edited() override;
   PackageResult<bool> Save(const std::string& path) override;
+  PackageResult<std::string> SaveBytes() override;
 
  private:
+  std::string LoadOpened();
   const std::size_t* Find(std::string_view name) const;
   std::string CheckEntries();
   std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
   std::string Bytes(std::size_t entry, std::uint64_t limit, std::string& bytes);
   bool IsOriginal(std::size_t entry, const PartBytes& part);
+  std::string CheckUnchanged(const OutputFile& output) const;
+  std::string WriteTo(OutputFile& output);
 
   PackageLimits limits_;
+  std::string path_;
+  FileState expected_;  // what is at the path, as long as only this package writes there
   InputFile file_;
   ZipArchive archive_;
   std::unordered_map<std::string, std::size_t> parts_;  // entry by PartKey
@@ -87,18 +94,29 @@ class ZipPackage final : public Package {
 
 std::string ZipPackage::Load(const std::string& path) {
   std::string sentence = file_.Open(path);
-  if (sentence.empty()) sentence = CompoundFileSentence(file_);
+  path_ = path;
+  expected_ = file_.Opened();
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadBytes(std::string_view bytes) {
+  std::string sentence = file_.OpenBytes(bytes);
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadOpened() {
+  std::string sentence = CompoundFileSentence(file_);
   if (sentence.empty()) sentence = archive_.Open(limits_.maxEntries);
   if (sentence.empty()) sentence = CheckEntries();
   if (!sentence.empty()) return sentence;
 
   if (!HasPart(kContentTypesPart)) {
-    return "The part [Content_Types].xml is missing, so it is no .pptx file.";
+    return "The part [Content_Types].xml is missing, so it is not a .pptx file.";
   }
   const PackageResult<std::string> types = ReadXmlPart(kContentTypesPart);
   if (!types.ok) return types.error.sentence;
   if (!types_.Parse(types.value)) {
-    return PartSentence(kContentTypesPart, "it is no list of content types");
+    return PartSentence(kContentTypesPart, "it is not a content types part");
   }
   return {};
 }
@@ -126,7 +144,7 @@ std::string ZipPackage::CheckEntries() {
     std::string bomb = CheckBomb(entry, key);
     if (!bomb.empty()) return bomb;
     if (entry.size > entry.packed) growth += entry.size - entry.packed;
-    if (entry.size > limits_.maxPackageBytes || growth > limits_.maxPackageBytes) {
+    if (growth > limits_.maxPackageBytes) {
       return "The file would inflate to more than " +
              std::to_string(limits_.maxPackageBytes >> 20) + " MB, as a zip bomb does.";
     }
@@ -263,32 +281,58 @@ bool ZipPackage::Edited() {
   });
 }
 
+std::string ZipPackage::CheckUnchanged(const OutputFile& output) const {
+  constexpr char kChanged[] = "Another program changed the deck meanwhile.";
+  const std::optional<FileState> now = path_.empty() ? std::nullopt : FileStateAt(path_);
+  if (file_.WasChanged() || (now && now != expected_)) return kChanged;
+  if (output.TargetChanged()) return "Another program changed the file meanwhile.";
+  return {};
+}
+
+// Everything, edits included. Empty when done, else one sentence.
+std::string ZipPackage::WriteTo(OutputFile& output) {
+  if (!Edited()) {
+    output.CopyFrom(file_, 0, file_.Size(), 0);
+    return output.Failure();
+  }
+  std::vector<ZipReplacement> replacements;
+  for (const auto& [entry, job] : edits_) {
+    if (!compressor_.Wait(job)) {
+      return "There is not enough memory to write the part " + archive_.Entries()[entry].name + ".";
+    }
+    if (!job->original) replacements.push_back({entry, &job->packed});
+  }
+  return archive_.Write(replacements, output);
+}
+
 PackageResult<bool> ZipPackage::Save(const std::string& path) {
   if (!putFault_.empty()) return Fault<bool>(putFault_);
   OutputFile output;
-  std::string sentence = output.Open(path);
+  std::string sentence = output.Open(path, file_.Permissions());
   if (!sentence.empty()) return Fault<bool>(std::move(sentence));
-  if (!Edited()) {
-    if (output.Replaces(file_)) return Value(true);
-    output.CopyFrom(file_, file_.Size());
-  } else {
-    std::vector<ZipReplacement> replacements;
-    for (const auto& [entry, job] : edits_) {
-      if (!compressor_.Wait(job)) {
-        return Fault<bool>("There is not enough memory to write the part " +
-                           archive_.Entries()[entry].name + ".");
-      }
-      if (!job->original) replacements.push_back({entry, &job->packed});
-    }
-    std::string reason;
-    if (!archive_.Write(replacements, output, reason)) {
-      sentence = output.Failure();
-      return Fault<bool>(sentence.empty() ? std::move(reason) : std::move(sentence));
-    }
-  }
-  sentence = output.Commit();
+  const bool overItself = FileStateAt(path) == expected_;
+  if (overItself && !Edited()) return Value(true);
+  // Before and after: a program that writes meanwhile may have been at it when the copy was made.
+  sentence = CheckUnchanged(output);
+  if (sentence.empty()) sentence = WriteTo(output);
+  if (sentence.empty()) sentence = CheckUnchanged(output);
+  if (sentence.empty()) sentence = output.Commit();
   if (!sentence.empty()) return Fault<bool>(std::move(sentence));
+  if (overItself) expected_ = FileStateAt(path_).value_or(expected_);
   return Value(true);
+}
+
+PackageResult<std::string> ZipPackage::SaveBytes() {
+  if (!putFault_.empty()) return Fault<std::string>(putFault_);
+  OutputFile output;
+  std::string sentence = output.OpenInMemory();
+  if (sentence.empty()) sentence = WriteTo(output);
+  if (!sentence.empty()) return Fault<std::string>(std::move(sentence));
+  std::string bytes(static_cast<std::size_t>(output.Size()), '\0');
+  if (!output.ReadAt(0, bytes.data(), bytes.size())) {
+    return Fault<std::string>("There is not enough memory.");
+  }
+  return Value(std::move(bytes));
 }
 
 }  // namespace
@@ -297,6 +341,14 @@ PackageResult<std::unique_ptr<Package>> Package::Open(const std::string& path,
                                                       const PackageLimits& limits) {
   auto package = std::make_unique<ZipPackage>(limits);
   std::string sentence = package->Load(path);
+  if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
+  return Value<std::unique_ptr<Package>>(std::move(package));
+}
+
+PackageResult<std::unique_ptr<Package>> Package::OpenBytes(std::string_view bytes,
+                                                           const PackageLimits& limits) {
+  auto package = std::make_unique<ZipPackage>(limits);
+  std::string sentence = package->LoadBytes(bytes);
   if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
   return Value<std::unique_ptr<Package>>(std::move(package));
 }

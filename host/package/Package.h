@@ -1,6 +1,6 @@
-// An Open Packaging (OPC) file: its parts, content types and relationships, read through libzip
-// and written without touching what was not edited. One thread at a time, but for HasPart,
-// ReadPart, ReadXmlPart and Relationships, which any thread may call at any time.
+// An Open Packaging (OPC) file: its parts, content types and relationships, written without
+// touching what was not edited. One thread at a time, except for HasPart, ReadPart, ReadXmlPart and
+// Relationships, which any thread may call at any time.
 #pragma once
 
 #include <cstddef>
@@ -54,6 +54,9 @@ class Package {
   // for.
   static PackageResult<std::unique_ptr<Package>> Open(const std::string& path,
                                                       const PackageLimits& limits = {});
+  // As Open, for a package that lies in memory, such as a part of another package.
+  static PackageResult<std::unique_ptr<Package>> OpenBytes(std::string_view bytes,
+                                                           const PackageLimits& limits = {});
   virtual ~Package() = default;
 
   // Part names stand without the leading slash, such as "ppt/slides/slide1.xml"; they compare
@@ -88,8 +91,12 @@ class Package {
   // Writes the package to `path` atomically: a temporary file in the same folder, flushed, then
   // renamed. Parts without an edit keep their compressed bytes, order and times; without any edit
   // the file is a byte for byte copy. An earlier file at `path` stays as it was on any failure; its
-  // mode bits are kept, and a symbolic link is followed. Reading goes on as before afterwards.
+  // mode bits are kept, a new file is at most as open to others as the original, and a symbolic
+  // link is followed. Refused when another program has changed the original since it was opened, or
+  // `path` meanwhile. Reading goes on as before afterwards.
   virtual PackageResult<bool> Save(const std::string& path) = 0;
+  // The bytes that Save would write.
+  virtual PackageResult<std::string> SaveBytes() = 0;
 };
 
 }  // namespace quillmarch::host

@@ -60,7 +60,7 @@ class Talk {
   }
   bool ended() const {
     return std::any_of(page->events.begin(), page->events.end(), IsEnding) &&
-           hosted->pane().runActive == 0;
+           !hosted->pane().run().runActive();
   }
   static bool IsEnding(const std::string& event) {
     return event.starts_with("onComplete") || event.starts_with("onError") ||

@@ -80,10 +80,10 @@ std::size_t PeakMegabytes(const Work& work) {
 
 TEST(BadPackage, WhatIsNoZipIsToldSo) {
   EXPECT_EQ(RefusalOf("Hello, this is a text and no archive at all."),
-            "The file is not a zip archive, so it is no .pptx file.");
-  EXPECT_EQ(RefusalOf("P"), "The file is not a zip archive, so it is no .pptx file.");
+            "The file is not a zip archive, so it is not a .pptx file.");
+  EXPECT_EQ(RefusalOf("P"), "The file is not a zip archive, so it is not a .pptx file.");
   EXPECT_EQ(RefusalOf(std::string(100000, '\0')),
-            "The file is not a zip archive, so it is no .pptx file.");
+            "The file is not a zip archive, so it is not a .pptx file.");
 }
 
 TEST(BadPackage, AnEmptyFileIsToldSo) {
@@ -112,8 +112,7 @@ TEST(BadPackage, WhatIsNoRegularFileIsToldSo) {
   EXPECT_EQ(Package::Open("/dev/zero").error.sentence, "It is not a regular file.");
   ASSERT_EQ(mkfifo(folder.Path("fifo").c_str(), 0600), 0);
   EXPECT_EQ(Package::Open(folder.Path("fifo")).error.sentence, "It is not a regular file.");
-  EXPECT_EQ(Package::Open(folder.Path("none.pptx")).error.sentence,
-            "The file cannot be opened: No such file or directory.");
+  EXPECT_EQ(Package::Open(folder.Path("none.pptx")).error.sentence, "No such file.");
 }
 
 TEST(BadPackage, CompoundFilesAreToldApart) {
@@ -129,11 +128,11 @@ TEST(BadPackage, ContentTypesHaveToBeThereAndWhole) {
   Entries entries = MinimalEntries();
   entries.erase(entries.begin());
   EXPECT_EQ(RefusalOf(BuildZip(entries)),
-            "The part [Content_Types].xml is missing, so it is no .pptx file.");
+            "The part [Content_Types].xml is missing, so it is not a .pptx file.");
   entries = MinimalEntries();
   entries[0].content = "<Types/>";
   EXPECT_EQ(RefusalOf(BuildZip(entries)),
-            "The part [Content_Types].xml cannot be read: it is no list of content types.");
+            "The part [Content_Types].xml cannot be read: it is not a content types part.");
   entries[0].content = "<Types";
   EXPECT_NE(RefusalOf(BuildZip(entries)).find("not good XML"), std::string::npos);
   EXPECT_NE(RefusalOf(BuildZip({})), "");
@@ -149,7 +148,7 @@ TEST(BadPackage, NamesThatLeadElsewhereAreRefused) {
 
 TEST(BadPackage, OneNameTwiceIsRefused) {
   EXPECT_EQ(RefusalWith({.name = "ppt/presentation.xml", .content = "<a/>"}),
-            "The part ppt/presentation.xml stands twice in the zip archive.");
+            "The archive contains the part ppt/presentation.xml twice.");
   EXPECT_EQ(RefusalWith({.name = "PPT/presentation.xml", .content = "<a/>"}),
             "The parts ppt/presentation.xml and PPT/presentation.xml have the same name.");
   EXPECT_EQ(RefusalWith({.name = "ppt/presentation%2Exml", .content = "<a/>"}),
@@ -329,7 +328,7 @@ TEST(BadPackage, DirectoryAndEntriesHaveToAgree) {
   const std::size_t local = bytes.find("ppt/presentation.xml");
   bytes[local] = 'q';
   EXPECT_EQ(RefusalOf(bytes),
-            "The zip archive is cut off or damaged: its directory and its entries do not agree.");
+            "The zip entry \"ppt/presentation.xml\" has another name before its data.");
 }
 
 TEST(BadPackage, EveryFlippedByteIsRefusedOrHarmless) {

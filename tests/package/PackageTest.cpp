@@ -5,8 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <utility>
 
+#include "host/package/OutputFile.h"
 #include "package/zip/ZipBuilder.h"
 #include "support/TempFolder.h"
 
@@ -398,12 +401,130 @@ TEST(Save, AFullDiskLeavesTheEarlierFileAndNoTemporary) {
   std::signal(SIGXFSZ, handler);
   for (const auto& saved : {copied, edited}) {
     EXPECT_FALSE(saved.ok);
-    EXPECT_EQ(saved.error.sentence, "It cannot be written: File too large.");
+    EXPECT_EQ(saved.error.sentence, "File too large.");
   }
   EXPECT_EQ(TempFolder::Bytes(out), "earlier");
   EXPECT_EQ(deck.folder.Files(), 2u);
   ASSERT_TRUE(deck.package->Save(out).ok);
   EXPECT_EQ(Reread(out, "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Save, ADeckThatAnotherProgramReplacedMeanwhileIsNotOverwritten) {
+  Opened deck(Entries{Slide()});
+  deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  std::filesystem::rename(deck.folder.Put("theirs", "newer"), deck.path);
+  for (const std::string& target : {deck.path, deck.folder.Path("out.pptx")}) {
+    const auto saved = deck.package->Save(target);
+    EXPECT_FALSE(saved.ok);
+    EXPECT_EQ(saved.error.sentence, "Another program changed the deck meanwhile.");
+  }
+  EXPECT_EQ(TempFolder::Bytes(deck.path), "newer");
+  EXPECT_EQ(deck.folder.Files(), 1u);
+}
+
+TEST(Save, ADeckThatAnotherProgramWroteToMeanwhileIsNotOverwritten) {
+  Opened deck(Entries{Slide()});
+  deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  std::ofstream(deck.path, std::ios::app) << "more";
+  EXPECT_EQ(deck.package->Save(deck.path).error.sentence,
+            "Another program changed the deck meanwhile.");
+  EXPECT_EQ(deck.package->Save(deck.folder.Path("out.pptx")).error.sentence,
+            "Another program changed the deck meanwhile.");
+  EXPECT_TRUE(TempFolder::Bytes(deck.path).ends_with("more"));
+}
+
+TEST(Save, ADeckThatWasRemovedMeanwhileIsStillSavedElsewhere) {
+  Opened deck(Entries{Slide()});
+  deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  std::filesystem::remove(deck.path);
+  ASSERT_TRUE(deck.package->Save(deck.folder.Path("out.pptx")).ok);
+  EXPECT_EQ(Reread(deck.folder.Path("out.pptx"), "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Save, APrivateDeckGivesAPrivateOutput) {
+  Opened deck(Entries{Slide()});
+  const mode_t mask = umask(022);
+  umask(mask);
+  const std::string out = deck.folder.Path("out.pptx");
+  for (const auto& [bits, expected] : {std::pair<mode_t, mode_t>{0600, 0600}, {0444, 0644}}) {
+    ASSERT_EQ(chmod(deck.path.c_str(), bits), 0);
+    const auto opened = Package::Open(deck.path);
+    ASSERT_TRUE(opened.ok);
+    ASSERT_TRUE(opened.value->Save(out).ok);
+    struct stat status = {};
+    stat(out.c_str(), &status);
+    EXPECT_EQ(status.st_mode & 07777, expected & ~mask);
+    std::filesystem::remove(out);
+  }
+}
+
+TEST(OutputFile, TheTemporaryFileIsNeverMoreOpenThanTheTargetWillBe) {
+  const TempFolder folder;
+  const std::string target = folder.Put("out.pptx", "earlier");
+  ASSERT_EQ(chmod(target.c_str(), 0600), 0);
+  for (const std::string& name : {target, folder.Path("new.pptx")}) {
+    OutputFile output;
+    ASSERT_EQ(output.Open(name, 0600), "");
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path(""))) {
+      struct stat status = {};
+      stat(entry.path().c_str(), &status);
+      EXPECT_EQ(status.st_mode & 07777, 0600u) << entry.path();
+    }
+  }
+}
+
+TEST(OutputFile, ATemporaryFileOfAKilledRunIsRemovedAndOneInUseIsNot) {
+  const TempFolder folder;
+  const std::string stale = folder.Put(".quillmarch-abcdefgh", "left");
+  const std::string fresh = folder.Put(".quillmarch-12345678", "just made");
+  const std::string other = folder.Put(".quillmarch-notes", "the user's");
+  OutputFile running;
+  ASSERT_EQ(running.Open(folder.Path("a.pptx")), "");
+  constexpr auto kLongAgo = std::chrono::hours(1);
+  for (const auto& entry : std::filesystem::directory_iterator(folder.Path(""))) {
+    if (entry.path() == fresh) continue;
+    std::filesystem::last_write_time(entry.path(),
+                                     std::filesystem::file_time_type::clock::now() - kLongAgo);
+  }
+  OutputFile output;
+  ASSERT_EQ(output.Open(folder.Path("b.pptx")), "");
+  EXPECT_FALSE(std::filesystem::exists(stale));
+  EXPECT_TRUE(std::filesystem::exists(fresh));
+  EXPECT_TRUE(std::filesystem::exists(other));
+  EXPECT_EQ(folder.Files(), 4u);
+}
+
+TEST(OutputFile, ATargetThatAnotherProgramMakesMeanwhileIsNoticed) {
+  const TempFolder folder;
+  OutputFile output;
+  ASSERT_EQ(output.Open(folder.Path("a.pptx")), "");
+  EXPECT_FALSE(output.TargetChanged());
+  folder.Put("a.pptx", "theirs");
+  EXPECT_TRUE(output.TargetChanged());
+}
+
+TEST(Package, OneInMemoryIsReadEditedAndSavedAsOneInAFileIs) {
+  std::vector<BuiltEntry> entries = MinimalEntries();
+  entries.push_back(Slide());
+  const std::string bytes = BuildZip(entries);
+  const auto opened = Package::OpenBytes(bytes);
+  ASSERT_TRUE(opened.ok) << opened.error.sentence;
+  EXPECT_EQ(opened.value->ReadPart("ppt/slides/slide1.xml").value, kSlide);
+  EXPECT_EQ(opened.value->SaveBytes().value, bytes);
+
+  opened.value->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  const auto saved = opened.value->SaveBytes();
+  ASSERT_TRUE(saved.ok) << saved.error.sentence;
+  const TempFolder folder;
+  ASSERT_TRUE(opened.value->Save(folder.Path("same")).ok);
+  EXPECT_EQ(saved.value, TempFolder::Bytes(folder.Path("same")));
+  EXPECT_EQ(Reread(folder.Path("same"), "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Package, OneInMemoryIsRefusedAsOneInAFileIs) {
+  EXPECT_EQ(Package::OpenBytes("").error.sentence, "The file is empty.");
+  EXPECT_EQ(Package::OpenBytes("PK").error.sentence,
+            "The file is not a zip archive, so it is not a .pptx file.");
 }
 
 }  // namespace quillmarch::host

@@ -27,18 +27,18 @@ TEST(CPptPane, TakesTheHandOverBlockAndEmptiesItsPageAndMode) {
   block.pendingMode = u"lite";
   ProcessAccessToken() = u"tok";
   const auto pane = CPptPane::Create(h.Surroundings());
-  EXPECT_EQ(pane->windowContext.hwnd, 42);
-  EXPECT_EQ(pane->windowContext.id, 7U);
-  EXPECT_EQ(pane->paneId, 5);
-  EXPECT_EQ(pane->pendingPage, u"glossary");
-  EXPECT_EQ(pane->pendingMode, u"lite");
-  EXPECT_EQ(pane->accessToken, u"tok");
-  EXPECT_TRUE(pane->hostApp);
+  EXPECT_EQ(pane->windowContext().hwnd, 42);
+  EXPECT_EQ(pane->windowContext().id, 7U);
+  EXPECT_EQ(pane->paneId(), 5);
+  EXPECT_EQ(pane->browser().pendingPage(), u"glossary");
+  EXPECT_EQ(pane->browser().pendingMode(), u"lite");
+  EXPECT_EQ(pane->session().accessToken(), u"tok");
+  EXPECT_TRUE(pane->hostApp());
   EXPECT_TRUE(block.pendingPage.empty());
   EXPECT_TRUE(block.pendingMode.empty());
   const auto next = CPptPane::Create(h.Surroundings());
-  EXPECT_EQ(next->pendingPage, u"translate");
-  EXPECT_EQ(next->pendingMode, u"full");
+  EXPECT_EQ(next->browser().pendingPage(), u"translate");
+  EXPECT_EQ(next->browser().pendingMode(), u"full");
   block = {};
   ProcessAccessToken().clear();
 }
@@ -98,7 +98,7 @@ TEST(CPptPane, AVerbWithoutAParentUsesTheOneOfAnEarlierVerb) {
   h.createsWindow = true;
   pane->DoVerb(-1, 0, StockVerb);
   EXPECT_TRUE(pane->HasWindow());
-  EXPECT_EQ(pane->parentWindow, 0x1234U);
+  EXPECT_EQ(pane->parentWindow(), 0x1234U);
   pane->OnDestroy();
 }
 
@@ -149,11 +149,11 @@ TEST(CPptPane, AWidthHookThatIsTakenBackInsideItselfComesToItsEnd) {
 
 TEST(CPptPane, ANewSizeReachesTheBrowserWhenThereIsOne) {
   PaneHarness h;
-  h.pane->OnSize(320, 640);
+  h.pane->browser().PutBounds(320, 640);
   EXPECT_EQ(h.page->width, 320);
   EXPECT_EQ(h.page->height, 640);
-  h.pane->CloseWebView();
-  h.pane->OnSize(1, 1);
+  h.pane->browser().CloseWebView();
+  h.pane->browser().PutBounds(1, 1);
   EXPECT_EQ(h.page->width, 320);
 }
 
@@ -172,13 +172,13 @@ TEST(CPptPane, AfterTheShutdownNoMessageIsHeardAndNothingIsSaid) {
   PaneHarness h;
   h.AddSlide(u"hello");
   h.pane->BeginShutdownEarly();
-  h.pane->AttachWebView(h.page, h.page);
+  h.pane->browser().AttachWebView(h.page, h.page);
   h.Say(R"({"action":"setAccessToken","accessToken":"t"})");
   h.Start();
-  h.pane->CallPage(u"onReady", u"{}");
-  h.pane->StartRun(u"{\"action\":\"start\"}");
-  EXPECT_TRUE(h.pane->accessToken.empty());
-  EXPECT_EQ(h.pane->runActive, 0);
+  h.pane->browser().CallPage(u"onReady", u"{}");
+  h.pane->run().StartRun(u"{\"action\":\"start\"}");
+  EXPECT_TRUE(h.pane->session().accessToken().empty());
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_TRUE(h.page->calls.empty());
 }
 
@@ -187,10 +187,12 @@ TEST(CPptPane, TheWindowsEndKillsAllTimers) {
   h.AddSlide(u"hello");
   h.pageAnswers = false;
   h.Start();
+  // The wait for terminology, which comes first, outlives the window.
+  ASSERT_TRUE(h.WaitForRequests(1));
   EXPECT_EQ(h.thread.timersSet(), 2);
   h.pane->OnDestroy();
   EXPECT_EQ(h.thread.timersSet(), 0);
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
 }
 
 TEST(CPptPane, AShutdownDropsADeferredStart) {
@@ -199,10 +201,10 @@ TEST(CPptPane, AShutdownDropsADeferredStart) {
   const int owner = 0;
   const GateHold gate(&owner, h.thread);
   h.Start();
-  ASSERT_TRUE(h.pane->deferredStartArmed);
+  ASSERT_TRUE(h.pane->run().deferredStartArmed());
   h.pane->BeginShutdownEarly();
-  EXPECT_FALSE(h.pane->deferredStartArmed);
-  EXPECT_TRUE(h.pane->deferredStart.empty());
+  EXPECT_FALSE(h.pane->run().deferredStartArmed());
+  EXPECT_TRUE(h.pane->run().deferredStart().empty());
   EXPECT_EQ(h.thread.timersSet(), 1);
 }
 
@@ -214,9 +216,9 @@ TEST(CPptPane, AShutdownDuringARunEndsItAndItsRequests) {
   h.Start();
   ASSERT_TRUE(h.WaitForRequests(1));
   h.pane->BeginShutdownEarly();
-  EXPECT_EQ(h.pane->runActive, 0);
-  EXPECT_EQ(h.pane->currentRunId, 0U);
-  EXPECT_EQ(h.pane->controller, nullptr);
+  EXPECT_FALSE(h.pane->run().runActive());
+  EXPECT_EQ(h.pane->run().currentRunId(), 0U);
+  EXPECT_FALSE(h.pane->run().HasController());
   EXPECT_TRUE(log.Has("PptPane run finished"));
   ASSERT_EQ(h.records.size(), 1U);
   EXPECT_EQ(h.records[0].outcome, RunOutcome::kAborted);
@@ -256,9 +258,9 @@ TEST(CPptPane, AHungWorkerOfALivingWindowIsStillTickedToItsEnd) {
   h.Start();
   ASSERT_TRUE(h.RunUntil([&] { return h.Requests(u"terminologyResolveRequest").size() == 1; }));
   h.pane->BeginShutdownEarly();
-  EXPECT_EQ(h.pane->runActive, 1);
+  EXPECT_TRUE(h.pane->run().runActive());
   h.Finish();
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_EQ(h.pane.use_count(), 1);
 }
 

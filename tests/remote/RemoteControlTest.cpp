@@ -74,7 +74,7 @@ TEST_F(RemoteControlTest, ADeckIsReadWrittenAndSavedOverTheWire) {
   const ObjectRef application = Open();
   ASSERT_TRUE(application);
   Variant text;
-  EXPECT_EQ(kOk, TypedGet(TextOfSlide(application, 2).get(), ppt::textRange::kText, text));
+  EXPECT_EQ(kOk, CallMember(TextOfSlide(application, 2).get(), ppt::textRange::kText, text));
   EXPECT_EQ(u"zweiter", text.text());
 }
 

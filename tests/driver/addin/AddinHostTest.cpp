@@ -152,8 +152,8 @@ TEST(AddinHost, AnotherModeDuringARunLeavesItsPageAlone) {
   addin.Click(u"btnTranslateCurrentSlide", s.Window(0));
   s.Pass(kPastAPollMs);
   EXPECT_THAT(s.loaded, SizeIs(1));
-  EXPECT_EQ(addin.taskPanes()[0]->pane->runActive, 1);
-  EXPECT_EQ(addin.taskPanes()[0]->pane->mode, u"slide");
+  EXPECT_TRUE(addin.taskPanes()[0]->pane->run().runActive());
+  EXPECT_EQ(addin.taskPanes()[0]->pane->browser().mode(), u"slide");
 }
 
 TEST(AddinHost, AnotherPageDuringARunEndsItsRequestAndTheRunGoesOn) {
@@ -187,7 +187,7 @@ TEST(AddinHost, AWindowThatClosesInMidRunEndsItsRunAndLeavesTheOtherWindowsAlone
   ASSERT_THAT(s.records, SizeIs(1));
   EXPECT_EQ(s.records[0].outcome, RunOutcome::kAborted);
   EXPECT_EQ(second->text->text, u"two");
-  EXPECT_EQ(addin.taskPanes()[0]->pane->runActive, 1);
+  EXPECT_TRUE(addin.taskPanes()[0]->pane->run().runActive());
   // The other run's page answers at last, by loading anew.
   s.panelTranslates = true;
   ASSERT_TRUE(s.OpenPage(addin, u"btnAccount", s.Window(0)));

@@ -56,14 +56,14 @@ TEST_F(Bounds, EighteenPointsGiveALineOfTwentyOnePointSix) {
 
 TEST_F(Bounds, TypedAndNamedMembersAreTheSame) {
   OpenSlide(Box(Fixed("hello")));
-  const std::pair<TypedMember, WideView> members[] = {
+  const std::pair<Member<float>, WideView> members[] = {
       {ppt::textRange::kBoundLeft, u"BoundLeft"},
-      {{ppt::kTextRange, 2007}, u"BoundTop"},
+      {{{ppt::kTextRange, 2007}}, u"BoundTop"},
       {ppt::textRange::kBoundWidth, u"BoundWidth"},
       {ppt::textRange::kBoundHeight, u"BoundHeight"}};
   for (const auto& [typed, name] : members) {
     Variant value;
-    ASSERT_EQ(TypedGet(Range(1).get(), typed, {}, value), kOk);
+    ASSERT_EQ(CallMember(Range(1).get(), typed, {}, value), kOk);
     EXPECT_EQ(value.single(), Single(Range(1), name));
   }
 }

@@ -38,9 +38,9 @@ class Frame : public ModelTest {
   static ResultCode PutSingle(const ObjectRef& object, WideView member, float value) {
     return PutValue(object, member, Variant::R4(value));
   }
-  static Variant Typed(const ObjectRef& object, const TypedMember& member) {
+  static Variant Typed(const ObjectRef& object, const MemberId& member) {
     Variant value;
-    EXPECT_EQ(TypedGet(object.get(), member, {}, value), kOk);
+    EXPECT_EQ(CallMember(object.get(), member, {}, value), kOk);
     return value;
   }
   std::string Expected(const std::string& from, const std::string& to) const {

@@ -182,15 +182,15 @@ TEST_F(Selections, BothRoadsReachASelection) {
   ObjectRef range;
   ObjectRef shape;
   std::int32_t count = 0;
-  ASSERT_TRUE(TypedGetObject(Window().get(), ppt::documentWindow::kSelection, selection));
-  ASSERT_TRUE(TypedGetObject(selection.get(), ppt::selection::kShapeRange, range));
-  ASSERT_TRUE(TypedGetWhole(range.get(), ppt::shapeRange::kCount, count));
+  ASSERT_TRUE(quillmarch::Get(Window().get(), ppt::documentWindow::kSelection, selection));
+  ASSERT_TRUE(quillmarch::Get(selection.get(), ppt::selection::kShapeRange, range));
+  ASSERT_TRUE(quillmarch::Get(range.get(), ppt::shapeRange::kCount, count));
   EXPECT_EQ(count, 1);
-  ASSERT_TRUE(TypedGetObjectAt(range.get(), ppt::shapeRange::kItem, 1, shape));
+  ASSERT_TRUE(GetAt(range.get(), ppt::shapeRange::kItem, 1, shape));
   EXPECT_TRUE(AnswersTo(shape.get(), ppt::kShape));
   ASSERT_EQ(host->SelectSlides({2}), "");
-  ASSERT_TRUE(TypedGetObject(selection.get(), ppt::selection::kSlideRange, range));
-  ASSERT_TRUE(TypedGetObjectAt(range.get(), ppt::slideRange::kItem, 1, shape));
+  ASSERT_TRUE(quillmarch::Get(selection.get(), ppt::selection::kSlideRange, range));
+  ASSERT_TRUE(GetAt(range.get(), ppt::slideRange::kItem, 1, shape));
   EXPECT_TRUE(AnswersTo(shape.get(), ppt::kSlide));
 }
 

@@ -142,16 +142,16 @@ TEST_F(Slides, BothRoadsReachTheSameMembers) {
   OpenDeck(Three());
   ObjectRef slides, slide, shapes, shape, frame, range;
   const ObjectRef presentation = Presentation();
-  ASSERT_TRUE(TypedGetObject(presentation.get(), ppt::presentation::kSlides, slides));
-  ASSERT_TRUE(TypedGetObjectAt(slides.get(), ppt::slides::kItem, 2, slide));
-  ASSERT_TRUE(TypedGetObject(slide.get(), ppt::slide::kShapes, shapes));
-  ASSERT_TRUE(TypedGetObjectAt(shapes.get(), ppt::shapes::kItem, 1, shape));
-  ASSERT_TRUE(TypedGetObject(shape.get(), ppt::shape::kTextFrame, frame));
-  ASSERT_TRUE(TypedGetObject(frame.get(), ppt::textFrame::kTextRange, range));
+  ASSERT_TRUE(quillmarch::Get(presentation.get(), ppt::presentation::kSlides, slides));
+  ASSERT_TRUE(GetAt(slides.get(), ppt::slides::kItem, 2, slide));
+  ASSERT_TRUE(quillmarch::Get(slide.get(), ppt::slide::kShapes, shapes));
+  ASSERT_TRUE(GetAt(shapes.get(), ppt::shapes::kItem, 1, shape));
+  ASSERT_TRUE(quillmarch::Get(shape.get(), ppt::shape::kTextFrame, frame));
+  ASSERT_TRUE(quillmarch::Get(frame.get(), ppt::textFrame::kTextRange, range));
   Wide text;
-  ASSERT_TRUE(TypedGetText(range.get(), ppt::textRange::kText, text));
+  ASSERT_TRUE(quillmarch::Get(range.get(), ppt::textRange::kText, text));
   EXPECT_EQ(text, u"two");
-  ASSERT_TRUE(TypedPutText(range.get(), ppt::textRange::kText, u"zwei"));
+  ASSERT_TRUE(quillmarch::Put(range.get(), ppt::textRange::kText, u"zwei"));
   EXPECT_EQ(TextOf(Range(1, 2), u"TEXT"), u"zwei");
   EXPECT_FALSE(AnswersTo(range.get(), ppt::kShape));
   EXPECT_TRUE(AnswersTo(Get(Slide(1), u"NotesPage").get(), ppt::kSlideRange));
@@ -166,7 +166,7 @@ TEST_F(Slides, CallsAreCountedAndTheQuestionForAnInterfaceIsNot) {
   ASSERT_EQ(AutoGet(presentation.get(), u"Slides", value), kOk);
   EXPECT_EQ(HostCallCount().invokes - before.invokes, 1u);
   EXPECT_EQ(HostCallCount().nameLookups - before.nameLookups, 1u);
-  ASSERT_EQ(TypedGet(presentation.get(), ppt::presentation::kSlides, value), kOk);
+  ASSERT_EQ(CallMember(presentation.get(), ppt::presentation::kSlides, value), kOk);
   EXPECT_EQ(HostCallCount().invokes - before.invokes, 2u);
   EXPECT_EQ(HostCallCount().nameLookups - before.nameLookups, 1u);
 }

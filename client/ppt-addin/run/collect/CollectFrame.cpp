@@ -20,22 +20,21 @@ struct Paragraphs {
   std::vector<bool> endsWithCr;
 };
 
-bool FlagHolds(AutomationObject* object, const TypedMember& member) {
+bool FlagHolds(AutomationObject* object, const Member<std::int32_t>& member) {
   std::int32_t flag = 0;
-  return TypedGetWhole(object, member, flag) && flag == kTrue;
+  return Get(object, member, flag) && flag == kTrue;
 }
 
 bool ReadRange(AutomationObject* shape, ObjectRef& range, std::int32_t& count) {
   ObjectRef frame;
   ObjectRef all;
-  if (!FlagHolds(shape, ppt::shape::kHasTextFrame) ||
-      !TypedGetObject(shape, ppt::shape::kTextFrame, frame) ||
+  if (!FlagHolds(shape, ppt::shape::kHasTextFrame) || !Get(shape, ppt::shape::kTextFrame, frame) ||
       !FlagHolds(frame.get(), ppt::textFrame::kHasText) ||
-      !TypedGetObject(frame.get(), ppt::textFrame::kTextRange, range) ||
-      !TypedGetObjectAt2(range.get(), ppt::textRange::kParagraphs, kAll, kAll, all)) {
+      !Get(frame.get(), ppt::textFrame::kTextRange, range) ||
+      !GetAt(range.get(), ppt::textRange::kParagraphs, kAll, kAll, all)) {
     return false;
   }
-  return TypedGetWhole(all.get(), ppt::textRange::kCount, count);
+  return Get(all.get(), ppt::textRange::kCount, count);
 }
 
 Paragraphs ReadParagraphs(AutomationObject* range, std::int32_t count) {
@@ -43,8 +42,8 @@ Paragraphs ReadParagraphs(AutomationObject* range, std::int32_t count) {
   for (std::int32_t i = 1; i <= count; ++i) {
     Wide text;
     ObjectRef paragraph;
-    if (!TypedGetObjectAt2(range, ppt::textRange::kParagraphs, i, 1, paragraph) ||
-        !TypedGetText(paragraph.get(), ppt::textRange::kText, text)) {
+    if (!GetAt(range, ppt::textRange::kParagraphs, i, 1, paragraph) ||
+        !Get(paragraph.get(), ppt::textRange::kText, text)) {
       text.clear();
     }
     read.endsWithCr.push_back(TrimParagraphEnd(text));
@@ -57,7 +56,7 @@ Wide ShapeName(AutomationObject* shape) {
   Variant value;
   if (Succeeded(AutoGet(shape, u"Name", value))) return VariantToText(value);
   Wide name;
-  return TypedGetText(shape, ppt::shape::kName, name) ? name : Wide(u"?");
+  return Get(shape, ppt::shape::kName, name) ? name : Wide(u"?");
 }
 
 void LogFrame(AutomationObject* shape, std::int32_t slide, const ShapePath& path,

@@ -58,11 +58,11 @@ Wide PlaceText(std::int32_t row, std::int32_t column) {
 // A shape selected inside a group is taken alone and not its whole group.
 bool SelectedShapes(AutomationObject* selection, ObjectRef& range) {
   std::int32_t hasChildren = 0;
-  if (TypedGetWhole(selection, ppt::selection::kHasChildShapeRange, hasChildren) &&
-      hasChildren == kTrue && TypedGetObject(selection, ppt::selection::kChildShapeRange, range)) {
+  if (Get(selection, ppt::selection::kHasChildShapeRange, hasChildren) && hasChildren == kTrue &&
+      Get(selection, ppt::selection::kChildShapeRange, range)) {
     return true;
   }
-  return TypedGetObject(selection, ppt::selection::kShapeRange, range);
+  return Get(selection, ppt::selection::kShapeRange, range);
 }
 
 Wide KeyOf(const ShapeMatch& match) {
@@ -103,7 +103,7 @@ ResultCode CollectShapes(const Collection& from, Wide& outMessage) {
   ObjectRef range;
   std::int32_t count = 0;
   if (!SelectedShapes(from.selection.get(), range) ||
-      !TypedGetWhole(range.get(), ppt::shapeRange::kCount, count) || count < 1) {
+      !Get(range.get(), ppt::shapeRange::kCount, count) || count < 1) {
     return FailWith(kSelectFirst, outMessage);
   }
   TellScan(run, 0, count, u"shapes");
@@ -111,7 +111,7 @@ ResultCode CollectShapes(const Collection& from, Wide& outMessage) {
   for (std::int32_t i = 1; i <= count; ++i) {
     ObjectRef shape;
     ShapeMatch match;
-    if (!TypedGetObjectAt(range.get(), ppt::shapeRange::kItem, i, shape) ||
+    if (!GetAt(range.get(), ppt::shapeRange::kItem, i, shape) ||
         !LocateSelected(from.slides.get(), shape.get(), from.activeSlide, match)) {
       run.skipNotes.push_back(u"无法定位选中的形状");
       LogLine(u"PptCtrl selection shape not located");
@@ -129,10 +129,8 @@ ResultCode CollectShapes(const Collection& from, Wide& outMessage) {
 // The shape that a text range lies in.
 bool ShapeOfRange(AutomationObject* range, ObjectRef& shape) {
   ObjectRef frame;
-  return TypedGetObject(range, ppt::textRange::kParent, frame) &&
-         AnswersTo(frame.get(), ppt::kTextFrame) &&
-         TypedGetObject(frame.get(), ppt::textFrame::kParent, shape) &&
-         AnswersTo(shape.get(), ppt::kShape);
+  return Get(range, ppt::textRange::kParent, frame) && AnswersTo(frame.get(), ppt::kTextFrame) &&
+         Get(frame.get(), ppt::textFrame::kParent, shape) && AnswersTo(shape.get(), ppt::kShape);
 }
 
 ResultCode CollectText(const Collection& from, Wide& outMessage) {
@@ -140,9 +138,9 @@ ResultCode CollectText(const Collection& from, Wide& outMessage) {
   ObjectRef shape;
   std::int32_t start = 0;
   std::int32_t length = 0;
-  if (!TypedGetObject(from.selection.get(), ppt::selection::kTextRange, range) ||
-      !TypedGetWhole(range.get(), ppt::textRange::kStart, start) ||
-      !TypedGetWhole(range.get(), ppt::textRange::kLength, length) || length < 1 ||
+  if (!Get(from.selection.get(), ppt::selection::kTextRange, range) ||
+      !Get(range.get(), ppt::textRange::kStart, start) ||
+      !Get(range.get(), ppt::textRange::kLength, length) || length < 1 ||
       !ShapeOfRange(range.get(), shape)) {
     return FailWith(kSelectFirst, outMessage);
   }
@@ -151,7 +149,7 @@ ResultCode CollectText(const Collection& from, Wide& outMessage) {
     return FailWith(kUnreadable, outMessage);
   }
   TextUnit unit;
-  if (!TypedGetText(range.get(), ppt::textRange::kText, unit.sourceText)) {
+  if (!Get(range.get(), ppt::textRange::kText, unit.sourceText)) {
     return FailWith(kNothingToTranslate, outMessage);
   }
   UnitLocator locator;
@@ -184,17 +182,16 @@ ResultCode CollectWholeSlides(const Collection& from, Wide& outMessage) {
   RunState& run = from.run;
   ObjectRef range;
   std::int32_t count = 0;
-  if (!TypedGetObject(from.selection.get(), ppt::selection::kSlideRange, range) ||
-      !TypedGetWhole(range.get(), ppt::slideRange::kCount, count) || count < 1) {
+  if (!Get(from.selection.get(), ppt::selection::kSlideRange, range) ||
+      !Get(range.get(), ppt::slideRange::kCount, count) || count < 1) {
     return FailWith(kSelectFirst, outMessage);
   }
   TellScan(run, 0, count, u"slides");
   for (std::int32_t position = 1; position <= count; ++position) {
     ObjectRef slide;
     std::int32_t index = 0;
-    if (TypedGetObjectAt(range.get(), ppt::slideRange::kItem, position, slide) &&
-        TypedGetWhole(slide.get(), ppt::slide::kSlideIndex, index) &&
-        WalkSlide(run, slide.get(), index)) {
+    if (GetAt(range.get(), ppt::slideRange::kItem, position, slide) &&
+        Get(slide.get(), ppt::slide::kSlideIndex, index) && WalkSlide(run, slide.get(), index)) {
       TellScan(run, position, count, u"slides");
     }
   }
@@ -242,14 +239,13 @@ ResultCode CollectSelection(RunState& run, Wide& outMessage) {
     return FailWith(u"无法定位当前演示文稿（请重新打开侧栏）", outMessage);
   }
   Collection from{run, {}, {}};
-  if (!TypedGetObject(presentation, ppt::presentation::kSlides, from.slides)) {
+  if (!Get(presentation, ppt::presentation::kSlides, from.slides)) {
     return FailWith(u"无法访问 Slides", outMessage);
   }
   AutomationObject* window = RunWindow(run);
   std::int32_t type = 0;
-  if (window == nullptr ||
-      !TypedGetObject(window, ppt::documentWindow::kSelection, from.selection) ||
-      !TypedGetWhole(from.selection.get(), ppt::selection::kType, type)) {
+  if (window == nullptr || !Get(window, ppt::documentWindow::kSelection, from.selection) ||
+      !Get(from.selection.get(), ppt::selection::kType, type)) {
     return FailWith(kSelectFirst, outMessage);
   }
   LogLine(u"PptCtrl selection type=" + Decimal(type));

@@ -18,8 +18,8 @@ ResultCode FailWith(const char16_t* text, Wide& outMessage, ResultCode code = kF
 void WalkNotes(RunState& run, AutomationObject* slide, std::int32_t index) {
   ObjectRef notes;
   ShapeList shapes;
-  if (!TypedGetObject(slide, ppt::slide::kNotesPage, notes) ||
-      !TypedGetObject(notes.get(), ppt::slideRange::kShapes, shapes.object)) {
+  if (!Get(slide, ppt::slide::kNotesPage, notes) ||
+      !Get(notes.get(), ppt::slideRange::kShapes, shapes.object)) {
     return;
   }
   UnitLocator notesTemplate;
@@ -29,7 +29,7 @@ void WalkNotes(RunState& run, AutomationObject* slide, std::int32_t index) {
 
 void CollectSlide(RunState& run, AutomationObject* slides, std::int32_t index) {
   ObjectRef slide;
-  if (!TypedGetObjectAt(slides, ppt::slides::kItem, index, slide)) return;
+  if (!GetAt(slides, ppt::slides::kItem, index, slide)) return;
   if (!IsBilingualCopy(slide.get())) WalkSlide(run, slide.get(), index);
 }
 
@@ -38,14 +38,14 @@ void CollectSlide(RunState& run, AutomationObject* slides, std::int32_t index) {
 bool CurrentSlideIndex(AutomationObject* window, std::int32_t& index) {
   ObjectRef view;
   ObjectRef slide;
-  return TypedGetObject(window, ppt::documentWindow::kView, view) &&
-         TypedGetObject(view.get(), ppt::view::kSlide, slide) &&
-         TypedGetWhole(slide.get(), ppt::slide::kSlideIndex, index);
+  return Get(window, ppt::documentWindow::kView, view) &&
+         Get(view.get(), ppt::view::kSlide, slide) &&
+         Get(slide.get(), ppt::slide::kSlideIndex, index);
 }
 
 bool WalkSlide(RunState& run, AutomationObject* slide, std::int32_t index) {
   ShapeList shapes;
-  if (!TypedGetObject(slide, ppt::slide::kShapes, shapes.object)) return false;
+  if (!Get(slide, ppt::slide::kShapes, shapes.object)) return false;
   const std::size_t before = run.units.size();
   WalkShapes(run, shapes, index, ShapePath{}, UnitLocator{});
   WalkNotes(run, slide, index);
@@ -64,11 +64,11 @@ ResultCode CollectSlides(RunState& run, bool allSlides, Wide& outMessage) {
   }
   ObjectRef slides;
   ResultCode code = kFail;
-  if (!TypedGetObject(presentation, ppt::presentation::kSlides, slides, &code)) {
+  if (!Get(presentation, ppt::presentation::kSlides, slides, &code)) {
     return FailWith(u"无法访问 Slides", outMessage, Failed(code) ? code : kFail);
   }
   std::int32_t count = 0;
-  if (!TypedGetWhole(slides.get(), ppt::slides::kCount, count)) count = 0;
+  if (!Get(slides.get(), ppt::slides::kCount, count)) count = 0;
   std::int32_t first = 1;
   std::int32_t last = count;
   if (!allSlides) {

@@ -20,7 +20,7 @@ void JumpToCopy(RunState& run, std::int32_t slideNumber) {
   if (UserIsBusy(run.surroundings.input)) return;
   ObjectRef slides;
   std::int32_t copy = 0;
-  if (TypedGetObject(RunPresentation(run), ppt::presentation::kSlides, slides) &&
+  if (Get(RunPresentation(run), ppt::presentation::kSlides, slides) &&
       LocateCopySlide(run, slides.get(), slideNumber, copy)) {
     ShowSlide(run, copy);
   }

@@ -13,10 +13,10 @@ constexpr const char16_t* kCopyTag = u"Quillmarch.BilingualCopyOf";
 
 bool IsBilingualCopy(AutomationObject* slide) {
   ObjectRef tags;
-  if (!TypedGetObject(slide, ppt::slide::kTags, tags)) return false;
+  if (!Get(slide, ppt::slide::kTags, tags)) return false;
   const std::array<Variant, 1> name = {Variant::Text(kCopyTag)};
   Variant value;
-  return Succeeded(TypedGet(tags.get(), ppt::tags::kItem, name, value)) &&
+  return Succeeded(CallMember(tags.get(), ppt::tags::kItem, name, value)) &&
          !VariantToText(value).empty();
 }
 

@@ -19,7 +19,7 @@ AutomationObject* RunPresentation(RunState& run) {
   if (!run.presentation) {
     AutomationObject* window = RunWindow(run);
     if (window == nullptr) return nullptr;
-    if (!TypedGetObject(window, ppt::documentWindow::kPresentation, run.presentation)) {
+    if (!Get(window, ppt::documentWindow::kPresentation, run.presentation)) {
       return nullptr;
     }
   }
@@ -28,10 +28,9 @@ AutomationObject* RunPresentation(RunState& run) {
 
 bool ActiveWindowIsRuns(const RunState& run) {
   ObjectRef active;
-  if (!TypedGetObject(run.app.get(), ppt::application::kActiveWindow, active)) return false;
+  if (!Get(run.app.get(), ppt::application::kActiveWindow, active)) return false;
   std::int32_t hwnd = 0;
-  if (run.windowContext.hwnd != 0 &&
-      TypedGetWhole(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
+  if (run.windowContext.hwnd != 0 && Get(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
       hwnd == run.windowContext.hwnd) {
     return true;
   }
@@ -42,12 +41,12 @@ void ShowSlide(RunState& run, std::int32_t slideNumber) {
   AutomationObject* window = RunWindow(run);
   ObjectRef view;
   if (window == nullptr || !ActiveWindowIsRuns(run) ||
-      !TypedGetObject(window, ppt::documentWindow::kView, view)) {
+      !Get(window, ppt::documentWindow::kView, view)) {
     return;
   }
   const std::array<Variant, 1> index = {Variant::I4(slideNumber)};
   Variant nothing;
-  static_cast<void>(TypedGet(view.get(), ppt::view::kGotoSlide, index, nothing));
+  static_cast<void>(CallMember(view.get(), ppt::view::kGotoSlide, index, nothing));
 }
 
 }  // namespace quillmarch::addin

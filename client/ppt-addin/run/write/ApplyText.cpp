@@ -35,8 +35,8 @@ bool WrittenPart(AutomationObject* paragraph, ObjectRef& part) {
   Wide text;
   // A paragraph whose mark cannot be told is left alone: writing over the mark would join it with
   // the next one.
-  if (!TypedGetWhole(paragraph, ppt::textRange::kLength, length) ||
-      !TypedGetText(paragraph, ppt::textRange::kText, text)) {
+  if (!Get(paragraph, ppt::textRange::kLength, length) ||
+      !Get(paragraph, ppt::textRange::kText, text)) {
     return false;
   }
   const bool holdsMark = !text.empty() && text.back() == u'\r' && length >= 2 &&
@@ -47,7 +47,7 @@ bool WrittenPart(AutomationObject* paragraph, ObjectRef& part) {
     part = ObjectRef(paragraph);
     return true;
   }
-  return TypedGetObjectAt2(paragraph, ppt::textRange::kCharacters, 1, writeLength, part);
+  return GetAt(paragraph, ppt::textRange::kCharacters, 1, writeLength, part);
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ Wide FlattenTranslation(WideView text) {
 
 bool SetRangeText(AutomationObject* range, const Wide& text) {
   if (range == nullptr || text.empty()) return false;
-  return TypedPutText(range, ppt::textRange::kText, text) || Succeeded(AutoPutText(range, text));
+  return Put(range, ppt::textRange::kText, text) || Succeeded(AutoPutText(range, text));
 }
 
 bool ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
@@ -91,8 +91,7 @@ bool ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, const W
   }
   ObjectRef paragraph;
   ObjectRef part;
-  return TypedGetObjectAt2(range.get(), ppt::textRange::kParagraphs, locator.paragraphIndex, 1,
-                           paragraph) &&
+  return GetAt(range.get(), ppt::textRange::kParagraphs, locator.paragraphIndex, 1, paragraph) &&
          WrittenPart(paragraph.get(), part) && WriteKeepingLook(part.get(), flat, targetFont);
 }
 
@@ -104,8 +103,7 @@ bool ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator, co
   if (!FrameRange(shape, range)) return false;
   const bool leaveMark = locator.endsWithCr && locator.charLength > 1;
   const std::int32_t length = leaveMark ? locator.charLength - 1 : locator.charLength;
-  if (!TypedGetObjectAt2(range.get(), ppt::textRange::kCharacters, locator.charStart, length,
-                         characters)) {
+  if (!GetAt(range.get(), ppt::textRange::kCharacters, locator.charStart, length, characters)) {
     return false;
   }
   const Wide flat = FlattenTranslation(text);

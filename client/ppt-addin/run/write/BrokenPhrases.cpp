@@ -60,8 +60,7 @@ bool FindFrame(RunState& run, const UnitLocator& locator, ObjectRef& range) {
   AutomationObject* presentation = RunPresentation(run);
   ObjectRef slides;
   std::int32_t slide = 0;
-  if (presentation == nullptr ||
-      !TypedGetObject(presentation, ppt::presentation::kSlides, slides) ||
+  if (presentation == nullptr || !Get(presentation, ppt::presentation::kSlides, slides) ||
       !LocateCopySlide(run, slides.get(), locator.slideIndex, slide)) {
     return false;
   }
@@ -74,7 +73,7 @@ bool FindFrame(RunState& run, const UnitLocator& locator, ObjectRef& range) {
   if (locator.kind == kKindCell) {
     ObjectRef table;
     ObjectRef cell;
-    if (!TypedGetObject(shape.get(), ppt::shape::kTable, table) ||
+    if (!Get(shape.get(), ppt::shape::kTable, table) ||
         !CellShape(table.get(), locator.row, locator.column, cell)) {
       return false;
     }

@@ -73,7 +73,7 @@ bool IsCellUnit(const UnitLocator& locator) {
 bool EnterCell(const UnitLocator& locator, ObjectRef& shape) {
   ObjectRef table;
   ObjectRef cell;
-  if (!TypedGetObject(shape.get(), ppt::shape::kTable, table) ||
+  if (!Get(shape.get(), ppt::shape::kTable, table) ||
       !CellShape(table.get(), locator.row, locator.column, cell)) {
     return false;
   }
@@ -167,10 +167,10 @@ void WriteEntry(RunState& run, std::size_t entry) {
     return;
   }
   SlideWrite write{run, {}, 0.0F, false, 0, false};
-  if (!TypedGetObject(presentation, ppt::presentation::kSlides, write.slides)) return;
+  if (!Get(presentation, ppt::presentation::kSlides, write.slides)) return;
   ObjectRef pageSetup;
-  if (TypedGetObject(presentation, ppt::presentation::kPageSetup, pageSetup)) {
-    TypedGetSingle(pageSetup.get(), ppt::pageSetup::kSlideWidth, write.slideWidth);
+  if (Get(presentation, ppt::presentation::kPageSetup, pageSetup)) {
+    Get(pageSetup.get(), ppt::pageSetup::kSlideWidth, write.slideWidth);
   }
   const std::int32_t slideNumber = run.SlideNumberAt(static_cast<std::int32_t>(entry));
   write.located = LocateCopySlide(run, write.slides.get(), slideNumber, write.targetSlide);
