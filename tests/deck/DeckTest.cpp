@@ -32,19 +32,19 @@ class DeckFile : public ::testing::Test {
  protected:
   void Open(const DeckSource& source) {
     testdeck::Write(source, path());
-    PackageResult<std::unique_ptr<Deck>> opened = Deck::Open(path(), warnings);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
-    deck = std::move(opened.value);
+    Result<std::unique_ptr<Deck>> opened = Deck::Open(path(), warnings);
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
+    deck = std::move(opened.value());
   }
   std::string Refusal(const DeckSource& source) {
     testdeck::Write(source, path());
-    const PackageResult<std::unique_ptr<Deck>> opened = Deck::Open(path(), warnings);
-    EXPECT_FALSE(opened.ok);
-    return opened.error.sentence;
+    const Result<std::unique_ptr<Deck>> opened = Deck::Open(path(), warnings);
+    EXPECT_FALSE(opened.ok());
+    return opened.error().words;
   }
   std::string Saved(const std::string& part) {
-    const PackageResult<bool> saved = deck->Save(target());
-    EXPECT_TRUE(saved.ok) << saved.error.sentence;
+    const Result<void> saved = deck->Save(target());
+    EXPECT_TRUE(saved.ok()) << saved.error().words;
     return testdeck::ReadPart(target(), part);
   }
   bool Put(std::uint32_t slide, WideView text) {
@@ -121,7 +121,7 @@ TEST_F(DeckFile, WithoutAnEditTheSavedFileIsTheOriginalToTheByte) {
   Open(OneSlide(Box(TextPara("a"))));
   EXPECT_EQ(Text(0), u"a");
   EXPECT_FALSE(deck->Edited());
-  ASSERT_TRUE(deck->Save(target()).ok);
+  ASSERT_TRUE(deck->Save(target()).ok());
   EXPECT_EQ(TempFolder::Bytes(target()), TempFolder::Bytes(path()));
 }
 
