@@ -1,8 +1,9 @@
 #include "service/AnalyticsEvents.h"
 
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include <optional>
+#include <utility>
 
+#include "service/BoundedJson.h"
 #include "service/JsonText.h"
 
 namespace quillmarch::service {
@@ -11,7 +12,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr int kMaxDepth = 8;
+constexpr JsonBounds kBounds{8, 4'096};
 constexpr std::size_t kMaxLoggedChars = 80;  // of one value
 constexpr std::size_t kMaxLoggedProps = 8;
 
@@ -25,67 +26,75 @@ std::string Printable(const std::string& text) {
   return out.empty() ? "-" : out;
 }
 
-// Throws a sentence where the value is no string; `required` also where it is missing or empty.
-std::string ReadText(const Json& object, const char* key, bool required) {
-  const auto found = object.find(key);
-  const bool missing = found == object.end() || found->is_null();
-  if (!missing && !found->is_string()) {
-    throw std::runtime_error(std::string(key) + " must be a string.");
-  }
-  std::string text = missing ? std::string() : found->get<std::string>();
-  if (required && text.empty()) throw std::runtime_error(std::string(key) + " is missing.");
-  return text;
+Error Malformed(std::string words) {
+  return {ErrorCode::kDamaged, std::move(words)};
 }
 
-Json ReadObject(const Json& object, const char* key) {
+// Empty where it is missing; an error where the value is not a string.
+Result<std::string> ReadText(const Json& object, const char* key) {
+  const auto found = object.find(key);
+  if (found == object.end() || found->is_null()) return std::string();
+  if (!found->is_string()) return Malformed(std::string(key) + " must be a string.");
+  return found->get<std::string>();
+}
+
+Result<Json> ReadObject(const Json& object, const char* key) {
   const auto found = object.find(key);
   if (found == object.end() || found->is_null()) return Json::object();
-  if (!found->is_object()) throw std::runtime_error(std::string(key) + " must be an object.");
+  if (!found->is_object()) return Malformed(std::string(key) + " must be an object.");
   return *found;
 }
 
-std::string LineOf(const Json& event) {
-  if (!event.is_object()) throw std::runtime_error("events must hold objects only.");
-  std::string line = "event " + Printable(ReadText(event, "event", true));
-  const auto add = [&line](const std::string& name, const std::string& value) {
-    if (!value.empty()) line += " " + name + "=" + Printable(value);
+Result<std::string> LineOf(const Json& event) {
+  if (!event.is_object()) return Malformed("events must hold only objects.");
+  std::optional<Error> error;
+  const auto read = [&](const Json& object, const char* key) {
+    Result<std::string> text = ReadText(object, key);
+    if (text) return std::move(text).value();
+    if (!error) error = text.error();
+    return std::string();
   };
-  add("outcome", ReadText(event, "outcome", false));
-  add("errorCode", ReadText(event, "errorCode", false));
-  const Json context = ReadObject(event, "context");
+  const std::string name = read(event, "event");
+  if (!error && name.empty()) return Malformed("event is missing.");
+  std::string line = "event " + Printable(name);
+  const auto add = [&line](const std::string& key, const std::string& value) {
+    if (!value.empty()) line += " " + key + "=" + Printable(value);
+  };
+  add("outcome", read(event, "outcome"));
+  add("errorCode", read(event, "errorCode"));
+  const Result<Json> context = ReadObject(event, "context");
+  if (!context) return context.error();
   for (const char* key : {"clientVersion", "hostApp", "hostVersion", "os"}) {
-    add(key, ReadText(context, key, false));
+    add(key, read(*context, key));
   }
-  const Json props = ReadObject(event, "props");
+  const Result<Json> props = ReadObject(event, "props");
+  if (!props) return props.error();
   std::size_t logged = 0;
-  for (const auto& [name, value] : props.items()) {
-    if (!value.is_string()) throw std::runtime_error("props must hold strings only.");
-    if (logged++ < kMaxLoggedProps) add(Printable(name), value.get<std::string>());
+  for (const auto& [key, value] : props->items()) {
+    if (!value.is_string()) return Malformed("props must hold only strings.");
+    if (logged++ < kMaxLoggedProps) add(Printable(key), value.get<std::string>());
   }
+  if (error) return *error;
   return line;
 }
 
-std::vector<std::string> ReadEvents(const std::string& body) {
-  const auto shallow = [](int depth, Json::parse_event_t, Json&) {
-    if (depth > kMaxDepth) throw std::runtime_error("The body is nested too deeply.");
-    return true;
-  };
-  Json json;
-  try {
-    json = Json::parse(body, shallow);
-  } catch (const Json::exception&) {
-    throw std::runtime_error("The body is no valid JSON.");
-  }
-  const auto events = json.is_object() ? json.find("events") : json.end();
-  if (!json.is_object() || events == json.end() || !events->is_array() || events->empty()) {
-    throw std::runtime_error("events must be an array with an event.");
+Result<std::vector<std::string>> ReadEvents(const std::string& body) {
+  const Result<Json> json = ParseJson(body, kBounds);
+  if (!json) return Malformed("The body cannot be read: " + json.error().words + ".");
+  const auto events = json->is_object() ? json->find("events") : json->end();
+  if (!json->is_object() || events == json->end() || !events->is_array() || events->empty()) {
+    return Malformed("events must be an array with an event.");
   }
   if (events->size() > kMaxEventsOfARequest) {
-    throw std::runtime_error("A request may hold " + std::to_string(kMaxEventsOfARequest) +
-                             " events at most.");
+    return Malformed("A request may hold at most " + std::to_string(kMaxEventsOfARequest) +
+                     " events.");
   }
   std::vector<std::string> lines;
-  for (const Json& event : *events) lines.push_back(LineOf(event));
+  for (const Json& event : *events) {
+    Result<std::string> line = LineOf(event);
+    if (!line) return std::move(line).error();
+    lines.push_back(std::move(line).value());
+  }
   return lines;
 }
 
@@ -93,13 +102,13 @@ std::vector<std::string> ReadEvents(const std::string& body) {
 
 EventsAnswer AnswerEvents(const std::string& body) {
   EventsAnswer answer;
-  try {
-    answer.lines = ReadEvents(body);
-  } catch (const std::runtime_error& e) {
+  Result<std::vector<std::string>> lines = ReadEvents(body);
+  if (!lines) {
     answer.status = 400;
-    answer.body = ErrorJson("bad_request", e.what());
+    answer.body = ErrorJson("bad_request", lines.error().words);
     return answer;
   }
+  answer.lines = std::move(lines).value();
   answer.body = "{\"accepted\":" + std::to_string(answer.lines.size()) + "}";
   return answer;
 }

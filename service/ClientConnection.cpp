@@ -31,24 +31,19 @@ constexpr std::size_t kOutputLimit = 1024 * 1024;
 
 }  // namespace
 
-TlsContext LoadTls(const std::string& certificateFile, const std::string& keyFile,
-                   std::string& error) {
+Result<TlsContext> LoadTls(const std::string& certificateFile, const std::string& keyFile) {
   const TlsContext context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
-  if (!context) {
-    error = "TLS can't be set up.";
-    return nullptr;
-  }
+  if (!context) return Error{ErrorCode::kFailed, "TLS cannot be set up."};
   SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION);
   SSL_CTX_set_mode(context.get(), SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
   ERR_clear_error();
   if (SSL_CTX_use_certificate_chain_file(context.get(), certificateFile.c_str()) != 1) {
-    error = "The certificate file " + certificateFile + " can't be used.";
-    return nullptr;
+    return Error{ErrorCode::kDamaged, "Cannot use the certificate file " + certificateFile + "."};
   }
   if (SSL_CTX_use_PrivateKey_file(context.get(), keyFile.c_str(), SSL_FILETYPE_PEM) != 1 ||
       SSL_CTX_check_private_key(context.get()) != 1) {
-    error = "The key file " + keyFile + " can't be used with the certificate.";
-    return nullptr;
+    return Error{ErrorCode::kDamaged,
+                 "Cannot use the key file " + keyFile + " with the certificate."};
   }
   return context;
 }

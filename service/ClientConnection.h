@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 
+#include "foundation/text/Result.h"
+
 struct ssl_ctx_st;
 struct ssl_st;
 
@@ -16,9 +18,8 @@ namespace quillmarch::service {
 
 // A server's TLS settings.
 using TlsContext = std::shared_ptr<ssl_ctx_st>;
-// Null and a sentence in `error` when the PEM files can't be used or don't belong together.
-TlsContext LoadTls(const std::string& certificateFile, const std::string& keyFile,
-                   std::string& error);
+// Fails when the PEM files can't be used or don't belong together.
+Result<TlsContext> LoadTls(const std::string& certificateFile, const std::string& keyFile);
 
 // Used by one thread. Nothing throws; after a failure the connection is only good for Close.
 class ClientConnection {

@@ -158,7 +158,8 @@ class HttpServer : public Service, private httplib::Server {
     if (stopFd_ >= 0) close(stopFd_);
   }
 
-  bool Run(std::string& error);
+  Result<void> Run();
+  ServiceReport TakeReport() override;
   std::uint16_t port() const override { return port_; }
   void Stop() override;
 
@@ -169,6 +170,7 @@ class HttpServer : public Service, private httplib::Server {
                  const httplib::ContentReader& read);
   void TakeEvents(const httplib::Request& request, httplib::Response& response,
                   const httplib::ContentReader& read);
+  void Report(TranslateAnswer& answer);
   void Log(const RequestRecord& record, Clock::duration took);
   bool process_and_close_socket(socket_t socket) override;
   bool AnswerConnection(int socket);
@@ -183,23 +185,25 @@ class HttpServer : public Service, private httplib::Server {
   std::atomic<bool> stopping_{false};
   std::mutex stopMutex_;
   std::mutex logMutex_;
+  std::mutex reportMutex_;
+  ServiceReport report_;
   std::thread listen_;
 };
 
-bool HttpServer::Run(std::string& error) {
+Result<void> HttpServer::Run() {
   if (stopFd_ < 0) {
-    error = "The service can't start: no more files may be opened.";
-    return false;
+    return Error{ErrorCode::kFailed, "Cannot start: no more files may be opened."};
   }
-  if (!options_.tokenFile.empty() && !tokens_.AddFile(options_.tokenFile, error)) return false;
-  for (const std::string& token : options_.tokens) tokens_.Add(token);
+  if (Result<void> loaded = tokens_.Load(options_.tokenFile, options_.tokens); !loaded) {
+    return loaded;
+  }
   if (options_.certificateFile.empty() != options_.keyFile.empty()) {
-    error = "TLS needs both a certificate file and a key file.";
-    return false;
+    return Error{ErrorCode::kInvalidArgument, "TLS needs both a certificate file and a key file."};
   }
   if (!options_.certificateFile.empty()) {
-    tls_ = LoadTls(options_.certificateFile, options_.keyFile, error);
-    if (!tls_) return false;
+    Result<TlsContext> tls = LoadTls(options_.certificateFile, options_.keyFile);
+    if (!tls) return std::move(tls).error();
+    tls_ = std::move(tls).value();
   }
   SetRoutes();
   new_task_queue = [threads = options_.threads]() -> httplib::TaskQueue* {
@@ -207,7 +211,7 @@ bool HttpServer::Run(std::string& error) {
     return std::make_unique<httplib::ThreadPool>(threads).release();
   };
   listen_ = std::thread([this] { listen_after_bind(); });
-  return true;
+  return {};
 }
 
 void HttpServer::Stop() {
@@ -278,7 +282,7 @@ httplib::Server::HandlerResponse HttpServer::Route(const httplib::Request& reque
 void HttpServer::Translate(const httplib::Request& request, httplib::Response& response,
                            const httplib::ContentReader& read) {
   currentRequest->bodyUnread = ExpectsBody(request);
-  std::optional<std::size_t> token;
+  TokenHandle token;
   if (!tokens_.Open()) {
     token = tokens_.Find(request.get_header_value("Authorization"));
     if (!token) {
@@ -289,8 +293,9 @@ void HttpServer::Translate(const httplib::Request& request, httplib::Response& r
   }
   std::string body;
   if (!ReadBody(request, response, read, options_.maxBodyBytes, body)) return;
-  TranslateAnswer answer =
-      AnswerTranslate(body, options_.maxTexts, *engine_, tokens_, token, stopping_);
+  TranslateAnswer answer = AnswerTranslate(
+      body, {*engine_, tokens_, token, token ? token->secret : "", options_.maxTexts, stopping_});
+  Report(answer);
   currentRequest->texts = answer.texts;
   currentRequest->chars = answer.chars;
   Answer(response, answer.status, answer.body);
@@ -352,6 +357,22 @@ bool HttpServer::AnswerConnection(int socket) {
   return sent;
 }
 
+void HttpServer::Report(TranslateAnswer& answer) {
+  if (!options_.keepReport) return;
+  const std::lock_guard lock(reportMutex_);
+  for (TranslateAnswer::Left& left : answer.left) {
+    report_.left.push_back({left.cause, std::move(left.language), std::move(left.text)});
+  }
+  if (!answer.failure) return;
+  report_.failure = answer.failure;
+  report_.failureMessage = answer.failureMessage;
+}
+
+ServiceReport HttpServer::TakeReport() {
+  const std::lock_guard lock(reportMutex_);
+  return std::exchange(report_, {});
+}
+
 void HttpServer::Log(const RequestRecord& record, Clock::duration took) {
   if (!options_.requestLog) return;
   const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(took).count();
@@ -365,12 +386,11 @@ void HttpServer::Log(const RequestRecord& record, Clock::duration took) {
 
 }  // namespace
 
-std::unique_ptr<Service> ServeHttp(const ServiceOptions& options, int listeningSocket,
-                                   std::uint16_t port, std::unique_ptr<Engine> engine,
-                                   std::string& error) {
+Result<std::unique_ptr<Service>> ServeHttp(const ServiceOptions& options, int listeningSocket,
+                                           std::uint16_t port, std::unique_ptr<Engine> engine) {
   auto server = std::make_unique<HttpServer>(options, listeningSocket, port, std::move(engine));
-  if (!server->Run(error)) return nullptr;
-  return server;
+  if (Result<void> run = server->Run(); !run) return std::move(run).error();
+  return std::unique_ptr<Service>(std::move(server));
 }
 
 }  // namespace quillmarch::service

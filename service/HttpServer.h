@@ -10,8 +10,7 @@ namespace quillmarch::service {
 
 // Serves on a socket that is listening already, on threads of its own. Ready when it returns.
 // Owns the socket and the engine.
-std::unique_ptr<Service> ServeHttp(const ServiceOptions& options, int listeningSocket,
-                                   std::uint16_t port, std::unique_ptr<Engine> engine,
-                                   std::string& error);
+Result<std::unique_ptr<Service>> ServeHttp(const ServiceOptions& options, int listeningSocket,
+                                           std::uint16_t port, std::unique_ptr<Engine> engine);
 
 }  // namespace quillmarch::service

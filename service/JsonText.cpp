@@ -45,11 +45,15 @@ void AppendJsonStrings(std::string& out, const std::vector<std::string>& texts) 
   out += ']';
 }
 
-std::string ErrorJson(std::string_view code, std::string_view message) {
+std::string ErrorJson(std::string_view code, std::string_view message, std::string_view cause) {
   std::string out = "{\"code\":";
   AppendJsonString(out, code);
   out += ",\"message\":";
   AppendJsonString(out, message);
+  if (!cause.empty()) {
+    out += ",\"cause\":";
+    AppendJsonString(out, cause);
+  }
   out += '}';
   return out;
 }

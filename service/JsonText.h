@@ -14,7 +14,7 @@ void AppendJsonString(std::string& out, std::string_view text);
 
 void AppendJsonStrings(std::string& out, const std::vector<std::string>& texts);
 
-// {"code":...,"message":...}
-std::string ErrorJson(std::string_view code, std::string_view message);
+// {"code":...,"message":...}, and "cause" where there is one.
+std::string ErrorJson(std::string_view code, std::string_view message, std::string_view cause = {});
 
 }  // namespace quillmarch::service

@@ -41,7 +41,7 @@ int Listen(const addrinfo& where) {
 
 }  // namespace
 
-Listener OpenListener(const std::string& address, std::uint16_t port, std::string& error) {
+Result<Listener> OpenListener(const std::string& address, std::uint16_t port) {
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
   hints.ai_flags = AI_PASSIVE | AI_NUMERICSERV;
@@ -50,16 +50,16 @@ Listener OpenListener(const std::string& address, std::uint16_t port, std::strin
   const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, &freeaddrinfo);
   const std::string where = address + ":" + std::to_string(port);
   if (failure != 0) {
-    error = "Can't listen on " + where + ": " + gai_strerror(failure) + ".";
-    return {};
+    return Error{ErrorCode::kInvalidArgument,
+                 "Cannot listen on " + where + ": " + gai_strerror(failure) + "."};
   }
   Listener listener;
   for (const addrinfo* next = found; next != nullptr && listener.socket < 0; next = next->ai_next) {
     listener.socket = Listen(*next);
   }
   if (listener.socket < 0) {
-    error = "Can't listen on " + where + ": " + std::strerror(errno) + ".";
-    return {};
+    const ErrorCode code = errno == EADDRINUSE ? ErrorCode::kExists : ErrorCode::kDenied;
+    return Error{code, "Cannot listen on " + where + ": " + std::strerror(errno) + "."};
   }
   listener.port = BoundPort(listener.socket);
   return listener;

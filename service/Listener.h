@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "foundation/text/Result.h"
+
 namespace quillmarch::service {
 
 struct Listener {
@@ -12,8 +14,8 @@ struct Listener {
   std::uint16_t port = 0;
 };
 
-// Listens on a numeric address or a host name; port 0 takes any free one. socket stays -1 and
-// `error` gets a sentence on failure. Accepted connections send without delay.
-Listener OpenListener(const std::string& address, std::uint16_t port, std::string& error);
+// Listens on a numeric address or a host name; port 0 takes any free one. Accepted connections send
+// without delay.
+Result<Listener> OpenListener(const std::string& address, std::uint16_t port);
 
 }  // namespace quillmarch::service

@@ -7,15 +7,12 @@
 
 namespace quillmarch::service {
 
-std::unique_ptr<Service> Service::Start(const ServiceOptions& options,
-                                        std::unique_ptr<Engine> engine, std::string& error) {
-  if (!engine) {
-    error = "The service needs an engine.";
-    return nullptr;
-  }
-  const Listener listener = OpenListener(options.address, options.port, error);
-  if (listener.socket < 0) return nullptr;
-  return ServeHttp(options, listener.socket, listener.port, std::move(engine), error);
+Result<std::unique_ptr<Service>> Service::Start(const ServiceOptions& options,
+                                                std::unique_ptr<Engine> engine) {
+  if (!engine) return Error{ErrorCode::kInvalidArgument, "The service needs an engine."};
+  Result<Listener> listener = OpenListener(options.address, options.port);
+  if (!listener) return std::move(listener).error();
+  return ServeHttp(options, listener->socket, listener->port, std::move(engine));
 }
 
 }  // namespace quillmarch::service

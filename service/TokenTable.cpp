@@ -1,14 +1,22 @@
 #include "service/TokenTable.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace quillmarch::service {
 
 namespace {
 
 constexpr std::string_view kScheme = "bearer ";
+constexpr std::string_view kNameKey = "name=";
+constexpr std::size_t kLongestName = 40;
 
 bool IsBearer(std::string_view authorization) {
   if (authorization.size() <= kScheme.size()) return false;
@@ -19,8 +27,8 @@ bool IsBearer(std::string_view authorization) {
   return true;
 }
 
-// Takes the same time wherever the first difference stands, so that a token can't be guessed
-// letter by letter.
+// Takes the same time wherever the first difference is, so that a token can't be guessed letter by
+// letter.
 bool SameToken(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   unsigned difference = 0;
@@ -30,73 +38,126 @@ bool SameToken(std::string_view a, std::string_view b) {
   return difference == 0;
 }
 
-}  // namespace
+bool IsName(std::string_view text) {
+  return !text.empty() && text.size() <= kLongestName &&
+         std::all_of(text.begin(), text.end(),
+                     [](char c) { return c > ' ' && c < '\x7f' && c != '='; });
+}
 
-bool TokenTable::AddFile(const std::string& path, std::string& error) {
-  std::ifstream file(path);
-  if (!file) {
-    error = "The token file " + path + " can't be read.";
-    return false;
+// False when the line is malformed.
+bool ReadLine(const std::string& line, Token& token) {
+  std::istringstream words(line);
+  words >> token.secret;
+  if (token.secret.empty() || token.secret[0] == '#') {
+    token.secret.clear();
+    return true;
   }
-  bool any = false;
+  std::string word;
+  words >> word;
+  if (!word.empty() && !std::string_view(word).starts_with(kNameKey)) {
+    const char* end = word.data() + word.size();
+    const auto read = std::from_chars(word.data(), end, token.credits);
+    if (read.ec != std::errc() || read.ptr != end) return false;
+    token.limited = true;
+    word.clear();
+    words >> word;
+  }
+  if (word.empty()) return true;
+  if (!std::string_view(word).starts_with(kNameKey)) return false;
+  token.name = word.substr(kNameKey.size());
+  return IsName(token.name) && !(words >> word);
+}
+
+Result<std::vector<TokenHandle>> ReadFile(const std::string& path) {
+  const std::string file = "The token file " + path;
+  std::ifstream in(path);
+  struct stat status {};
+  if (!in || stat(path.c_str(), &status) != 0) {
+    return Error{ErrorCode::kInputOutput,
+                 "Cannot read the token file " + path + ": " + std::strerror(errno) + "."};
+  }
+  if ((status.st_mode & (S_IROTH | S_IWOTH)) != 0) {
+    return Error{ErrorCode::kDenied,
+                 file + " is open to every user of this machine; run chmod o-rw " + path + "."};
+  }
+  std::vector<TokenHandle> tokens;
   int number = 0;
-  for (std::string line; std::getline(file, line);) {
-    ++number;
-    std::istringstream words(line);
-    Entry entry;
-    std::string credits;
-    std::string more;
-    words >> entry.token >> credits >> more;
-    if (entry.token.empty() || entry.token[0] == '#') continue;
-    if (!credits.empty()) {
-      const char* end = credits.data() + credits.size();
-      const auto read = std::from_chars(credits.data(), end, entry.left);
-      if (read.ec != std::errc() || read.ptr != end || !more.empty()) {
-        error = "Line " + std::to_string(number) + " of the token file " + path +
-                " is neither a token nor a token with its credits.";
-        return false;
-      }
-      entry.limited = true;
+  for (std::string line; std::getline(in, line);) {
+    const std::string place = std::to_string(++number);
+    auto token = std::make_shared<Token>();
+    if (!ReadLine(line, *token)) {
+      return Error{ErrorCode::kDamaged, "Line " + place + " of the token file " + path +
+                                            " is neither a token nor a token with its credits."};
     }
-    entries_.push_back(std::move(entry));
-    any = true;
+    if (token->secret.empty()) continue;
+    if (token->name.empty()) token->name = "line-" + place;
+    tokens.push_back(std::move(token));
   }
   // A file that opens but can't be read to its end, such as a folder.
-  if (file.bad() || !any) {
-    error = "The token file " + path + " holds no token.";
-    return false;
+  if (in.bad() || tokens.empty()) return Error{ErrorCode::kDamaged, file + " holds no token."};
+  return tokens;
+}
+
+}  // namespace
+
+Result<void> TokenTable::Load(const std::string& path, const std::vector<std::string>& more) {
+  std::vector<TokenHandle> tokens;
+  if (!path.empty()) {
+    Result<std::vector<TokenHandle>> read = ReadFile(path);
+    if (!read) return std::move(read).error();
+    tokens = std::move(read).value();
   }
-  return true;
+  for (std::size_t i = 0; i < more.size(); ++i) {
+    auto token = std::make_shared<Token>();
+    token->secret = more[i];
+    token->name = "given-" + std::to_string(i + 1);
+    tokens.push_back(std::move(token));
+  }
+  const std::lock_guard lock(mutex_);
+  for (TokenHandle& token : tokens) {
+    for (const TokenHandle& before : tokens_) {
+      if (before->secret != token->secret) continue;
+      // A request under way may still take from the handle it has, so the handle itself stays.
+      before->name = token->name;
+      before->limited = token->limited;
+      before->credits = token->credits;
+      token = before;
+      break;
+    }
+  }
+  tokens_ = std::move(tokens);
+  return {};
 }
 
-void TokenTable::Add(std::string_view token) {
-  Entry entry;
-  entry.token = token;
-  entries_.push_back(std::move(entry));
+bool TokenTable::Open() const {
+  const std::lock_guard lock(mutex_);
+  return tokens_.empty();
 }
 
-std::optional<std::size_t> TokenTable::Find(std::string_view authorization) const {
-  if (!IsBearer(authorization)) return std::nullopt;
-  const std::string_view token = authorization.substr(kScheme.size());
-  std::optional<std::size_t> found;
-  for (std::size_t i = 0; i < entries_.size(); ++i) {
-    if (SameToken(entries_[i].token, token) && !found) found = i;
+TokenHandle TokenTable::Find(std::string_view authorization) const {
+  if (!IsBearer(authorization)) return nullptr;
+  const std::string_view secret = authorization.substr(kScheme.size());
+  const std::lock_guard lock(mutex_);
+  TokenHandle found;
+  for (const TokenHandle& token : tokens_) {
+    if (SameToken(token->secret, secret) && !found) found = token;
   }
   return found;
 }
 
-bool TokenTable::Take(std::size_t token, std::uint64_t credits) {
+bool TokenTable::Take(Token& token, std::uint64_t credits) {
   const std::lock_guard lock(mutex_);
-  Entry& entry = entries_[token];
-  if (!entry.limited) return true;
-  if (entry.left < credits) return false;
-  entry.left -= credits;
+  if (token.limited) {
+    const std::uint64_t left = token.credits > token.used ? token.credits - token.used : 0;
+    if (left < credits) return false;
+  }
+  token.used += credits;
   return true;
 }
 
-void TokenTable::GiveBack(std::size_t token, std::uint64_t credits) {
+void TokenTable::GiveBack(Token& token, std::uint64_t credits) {
   const std::lock_guard lock(mutex_);
-  if (entries_[token].limited) entries_[token].left += credits;
+  token.used -= std::min(token.used, credits);
 }
 
 }  // namespace quillmarch::service

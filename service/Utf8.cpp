@@ -88,6 +88,10 @@ TrimmedText TrimmedForwards(std::string_view text, std::size_t begin) {
 
 }  // namespace
 
+bool IsLineBreak(char32_t c) {
+  return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
+
 bool IsBlank(char32_t c) {
   return c == 0x20 || (c >= 0x09 && c <= 0x0D) || c == 0x85 || c == 0xA0 ||
          (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x3000;

@@ -60,6 +60,7 @@ bool IsLoopback(const std::string& address) {
 }  // namespace quillmarch::service
 
 int main(int argc, char** argv) {
+  using namespace quillmarch;
   using namespace quillmarch::service;
   ServiceOptions service;
   EngineOptions engine;
@@ -118,12 +119,12 @@ int main(int argc, char** argv) {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   RaiseFileLimit();
 
-  std::string error;
-  std::unique_ptr<Engine> made = MakeEngine(engine, error);
-  if (!made) return fail(error);
-  const std::string name = made->name();
-  const std::unique_ptr<Service> running = Service::Start(service, std::move(made), error);
-  if (!running) return fail(error);
+  Result<std::unique_ptr<Engine>> made = MakeEngine(engine);
+  if (!made) return fail(made.error().words);
+  const std::string name = (*made)->name();
+  const Result<std::unique_ptr<Service>> started = Service::Start(service, std::move(made).value());
+  if (!started) return fail(started.error().words);
+  Service* const running = started->get();
 
   const bool tls = !service.certificateFile.empty();
   if (!IsLoopback(service.address) && (!tls || service.tokenFile.empty())) {

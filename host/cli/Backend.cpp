@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 
+#include "foundation/identity/ClientIdentity.h"
 #include "foundation/transport/Endpoint.h"
 #include "foundation/transport/HttpTransport.h"
 
@@ -29,6 +30,7 @@ std::string RandomToken() {
 
 std::unique_ptr<Backend> Backend::Make(const TranslateOptions& options, std::string& error) {
   auto backend = std::make_unique<Backend>();
+  ReplaceClientVersion(ToWide(QUILLMARCH_VERSION));
   if (!options.ownService) {
     ReplaceDefaultEndpoint(options.service);
     if (!options.authorityFile.empty()) TrustAuthorityFile(options.authorityFile);
@@ -36,11 +38,17 @@ std::unique_ptr<Backend> Backend::Make(const TranslateOptions& options, std::str
     return backend;
   }
 
-  if (!service::EngineServesPair(options.engine, options.sourceLang, options.targetLang, error)) {
+  const Result<void> served =
+      service::EngineServesPair(options.engine, options.sourceLang, options.targetLang);
+  if (!served) {
+    error = served.error().words;
     return nullptr;
   }
-  std::unique_ptr<service::Engine> engine = service::MakeEngine(options.engine, error);
-  if (engine == nullptr) return nullptr;
+  Result<std::unique_ptr<service::Engine>> engine = service::MakeEngine(options.engine);
+  if (!engine) {
+    error = engine.error().words;
+    return nullptr;
+  }
   const std::string token = RandomToken();
   if (token.empty()) {
     error = "the system gives no random numbers";
@@ -49,8 +57,13 @@ std::unique_ptr<Backend> Backend::Make(const TranslateOptions& options, std::str
   service::ServiceOptions serviceOptions;
   serviceOptions.tokens = {token};
   serviceOptions.threads = 0;
-  backend->service_ = service::Service::Start(serviceOptions, std::move(engine), error);
-  if (backend->service_ == nullptr) return nullptr;
+  Result<std::unique_ptr<service::Service>> started =
+      service::Service::Start(serviceOptions, std::move(engine).value());
+  if (!started) {
+    error = started.error().words;
+    return nullptr;
+  }
+  backend->service_ = std::move(started).value();
   backend->accessToken_ = ToWide(token);
   ReplaceDefaultEndpoint({u"127.0.0.1", backend->service_->port(), false});
   return backend;

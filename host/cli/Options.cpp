@@ -195,6 +195,10 @@ void Declare(CLI::App& translate, TranslateOptions& options, RawOptions& raw) {
                 "Print one JSON object a line instead: each deck, its events, its result")
       ->group(telling);
   translate
+      .add_flag("--list-left", options.listLeft,
+                "List each text that came back unchanged or not at all")
+      ->group(telling);
+  translate
       .add_flag("--stats", options.stats,
                 "Print where the time went, calls into the deck, and peak memory")
       ->group(telling);

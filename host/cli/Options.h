@@ -27,6 +27,7 @@ struct TranslateOptions {
   service::EngineOptions engine;
   bool paced = false;
   bool json = false;
+  bool listLeft = false;
   bool stats = false;
   bool quiet = false;
 };

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "foundation/text/JsonText.h"
+#include "foundation/text/ResultCode.h"
 #include "host/cli/Sentences.h"
 #include "host/cli/TerminalText.h"
 
@@ -45,23 +46,64 @@ std::string Quoted(const Wide& text) {
   return "\"" + ToUtf8(JsonEscape(text)) + "\"";
 }
 
-std::string FailureJson(const addin::FailedUnit& unit) {
-  std::string json =
-      "{\"slide\":" + std::to_string(unit.slide) + ",\"shape\":" + Quoted(unit.label);
+// "slide 3, "Title 1", row 1, column 2"
+std::string PlaceOf(const addin::FailedUnit& unit) {
+  std::string place = "slide " + std::to_string(unit.slide) + ", ";
+  place += unit.shapeName.empty() ? PlainLine(ToUtf8(unit.label))
+                                  : "\"" + PlainLine(ToUtf8(unit.shapeName)) + "\"";
+  if (unit.row > 0) {
+    place += ", row " + std::to_string(unit.row) + ", column " + std::to_string(unit.column);
+  }
+  return place;
+}
+
+std::string ReasonOf(const addin::FailedUnit& unit) {
+  switch (unit.cause) {
+    case addin::FailCause::kNotFound:
+      return "not written, its shape is gone";
+    case addin::FailCause::kPlaceChanged:
+      return "not written, another text is there now";
+    case addin::FailCause::kUnchanged:
+      return "left as it was";
+    case addin::FailCause::kNotAnswered:
+      return "not translated, no answer came";
+    case addin::FailCause::kRefused: {
+      if (unit.code == kOk) return "not written, the host refused it";
+      char code[16];
+      std::snprintf(code, sizeof code, "0x%08X", static_cast<unsigned>(unit.code));
+      return std::string("not written, the host refused it (") + code + ")";
+    }
+    case addin::FailCause::kNotReached:
+      break;
+  }
+  return "not written";
+}
+
+std::string LineOf(const addin::FailedUnit& unit) {
+  return PlaceOf(unit) + ": " + ReasonOf(unit) + ": \"" +
+         Shorten(PlainLine(ToUtf8(unit.sourceText)), kSourceColumns) + "\"";
+}
+
+std::string UnitJson(const addin::FailedUnit& unit) {
+  std::string json = "{\"slide\":" + std::to_string(unit.slide) +
+                     ",\"shape\":" + Quoted(unit.shapeName) + ",\"place\":" + Quoted(unit.label);
   if (unit.row > 0) {
     json += ",\"row\":" + std::to_string(unit.row) + ",\"column\":" + std::to_string(unit.column);
   }
-  return json + ",\"text\":" + Quoted(unit.sourceText) + ",\"reason\":\"not written\"}";
+  return json + ",\"text\":" + Quoted(unit.sourceText) +
+         ",\"reason\":" + Quoted(std::string_view(ReasonOf(unit))) + "}";
+}
+
+std::string UnitsJson(const std::vector<addin::FailedUnit>& units) {
+  std::string json = "[";
+  for (const addin::FailedUnit& unit : units) json += (json.size() > 1 ? "," : "") + UnitJson(unit);
+  return json + "]";
 }
 
 }  // namespace
 
-std::int32_t TranslatedTexts(const addin::RunRecord& record) {
-  return record.units - record.unchanged - static_cast<std::int32_t>(record.failed.size());
-}
-
 bool ReachedTheDeck(const addin::RunRecord& record) {
-  return record.failed.empty() && record.slidesNotReached.empty();
+  return record.failed.empty() && record.slidesNotReached.empty() && record.notAnswered == 0;
 }
 
 std::string OutcomeLine(const DeckJob& job, const addin::RunRecord& record, double seconds) {
@@ -71,15 +113,18 @@ std::string OutcomeLine(const DeckJob& job, const addin::RunRecord& record, doub
     return deck + ": there is no text to translate" +
            (same ? "" : "; copied unchanged to " + ShownOutput(job.output));
   }
-  std::string line = deck + ": " + Counted(TranslatedTexts(record), "text") + " translated";
+  std::string causes;
   if (record.unchanged > 0) {
-    line += ", " + std::to_string(record.unchanged) +
-            (record.unchanged == 1 ? " left as it was" : " left as they were");
+    causes += ", " + std::to_string(record.unchanged) +
+              (record.unchanged == 1 ? " left as it was" : " left as they were");
   }
-  if (!record.failed.empty()) line += ", " + std::to_string(record.failed.size()) + " not written";
-  line += std::string(record.unchanged > 0 || !record.failed.empty() ? "," : "") + " in " +
-          Fixed(seconds, 1) + " s";
-  return line + (same ? "; saved in place" : "; saved as " + ShownOutput(job.output));
+  if (record.notAnswered > 0) causes += ", " + std::to_string(record.notAnswered) + " not answered";
+  if (!record.failed.empty())
+    causes += ", " + std::to_string(record.failed.size()) + " not written";
+  if (!causes.empty()) causes += ",";
+  return deck + ": " + Counted(record.changed, "text") + " translated" + causes + " in " +
+         Fixed(seconds, 1) + " s" +
+         (same ? "; saved in place" : "; saved as " + ShownOutput(job.output));
 }
 
 std::vector<std::string> LostTextLines(const addin::RunRecord& record) {
@@ -87,17 +132,18 @@ std::vector<std::string> LostTextLines(const addin::RunRecord& record) {
   std::set<std::int32_t> named;
   for (const addin::FailedUnit& unit : record.failed) {
     named.insert(unit.slide);
-    std::string line = "slide " + std::to_string(unit.slide) + ", " + PlainLine(ToUtf8(unit.label));
-    if (unit.row > 0) {
-      line += ", row " + std::to_string(unit.row) + ", column " + std::to_string(unit.column);
-    }
-    lines.push_back(line + ": not written: \"" +
-                    Shorten(PlainLine(ToUtf8(unit.sourceText)), kSourceColumns) + "\"");
+    lines.push_back(LineOf(unit));
   }
   for (const std::int32_t slide : record.slidesNotReached) {
     if (named.count(slide) > 0) continue;
     lines.push_back("slide " + std::to_string(slide) + ": not written");
   }
+  return lines;
+}
+
+std::vector<std::string> LeftTextLines(const addin::RunRecord& record) {
+  std::vector<std::string> lines;
+  for (const addin::FailedUnit& unit : record.left) lines.push_back(LineOf(unit));
   return lines;
 }
 
@@ -129,12 +175,12 @@ std::string ResultJson(const DeckJob& job, const DeckEnd& end) {
                      ",\"seconds\":" + Fixed(end.seconds, 3) +
                      ",\"error\":" + (end.error.empty() ? "null" : Quoted(end.error)) +
                      ",\"texts\":" + std::to_string(record.units) +
-                     ",\"translated\":" + std::to_string(end.saved ? TranslatedTexts(record) : 0) +
-                     ",\"unchanged\":" + std::to_string(record.unchanged) + ",\"failures\":[";
-  for (std::size_t i = 0; i < record.failed.size(); ++i) {
-    json += (i > 0 ? "," : "") + FailureJson(record.failed[i]);
-  }
-  json += "],\"slidesNotWritten\":[";
+                     ",\"translated\":" + std::to_string(end.saved ? record.changed : 0) +
+                     ",\"unchanged\":" + std::to_string(record.unchanged) +
+                     ",\"notAnswered\":" + std::to_string(record.notAnswered) +
+                     ",\"withoutLetters\":" + std::to_string(record.skipped) +
+                     ",\"failures\":" + UnitsJson(record.failed) +
+                     ",\"left\":" + UnitsJson(record.left) + ",\"slidesNotWritten\":[";
   for (std::size_t i = 0; i < record.slidesNotReached.size(); ++i) {
     json += (i > 0 ? "," : "") + std::to_string(record.slidesNotReached[i]);
   }

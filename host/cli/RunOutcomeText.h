@@ -13,15 +13,15 @@ namespace quillmarch::host {
 // Whether all translated text reached the deck.
 bool ReachedTheDeck(const addin::RunRecord& record);
 
-// Texts whose words have changed in the deck.
-std::int32_t TranslatedTexts(const addin::RunRecord& record);
-
 // The line of a completed run: what was translated, what stayed as it was, what was not written,
 // and where the deck is now.
 std::string OutcomeLine(const DeckJob& job, const addin::RunRecord& record, double seconds);
 
 // One line for each text, and each slide, that the writes did not reach.
 std::vector<std::string> LostTextLines(const addin::RunRecord& record);
+
+// One line for each text that the translation left as it was.
+std::vector<std::string> LeftTextLines(const addin::RunRecord& record);
 
 // Calls into the deck for each text, time by phase and the process's peak memory.
 struct DeckTimes {

@@ -24,7 +24,7 @@ struct SelectOption {
 // slides; any other belongs to a name. False with a sentence for what no host could select.
 bool ReadSelect(const std::vector<std::string>& values, SelectOption& select, std::string& error);
 
-// Selects in the host's active window; a sentence when the deck has no such thing.
-std::string SelectIn(Host& host, const SelectOption& select);
+// Selects in the host's active window; an error when the deck has no such thing.
+Result<void> SelectIn(Host& host, const SelectOption& select);
 
 }  // namespace quillmarch::host

@@ -5,6 +5,7 @@
 #include "host/cli/OutputPlan.h"
 #include "host/cli/StandardStreams.h"
 #include "host/cli/TerminalText.h"
+#include "run/document/CollectCodes.h"
 
 namespace quillmarch::host {
 
@@ -40,18 +41,24 @@ constexpr CodeSentence kSentences[] = {
     {u"shutting_down", "the translation service is shutting down"},
 };
 
-// What a run says about a selection.
-constexpr CodeSentence kSelectionSentences[] = {
-    {u"选区里没有可翻译的文字", "the selection holds no text to translate"},
-    {u"选区过大，请缩小选择范围", "the selection is too large; select less"},
-    {u"无法读取选区", "the selection could not be read"},
-    {u"请先选中要翻译的形状或文字", "nothing translatable is selected"},
+struct ResultSentence {
+  ResultCode code;
+  const char* sentence;
 };
 
-template <std::size_t N>
-const char* SentenceOf(const CodeSentence (&sentences)[N], WideView word) {
-  for (const CodeSentence& entry : sentences) {
-    if (entry.code == word) return entry.sentence;
+constexpr ResultSentence kCollectSentences[] = {
+    {addin::kNothingSelected, "nothing translatable is selected"},
+    {addin::kSelectionWithoutText, "the selection holds no text to translate"},
+    {addin::kSelectionUnreadable, "the selection could not be read"},
+    {addin::kSelectionTooLarge, "the selection is too large; select less"},
+};
+
+const char* SentenceOf(WideView code, ResultCode failure) {
+  for (const ResultSentence& entry : kCollectSentences) {
+    if (entry.code == failure) return entry.sentence;
+  }
+  for (const CodeSentence& entry : kSentences) {
+    if (entry.code == code) return entry.sentence;
   }
   return nullptr;
 }
@@ -69,10 +76,8 @@ bool SaysNothingMore(WideView message) {
 
 }  // namespace
 
-std::string FailureSentence(WideView code, WideView message) {
-  const char* found = nullptr;
-  if (code == u"collect_failed") found = SentenceOf(kSelectionSentences, message);
-  if (found == nullptr) found = SentenceOf(kSentences, code);
+std::string FailureSentence(WideView code, WideView message, ResultCode failure) {
+  const char* const found = SentenceOf(code, failure);
   std::string sentence;
   if (found != nullptr) {
     sentence = found;

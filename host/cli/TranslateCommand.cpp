@@ -161,8 +161,8 @@ std::string Command::Open(Host& host, const DeckJob& job) {
     path = *spooled;
   }
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = host.Open(path, warnings);
-  if (!opened.ok) return CannotSentence(action, PlainLine(opened.error.sentence));
+  const Result<void> opened = host.Open(path, warnings);
+  if (!opened) return CannotSentence(action, PlainLine(opened.error().words));
   for (const std::string& warning : warnings) {
     console_.Complain(ShownDeck(job.input) + ": warning: " + PlainLine(warning));
   }
@@ -203,8 +203,8 @@ DeckEnd Command::TranslateDeck(const DeckJob& job) {
                                              "; the deck has " +
                                              Counted(host.SlideCount(), "slide")));
   }
-  refusal = SelectIn(host, options_.select);
-  if (!refusal.empty()) return Refuse(CannotSentence(action, PlainLine(refusal)));
+  const Result<void> selected = SelectIn(host, options_.select);
+  if (!selected) return Refuse(CannotSentence(action, PlainLine(selected.error().words)));
   times_.openMs = MsSince(deckSince_);
   const DrivenRun run = DriveRun(host, job);
   return Finish(host, job, place ? &*place : nullptr, run);
@@ -276,15 +276,15 @@ std::string Command::Save(Host& host, const DeckJob& job, const OutputPlace* pla
   const std::string action = "write " + ShownOutput(job.output);
   const auto held = interrupts_.HoldWhileSaving();
   if (place == nullptr) {
-    const PackageResult<std::string> bytes = host.SaveBytes();
-    if (!bytes.ok) return CannotSentence(action, PlainLine(bytes.error.sentence));
-    if (WriteStandardOutput(bytes.value)) return {};
+    const Result<std::string> bytes = host.SaveBytes();
+    if (!bytes) return CannotSentence(action, PlainLine(bytes.error().words));
+    if (WriteStandardOutput(*bytes)) return {};
     return CannotSentence(action, std::strerror(errno));
   }
   if (!host.Edited() && job.input == job.output) return {};
   if (!place->Unchanged()) return CannotSentence(action, "another program changed it meanwhile");
-  const PackageResult<bool> saved = host.Save(job.output);
-  if (!saved.ok) return CannotSentence(action, PlainLine(saved.error.sentence));
+  const Result<void> saved = host.Save(job.output);
+  if (!saved) return CannotSentence(action, PlainLine(saved.error().words));
   RememberOutput(job.output);
   return {};
 }
@@ -295,10 +295,11 @@ DeckEnd Command::Finish(Host& host, const DeckJob& job, const OutputPlace* place
   DeckEnd end;
   end.record = run.record;
   if (run.record.outcome == addin::RunOutcome::kFailed) {
-    end = Refuse(
-        CannotSentence("translate " + deck,
-                       FailureSentence(run.errorCode, run.errorMessage) + "; nothing was saved"),
-        kExitRunFailed);
+    end =
+        Refuse(CannotSentence("translate " + deck,
+                              FailureSentence(run.errorCode, run.errorMessage, run.record.failure) +
+                                  "; nothing was saved"),
+               kExitRunFailed);
     end.record = run.record;
     return end;
   }
@@ -315,6 +316,10 @@ DeckEnd Command::Finish(Host& host, const DeckJob& job, const OutputPlace* place
   end.exitCode = ReachedTheDeck(run.record) ? kExitOk : kExitIncomplete;
   console_.Tell(OutcomeLine(job, run.record, MsSince(deckSince_) / 1000.0));
   for (const std::string& line : LostTextLines(run.record)) console_.Complain(deck + ": " + line);
+  if (options_.listLeft) {
+    for (const std::string& line : LeftTextLines(run.record))
+      console_.TellAlways(deck + ": " + line);
+  }
   if (options_.stats) {
     for (const std::string& line : StatsLines(run, times_)) {
       console_.TellAlways(deck + ": " + line);

@@ -19,45 +19,36 @@ Host::Host(const Personality& personality) : state_(std::make_unique<State>()) {
 
 Host::~Host() = default;
 
-PackageResult<bool> Host::Open(const std::string& path, std::vector<std::string>& warnings) {
-  PackageResult<bool> result;
-  PackageResult<std::unique_ptr<deck::Deck>> opened = deck::Deck::Open(path, warnings);
-  if (!opened.ok) {
-    result.error = std::move(opened.error);
-    return result;
-  }
+Result<void> Host::Open(const std::string& path, std::vector<std::string>& warnings) {
+  Result<std::unique_ptr<deck::Deck>> opened = deck::Deck::Open(path, warnings);
+  if (!opened) return std::move(opened).error();
   model::Session& session = *state_->session;
   auto open = std::make_unique<model::OpenDeck>();
   open->path = path;
-  open->deck = std::move(opened.value);
+  open->deck = *std::move(opened);
   open->window = kFirstWindow + static_cast<std::int32_t>(session.decks.size());
   open->deck->SetFit([&session, deck = open->deck.get()](const deck::ShapeAddress& address) {
     session.measure.Fit(*deck, address);
   });
   session.active = session.decks.size();
   session.decks.push_back(std::move(open));
-  result.value = result.ok = true;
-  return result;
+  return {};
 }
 
 void Host::ExpectMeasuring() {
   state_->session->measure.Prepare();
 }
 
-PackageResult<bool> Host::Save(const std::string& path) {
+Result<void> Host::Save(const std::string& path) {
   const model::OpenDeck* const open = state_->session->Active();
   if (open != nullptr) return open->deck->Save(path);
-  PackageResult<bool> result;
-  result.error.sentence = "No presentation is open.";
-  return result;
+  return Error{ErrorCode::kNotFound, "No presentation is open."};
 }
 
-PackageResult<std::string> Host::SaveBytes() {
+Result<std::string> Host::SaveBytes() {
   const model::OpenDeck* const open = state_->session->Active();
   if (open != nullptr) return open->deck->SaveBytes();
-  PackageResult<std::string> result;
-  result.error.sentence = "No presentation is open.";
-  return result;
+  return Error{ErrorCode::kNotFound, "No presentation is open."};
 }
 
 std::string Host::ContentType() const {
@@ -70,10 +61,9 @@ void Host::PutContentType(const std::string& type) {
   const model::OpenDeck* const open = state_->session->Active();
   if (open == nullptr || ContentType() == type) return;
   Package& package = open->deck->package();
-  const PackageResult<std::string> types = package.ReadXmlPart(kContentTypesPart);
-  if (!types.ok) return;
-  package.PutPart(kContentTypesPart,
-                  WithContentType(types.value, open->deck->PresentationPart(), type));
+  const Result<std::string> types = package.ReadXmlPart(kContentTypesPart);
+  if (!types) return;
+  package.PutPart(kContentTypesPart, WithContentType(*types, open->deck->PresentationPart(), type));
 }
 
 bool Host::Edited() const {

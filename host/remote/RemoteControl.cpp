@@ -117,9 +117,9 @@ Variant RemoteControl::Open(const Args& args) {
   }
   auto host = std::make_unique<Host>(*personality);
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = host->Open(ToUtf8(TextAt(args, 0)), warnings);
-  if (!opened.ok) {
-    error_ = ToWide(opened.error.sentence);
+  const Result<void> opened = host->Open(ToUtf8(TextAt(args, 0)), warnings);
+  if (!opened.ok()) {
+    error_ = ToWide(opened.error().words);
     return Variant::Object({});
   }
   host_ = std::move(host);
@@ -129,16 +129,16 @@ Variant RemoteControl::Open(const Args& args) {
 Variant RemoteControl::OpenToo(const Args& args) {
   if (host_ == nullptr) return Variant::Bool(false);
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = host_->Open(ToUtf8(TextAt(args, 0)), warnings);
-  if (!opened.ok) error_ = ToWide(opened.error.sentence);
-  return Variant::Bool(opened.ok);
+  const Result<void> opened = host_->Open(ToUtf8(TextAt(args, 0)), warnings);
+  if (!opened.ok()) error_ = ToWide(opened.error().words);
+  return Variant::Bool(opened.ok());
 }
 
 Variant RemoteControl::Save(const Args& args) {
   if (host_ == nullptr) return Variant::Bool(false);
-  const PackageResult<bool> saved = host_->Save(ToUtf8(TextAt(args, 0)));
-  if (!saved.ok) error_ = ToWide(saved.error.sentence);
-  return Variant::Bool(saved.ok);
+  const Result<void> saved = host_->Save(ToUtf8(TextAt(args, 0)));
+  if (!saved.ok()) error_ = ToWide(saved.error().words);
+  return Variant::Bool(saved.ok());
 }
 
 Variant RemoteControl::Close(const Args&) {
@@ -152,8 +152,10 @@ Variant RemoteControl::ShowSlide(const Args& args) {
 
 Variant RemoteControl::SelectShape(const Args& args) {
   if (host_ == nullptr) return Variant::Bool(false);
-  error_ = ToWide(host_->SelectShapes(WholeAt(args, 0), {ShapeKey{{}, {WholeAt(args, 1)}}}));
-  return Variant::Bool(error_.empty());
+  const Result<void> selected =
+      host_->SelectShapes(WholeAt(args, 0), {ShapeKey{{}, {WholeAt(args, 1)}}});
+  if (!selected) error_ = ToWide(selected.error().words);
+  return Variant::Bool(selected.ok());
 }
 
 Variant RemoteControl::FailCall(const Args& args) {

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "host/package/xml/Utf8.h"
+#include "foundation/text/Utf8.h"
 
 namespace quillmarch::host::workbook {
 

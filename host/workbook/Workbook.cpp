@@ -22,19 +22,8 @@ constexpr XmlNamespace kX = XmlNamespace::kSpreadsheet;
 constexpr std::size_t kMostXmlNodes = 8000000;  // no tree is made of them
 using Event = XmlReader::Event;
 
-template <typename T>
-PackageResult<T> Refused(std::string sentence) {
-  PackageResult<T> result;
-  result.error.sentence = std::move(sentence);
-  return result;
-}
-
-template <typename T>
-PackageResult<T> Done(T value) {
-  PackageResult<T> result;
-  result.value = std::move(value);
-  result.ok = true;
-  return result;
+Error Refused(std::string sentence) {
+  return {ErrorCode::kUnsupported, std::move(sentence)};
 }
 
 // Why bytes that may be no zip archive are no workbook; empty when nothing speaks against it.
@@ -80,12 +69,12 @@ const Relationship* OfKind(const std::vector<Relationship>& all, RelationshipKin
 
 }  // namespace
 
-PackageResult<std::unique_ptr<Workbook>> Workbook::Open(std::string_view bytes,
-                                                        const WorkbookLimits& limits) {
+Result<std::unique_ptr<Workbook>> Workbook::Open(std::string_view bytes,
+                                                 const WorkbookLimits& limits) {
   std::unique_ptr<Workbook> workbook(new Workbook(limits));
   std::string fault = workbook->Load(bytes);
-  if (!fault.empty()) return Refused<std::unique_ptr<Workbook>>(std::move(fault));
-  return Done(std::move(workbook));
+  if (!fault.empty()) return Refused(std::move(fault));
+  return workbook;
 }
 
 std::string Workbook::Load(std::string_view bytes) {
@@ -95,24 +84,24 @@ std::string Workbook::Load(std::string_view bytes) {
   limits.maxPartBytes = limits.maxXmlBytes = limits_.maxXmlBytes;
   limits.maxXmlNodes = kMostXmlNodes;
   auto opened = Package::OpenBytes(bytes, limits);
-  if (!opened.ok) return opened.error.sentence;
-  package_ = std::move(opened.value);
+  if (!opened) return opened.error().words;
+  package_ = *std::move(opened);
 
   const auto top = package_->Relationships("");
-  if (!top.ok) return top.error.sentence;
-  const Relationship* const main = OfKind(top.value, RelationshipKind::kOfficeDocument);
+  if (!top.ok()) return top.error().words;
+  const Relationship* const main = OfKind(top.value(), RelationshipKind::kOfficeDocument);
   if (main == nullptr) return "The package is not an Excel workbook.";
   part_ = main->target;
   fault = TypeFault(package_->ContentType(part_));
   if (!fault.empty()) return fault;
   auto part = package_->ReadXmlPart(part_);
-  if (!part.ok) return part.error.sentence;
-  bytes_ = std::move(part.value);
+  if (!part.ok()) return part.error().words;
+  bytes_ = std::move(part.value());
   const auto relationships = package_->Relationships(part_);
-  if (!relationships.ok) return relationships.error.sentence;
-  fault = ReadWorkbookPart(relationships.value);
+  if (!relationships.ok()) return relationships.error().words;
+  fault = ReadWorkbookPart(relationships.value());
   if (!fault.empty()) return fault;
-  ReadStringsAndStyles(relationships.value);
+  ReadStringsAndStyles(relationships.value());
   loaded_.resize(sheets_.size());
   return {};
 }
@@ -164,11 +153,11 @@ std::string Workbook::ReadWorkbookPart(const std::vector<Relationship>& relation
 void Workbook::ReadStringsAndStyles(const std::vector<Relationship>& relationships) {
   if (const Relationship* const strings = OfKind(relationships, RelationshipKind::kSharedStrings)) {
     const auto part = package_->ReadXmlPart(strings->target);
-    if (part.ok) strings_ = SharedStrings(part.value);
+    if (part.ok()) strings_ = SharedStrings(part.value());
   }
   if (const Relationship* const styles = OfKind(relationships, RelationshipKind::kStyles)) {
     const auto part = package_->ReadXmlPart(styles->target);
-    if (part.ok) styles_ = CellStyles(part.value);
+    if (part.ok()) styles_ = CellStyles(part.value());
   }
 }
 
@@ -186,12 +175,12 @@ const SheetPart* Workbook::Sheet(std::size_t sheet) {
   loaded.asked = true;
   const std::string& part = sheets_[sheet].part;
   auto bytes = package_->ReadXmlPart(part);
-  if (!bytes.ok) {
-    loaded.fault = bytes.error.sentence;
+  if (!bytes.ok()) {
+    loaded.fault = bytes.error().words;
     return nullptr;
   }
   std::string why;
-  loaded.cells = SheetPart::Parse(std::move(bytes.value), date1904_, limits_.maxCells, why);
+  loaded.cells = SheetPart::Parse(std::move(bytes.value()), date1904_, limits_.maxCells, why);
   if (!loaded.cells) loaded.fault = "The part " + part + " cannot be read: " + why + ".";
   return loaded.cells.get();
 }
@@ -204,11 +193,11 @@ const std::vector<std::unique_ptr<TablePart>>& Workbook::Tables(std::size_t shee
   if (cells == nullptr || cells->TableIds().empty()) return loaded.tables;
   const auto relationships = package_->Relationships(sheets_[sheet].part);
   for (const std::string& id : cells->TableIds()) {
-    for (const Relationship& each : relationships.value) {
+    for (const Relationship& each : relationships ? *relationships : std::vector<Relationship>()) {
       if (each.id != id || each.external) continue;
       auto part = package_->ReadXmlPart(each.target);
-      if (!part.ok) continue;
-      std::unique_ptr<TablePart> table = TablePart::Parse(std::move(part.value));
+      if (!part.ok()) continue;
+      std::unique_ptr<TablePart> table = TablePart::Parse(std::move(part.value()));
       if (!table) continue;
       loaded.tables.push_back(std::move(table));
       loaded.tableParts.push_back(each.target);
@@ -320,16 +309,16 @@ void Workbook::RenameColumn(const std::string& table, const std::string& from,
   }
 }
 
-PackageResult<Wide> Workbook::PutText(std::size_t sheet, CellPosition at, WideView text) {
+Result<Wide> Workbook::PutText(std::size_t sheet, CellPosition at, WideView text) {
   const SheetPart* const part = Sheet(sheet);
-  if (part == nullptr) return Refused<Wide>(loaded_[sheet].fault);
+  if (part == nullptr) return Refused(loaded_[sheet].fault);
   const SheetCell* const cell = part->Find(at);
   const std::string name = CellName(at);
-  if (cell == nullptr) return Refused<Wide>("The cell " + name + " is empty.");
-  if (part->HasFormula(at)) return Refused<Wide>("The cell " + name + " holds a formula.");
+  if (cell == nullptr) return Refused("The cell " + name + " is empty.");
+  if (part->HasFormula(at)) return Refused("The cell " + name + " holds a formula.");
   if (text.size() > kMostCellUnits) {
-    return Refused<Wide>("The text is longer than the " + std::to_string(kMostCellUnits) +
-                         " characters that a cell holds.");
+    return Refused("The text is longer than the " + std::to_string(kMostCellUnits) +
+                   " characters that a cell holds.");
   }
   std::string put = ToUtf8(text);
   for (const auto& table : Tables(sheet)) {
@@ -348,7 +337,7 @@ PackageResult<Wide> Workbook::PutText(std::size_t sheet, CellPosition at, WideVi
     break;
   }
   loaded_[sheet].cells->PutText(*cell, put);
-  return Done(ToWide(put));
+  return ToWide(put);
 }
 
 bool Workbook::Edited() const {
@@ -357,7 +346,7 @@ bool Workbook::Edited() const {
   });
 }
 
-PackageResult<std::string> Workbook::SaveBytes() {
+Result<std::string> Workbook::SaveBytes() {
   for (std::size_t i = 0; i < sheets_.size(); ++i) {
     LoadedSheet& sheet = loaded_[i];
     if (sheet.cells && sheet.cells->Edited()) {

@@ -57,8 +57,8 @@ class Workbook {
  public:
   // `bytes` is the .xlsx or .xlsm. A sentence says why it is refused: encrypted, in one of Excel's
   // binary forms, damaged, too large, no workbook at all.
-  static PackageResult<std::unique_ptr<Workbook>> Open(std::string_view bytes,
-                                                       const WorkbookLimits& limits = {});
+  static Result<std::unique_ptr<Workbook>> Open(std::string_view bytes,
+                                                const WorkbookLimits& limits = {});
 
   // Worksheets in the order of their tabs; chart and dialog sheets are none.
   const std::vector<SheetEntry>& Sheets() const { return sheets_; }
@@ -85,11 +85,11 @@ class Workbook {
   // table's column keeps a name of its own in that table: where another column has it, a number
   // follows. The value is the text that the cell now holds. Refused, with nothing changed: a cell
   // that the file does not have, a formula, a text longer than a cell holds.
-  PackageResult<Wide> PutText(std::size_t sheet, CellPosition at, WideView text);
+  Result<Wide> PutText(std::size_t sheet, CellPosition at, WideView text);
 
   bool Edited() const;
   // The .xlsx with all edits; every part without one has its bytes as before.
-  PackageResult<std::string> SaveBytes();
+  Result<std::string> SaveBytes();
 
  private:
   struct LoadedSheet {

@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "host/package/xml/Utf8.h"
+#include "foundation/text/Utf8.h"
+#include "host/package/xml/XmlChar.h"
 
 namespace quillmarch::host::workbook {
 namespace {

@@ -1,30 +1,30 @@
 #include "service/engines/ApertiumEngine.h"
 
-#include <algorithm>
 #include <chrono>
 #include <map>
 #include <mutex>
 #include <utility>
 
-#include "service/Utf8.h"
-#include "service/engines/ApertiumProcess.h"
+#include "service/engines/ApertiumPool.h"
 #include "service/engines/ApertiumText.h"
 #include "service/engines/LanguageCode.h"
 #include "service/engines/LanguageDetector.h"
+#include "service/engines/RunMemory.h"
 
 namespace quillmarch::service {
 
 namespace {
 
-// From this many characters on, one text's own language is believed.
+// From this many letters on, one text's own language is believed.
 constexpr std::size_t kTrustedText = 20;
-// From this many on, a request in a language without a pair is refused rather than guessed at.
+// From this many on, a request in a language without a pair is left alone rather than guessed at.
 constexpr std::size_t kTrustedRequest = 40;
+// A client gives its pipeline back to those who wait after so much text.
+constexpr std::size_t kTurnBytes = 4'000;
 
-EngineResult Fail(int status, const char* code, std::string message) {
+EngineResult Fail(EngineFailure failure, std::string message) {
   EngineResult result;
-  result.status = status;
-  result.code = code;
+  result.failure = failure;
   result.message = std::move(message);
   return result;
 }
@@ -32,6 +32,19 @@ EngineResult Fail(int status, const char* code, std::string message) {
 bool SameLanguage(const std::string& a, const std::string& b) {
   return MacroLanguage(a) == MacroLanguage(b);
 }
+
+// What the texts of a request are taken for that say nothing by themselves.
+struct Judgement {
+  const ApertiumPair* pair = nullptr;
+  LeftCause cause = LeftCause::kInTargetLanguage;  // without a pair
+  std::string language;                            // without a pair
+};
+
+struct Plan {
+  // The texts that go through one pair, by their place in the request.
+  std::map<const ApertiumPair*, std::vector<std::size_t>> places;
+  std::vector<LeftText> left;
+};
 
 class ApertiumEngine : public Engine {
  public:
@@ -42,24 +55,17 @@ class ApertiumEngine : public Engine {
   EngineResult Translate(const EngineRequest& request, const std::atomic<bool>& stop) override;
 
  private:
-  struct Pipeline {
-    Pipeline(const std::string& modeFile, std::chrono::milliseconds limit)
-        : process(modeFile, limit) {}
-    std::mutex mutex;
-    ApertiumProcess process;
-  };
-  // The texts that go through one pair, by their place in the request.
-  using Plan = std::map<const ApertiumPair*, std::vector<std::size_t>>;
-
-  bool MakePlan(const EngineRequest& request, Plan& plan, std::string& advice);
-  // Null where the request is in the target language already.
-  bool JudgeRequest(const EngineRequest& request, const ApertiumPair*& pair, std::string& advice);
+  Result<Plan> MakePlan(const EngineRequest& request);
+  Result<Judgement> JudgeRequest(const EngineRequest& request);
   const ApertiumPair* PairFrom(const std::string& source, const std::string& target) const {
     return ChooseApertiumPair(pairs_, source, target);
   }
   const ApertiumPair* AnyPairTo(const std::string& target) const;
-  Pipeline& PipelineOf(const ApertiumPair& pair);
+  ApertiumPool& PoolOf(const ApertiumPair& pair);
   ApertiumProcess::Outcome RunPair(const ApertiumPair& pair, const std::vector<std::size_t>& places,
+                                   const EngineRequest& request, EngineResult& result,
+                                   const std::atomic<bool>& stop);
+  ApertiumProcess::Outcome RunTurn(ApertiumPool& pool, const std::vector<std::size_t>& places,
                                    const EngineRequest& request, EngineResult& result,
                                    const std::atomic<bool>& stop);
 
@@ -67,112 +73,141 @@ class ApertiumEngine : public Engine {
   const std::chrono::milliseconds silenceLimit_;
   const char* const name_;
   std::mutex mutex_;
-  std::map<std::string, std::unique_ptr<Pipeline>> pipelines_;  // by mode file
-  std::map<std::string, std::string> lastRecognised_;           // source by target
+  std::map<std::string, std::unique_ptr<ApertiumPool>> pools_;  // by mode file
+  RunMemory recognised_;
 };
 
 const ApertiumPair* ApertiumEngine::AnyPairTo(const std::string& target) const {
-  const ApertiumPair* found = nullptr;
   for (const ApertiumPair& pair : pairs_) {
-    const ApertiumPair* chosen = PairFrom(pair.source, target);
-    if (chosen != nullptr && found == nullptr) found = chosen;
+    if (const ApertiumPair* chosen = PairFrom(pair.source, target)) return chosen;
   }
-  return found;
+  return nullptr;
 }
 
-bool ApertiumEngine::JudgeRequest(const EngineRequest& request, const ApertiumPair*& pair,
-                                  std::string& advice) {
+Result<Judgement> ApertiumEngine::JudgeRequest(const EngineRequest& request) {
   const std::string target = ReadLanguageCode(request.targetLang).language;
   std::string joined;
   for (const std::string& text : request.texts) joined += text + "\n";
   const DetectedLanguage detected = DetectLanguage(joined);
+  const std::string run = request.run.empty() ? "" : request.run + "\n" + target;
 
-  const std::lock_guard lock(mutex_);
   if (detected.reliable) {
-    if (SameLanguage(detected.language, target)) {
-      pair = nullptr;
-      return true;
+    if (SameLanguage(detected.language, target)) return Judgement{};
+    if (const ApertiumPair* pair = PairFrom(detected.language, request.targetLang)) {
+      recognised_.Note(run, detected.language, true);
+      return Judgement{pair, {}, {}};
     }
-    pair = PairFrom(detected.language, request.targetLang);
-    if (pair != nullptr) {
-      lastRecognised_[target] = detected.language;
-      return true;
+    if (detected.letters >= kTrustedRequest) {
+      recognised_.Note(run, detected.language, false);
+      return Judgement{nullptr, LeftCause::kNoPair, detected.language};
     }
   }
-  if (const auto last = lastRecognised_.find(target); last != lastRecognised_.end()) {
-    pair = PairFrom(last->second, request.targetLang);
-    return true;
+  if (const RunMemory::Recognised last = recognised_.Last(run); !last.language.empty()) {
+    if (!last.hasPair) return Judgement{nullptr, LeftCause::kNoPair, last.language};
+    return Judgement{PairFrom(last.language, request.targetLang), {}, {}};
   }
-  if (detected.reliable && detected.letters >= kTrustedRequest) {
-    advice = AdviseOnPair(pairs_, detected.language, request.targetLang);
-    return false;
-  }
-  pair = PairFrom("eng", request.targetLang);
+  const ApertiumPair* pair = PairFrom("eng", request.targetLang);
   if (pair == nullptr) pair = PairFrom(detected.language, request.targetLang);
   if (pair == nullptr) pair = AnyPairTo(request.targetLang);
-  if (pair == nullptr) advice = AdviseOnPair(pairs_, "auto", request.targetLang);
-  return pair != nullptr;
+  if (pair != nullptr) return Judgement{pair, {}, {}};
+  return Error{ErrorCode::kUnsupported, AdviseOnPair(pairs_, "auto", request.targetLang)};
 }
 
-bool ApertiumEngine::MakePlan(const EngineRequest& request, Plan& plan, std::string& advice) {
+Result<Plan> ApertiumEngine::MakePlan(const EngineRequest& request) {
+  const auto refuse = [&](const std::string& source) {
+    return Error{ErrorCode::kUnsupported, AdviseOnPair(pairs_, source, request.targetLang)};
+  };
   const bool detect = request.sourceLang == "auto";
   const std::string source = detect ? "" : ReadLanguageCode(request.sourceLang).language;
   const std::string target = ReadLanguageCode(request.targetLang).language;
-  if (target.empty() || (!detect && source.empty())) {
-    advice = AdviseOnPair(pairs_, request.sourceLang, request.targetLang);
-    return false;
-  }
-  const ApertiumPair* common = nullptr;
+  if (target.empty() || (!detect && source.empty())) return refuse(request.sourceLang);
+
+  Judgement common;
   if (detect) {
-    if (!JudgeRequest(request, common, advice)) return false;
+    Result<Judgement> judged = JudgeRequest(request);
+    if (!judged) return std::move(judged).error();
+    common = std::move(judged).value();
   } else if (!SameLanguage(source, target)) {
-    common = PairFrom(request.sourceLang, request.targetLang);
-    if (common == nullptr) {
-      advice = AdviseOnPair(pairs_, request.sourceLang, request.targetLang);
-      return false;
-    }
+    common.pair = PairFrom(request.sourceLang, request.targetLang);
+    if (common.pair == nullptr) return refuse(request.sourceLang);
   }
+  const bool nothingToDo = !detect && common.pair == nullptr;
+
+  Plan plan;
   for (std::size_t i = 0; i < request.texts.size(); ++i) {
     if (!HasTextToTranslate(request.texts[i])) continue;
-    const ApertiumPair* pair = common;
-    const DetectedLanguage own = DetectLanguage(request.texts[i]);
-    if (own.reliable && own.letters >= kTrustedText) {
-      if (SameLanguage(own.language, target)) continue;
-      const ApertiumPair* better = detect ? PairFrom(own.language, request.targetLang) : nullptr;
-      if (better != nullptr) pair = better;
+    Judgement own = common;
+    const DetectedLanguage detected = DetectLanguage(request.texts[i]);
+    if (detected.reliable && detected.letters >= kTrustedText && !nothingToDo) {
+      own.language = detected.language;
+      if (SameLanguage(detected.language, target)) {
+        own = {nullptr, LeftCause::kInTargetLanguage, detected.language};
+      } else if (detect || !SameLanguage(detected.language, source)) {
+        own = {PairFrom(detected.language, request.targetLang), LeftCause::kNoPair,
+               detected.language};
+      }
     }
-    if (pair != nullptr) plan[pair].push_back(i);
+    if (own.pair != nullptr) {
+      plan.places[own.pair].push_back(i);
+      if (HasTooLongWord(request.texts[i])) {
+        plan.left.push_back({i, LeftCause::kTooLongWord, own.language});
+      }
+    } else {
+      plan.left.push_back({i, own.cause, own.language.empty() ? target : own.language});
+    }
   }
-  return true;
+  const bool foreign =
+      plan.places.empty() && !plan.left.empty() && plan.left[0].cause == LeftCause::kNoPair;
+  if (foreign && request.run.empty()) return refuse(plan.left[0].language);
+  return plan;
 }
 
-ApertiumEngine::Pipeline& ApertiumEngine::PipelineOf(const ApertiumPair& pair) {
+ApertiumPool& ApertiumEngine::PoolOf(const ApertiumPair& pair) {
   const std::lock_guard lock(mutex_);
-  std::unique_ptr<Pipeline>& pipeline = pipelines_[pair.modeFile];
-  if (!pipeline) pipeline = std::make_unique<Pipeline>(pair.modeFile, silenceLimit_);
-  return *pipeline;
+  std::unique_ptr<ApertiumPool>& pool = pools_[pair.modeFile];
+  if (!pool) pool = std::make_unique<ApertiumPool>(pair.modeFile, silenceLimit_);
+  return *pool;
 }
 
 ApertiumProcess::Outcome ApertiumEngine::RunPair(const ApertiumPair& pair,
                                                  const std::vector<std::size_t>& places,
                                                  const EngineRequest& request, EngineResult& result,
                                                  const std::atomic<bool>& stop) {
-  Pipeline& pipeline = PipelineOf(pair);
-  const std::lock_guard lock(pipeline.mutex);
+  ApertiumPool& pool = PoolOf(pair);
+  std::vector<std::size_t> turn;
+  std::size_t bytes = 0;
+  for (const std::size_t place : places) {
+    const std::size_t size = request.texts[place].size();
+    if (!turn.empty() && bytes + size > kTurnBytes) {
+      const auto outcome = RunTurn(pool, turn, request, result, stop);
+      if (outcome != ApertiumProcess::Outcome::kOk) return outcome;
+      turn.clear();
+      bytes = 0;
+    }
+    turn.push_back(place);
+    bytes += size;
+  }
+  return RunTurn(pool, turn, request, result, stop);
+}
+
+ApertiumProcess::Outcome ApertiumEngine::RunTurn(ApertiumPool& pool,
+                                                 const std::vector<std::size_t>& places,
+                                                 const EngineRequest& request, EngineResult& result,
+                                                 const std::atomic<bool>& stop) {
+  const ApertiumPool::Lease lease = pool.Acquire(request.client, stop);
+  if (!lease) return ApertiumProcess::Outcome::kStopped;
   ApertiumProcess::Outcome outcome = ApertiumProcess::Outcome::kOk;
   const ApertiumRun run = [&](const std::vector<std::string>& streams,
                               std::vector<std::string>& out) {
-    outcome = pipeline.process.Translate(streams, out, stop);
+    outcome = lease->Translate(streams, out, stop);
     // It may have died since the last request; what these texts do to it shows only in a fresh one.
-    if (outcome == ApertiumProcess::Outcome::kDied) {
-      outcome = pipeline.process.Translate(streams, out, stop);
-    }
+    if (outcome == ApertiumProcess::Outcome::kDied) outcome = lease->Translate(streams, out, stop);
     return outcome == ApertiumProcess::Outcome::kOk;
   };
   std::vector<std::string> texts;
   for (const std::size_t place : places) texts.push_back(request.texts[place]);
   std::vector<std::string> translations;
-  if (!TranslateTexts(texts, run, translations)) return outcome;
+  if (!TranslateTexts(texts, request.glossary, run, translations)) return outcome;
   for (std::size_t i = 0; i < places.size(); ++i) {
     result.translations[places[i]] = std::move(translations[i]);
   }
@@ -181,23 +216,21 @@ ApertiumProcess::Outcome ApertiumEngine::RunPair(const ApertiumPair& pair,
 
 EngineResult ApertiumEngine::Translate(const EngineRequest& request,
                                        const std::atomic<bool>& stop) {
-  Plan plan;
-  std::string advice;
-  if (!MakePlan(request, plan, advice)) {
-    return Fail(400, "unsupported_language_pair", std::move(advice));
-  }
+  Result<Plan> plan = MakePlan(request);
+  if (!plan) return Fail(EngineFailure::kUnsupportedPair, std::move(plan).error().words);
   EngineResult result;
   result.translations = request.texts;
-  for (const auto& [pair, places] : plan) {
+  result.left = std::move(plan->left);
+  for (const auto& [pair, places] : plan->places) {
     switch (RunPair(*pair, places, request, result, stop)) {
       case ApertiumProcess::Outcome::kOk:
         break;
       case ApertiumProcess::Outcome::kStopped:
-        return Fail(503, "shutting_down", "The service is stopping.");
+        return Fail(EngineFailure::kStopping, "The service is stopping.");
       case ApertiumProcess::Outcome::kTimedOut:
-        return Fail(504, "engine_timeout", "The offline engine did not answer in time.");
+        return Fail(EngineFailure::kTimeout, "The offline engine did not answer in time.");
       case ApertiumProcess::Outcome::kDied:
-        return Fail(502, "engine_failed",
+        return Fail(EngineFailure::kFailed,
                     "The offline engine ended unexpectedly; check that the packages apertium and "
                     "lttoolbox are complete.");
     }

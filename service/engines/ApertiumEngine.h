@@ -10,13 +10,18 @@
 
 namespace quillmarch::service {
 
-// `name` is what the engine calls itself. Glossary and instruction are not used.
+// `name` is what the engine calls itself. The instruction is not used.
 //
-// A text already in the target language comes back as it is, and so does one without letters.
+// A text already in the target language comes back as it is, and so does one without letters, one
+// reliably in a language without a pair, and a word that is too long. The named language holds for
+// the texts that the detector does not contradict.
+//
 // With "auto" the language is judged over all texts of a request together, since a slide's texts
 // are short; a single text counts by itself only when it is long enough to be judged reliably.
-// A request that can't be judged is taken for the language that this engine last recognised for
-// the target, then for English, then for the one language that there is a pair from.
+// A request that can't be judged is taken for the language that was last recognised in the same
+// run, then for English, then for the one language that there is a pair from.
+//
+// A request that is part of no run and whose texts are all in a language without a pair fails.
 std::unique_ptr<Engine> MakeApertiumEngine(const EngineOptions& options,
                                            std::vector<ApertiumPair> pairs, const char* name);
 

@@ -25,8 +25,14 @@ constexpr milliseconds kStopCheck{50};
 constexpr milliseconds kEndGrace{200};
 
 // The package's own tool puts the flush option into each program of the pipeline. $1 asks the
-// generator for no marks on unknown words, $2 the tagger for nothing.
-constexpr char kScript[] = "eval \"$(apertium-wblank-mode -z \"$3\")\"";
+// generator for no marks on unknown words, $2 the tagger for nothing. The first line waits for the
+// end of the lifeline, which only the owner holds open, and then kills the whole group: a pipeline
+// in the midst of a long text would not notice that nobody reads it any more.
+constexpr char kScript[] =
+    "{ read -r -u 3; kill -KILL 0; } </dev/null >/dev/null &\n"
+    "exec 3<&-\n"
+    "eval \"$(apertium-wblank-mode -z \"$3\")\"";
+constexpr int kLifelineInScript = 3;
 
 // The user's surroundings, with a locale in which the pipeline reads and writes UTF-8.
 std::vector<std::string> Environment() {
@@ -49,7 +55,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
   return out;
 }
 
-// Travels with a text as a blank behind its end and tells which text an answer belongs to: a
+// Travels with a text as a blank after its end and tells which text an answer belongs to: a
 // pipeline out of step must never put one text's translation in another's place.
 std::string Mark(std::uint64_t number) {
   std::string mark(1, '[');
@@ -76,9 +82,15 @@ bool ApertiumProcess::Start() {
   // A socket rather than a pipe: writing to a pipeline that died must not raise SIGPIPE.
   int in[2];
   int out[2];
+  int life[2];
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, in) != 0) return false;
   if (pipe2(out, O_CLOEXEC) != 0) {
     CloseBoth(in);
+    return false;
+  }
+  if (pipe2(life, O_CLOEXEC) != 0) {
+    CloseBoth(in);
+    CloseBoth(out);
     return false;
   }
   posix_spawn_file_actions_t files;
@@ -86,8 +98,9 @@ bool ApertiumProcess::Start() {
   posix_spawn_file_actions_adddup2(&files, in[1], STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&files, out[1], STDOUT_FILENO);
   posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_adddup2(&files, life[0], kLifelineInScript);
   // Somebody's connection, kept open by the pipeline, would never see its end.
-  posix_spawn_file_actions_addclosefrom_np(&files, STDERR_FILENO + 1);
+  posix_spawn_file_actions_addclosefrom_np(&files, kLifelineInScript + 1);
 
   // A group of its own: the terminal's Ctrl-C is not meant for it, and it can be killed as one.
   posix_spawnattr_t attributes;
@@ -109,14 +122,17 @@ bool ApertiumProcess::Start() {
   posix_spawn_file_actions_destroy(&files);
   close(in[1]);
   close(out[1]);
+  close(life[0]);
   if (failure != 0) {
     pid_ = -1;
     close(in[0]);
     close(out[0]);
+    close(life[1]);
     return false;
   }
   input_ = in[0];
   output_ = out[0];
+  lifeline_ = life[1];
   fcntl(input_, F_SETFL, O_NONBLOCK);
   fcntl(output_, F_SETFL, O_NONBLOCK);
   return true;
@@ -131,11 +147,11 @@ void ApertiumProcess::End(bool ask) {
     ended = waitpid(pid_, nullptr, WNOHANG) == pid_;
     if (!ended) std::this_thread::sleep_for(milliseconds(1));
   }
-  if (!ended) {
-    kill(-pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-  }
-  pid_ = input_ = output_ = -1;
+  // The group outlives its leader as long as the lifeline is open, so its number is still its own.
+  kill(-pid_, SIGKILL);
+  if (!ended) waitpid(pid_, nullptr, 0);
+  close(lifeline_);
+  pid_ = input_ = output_ = lifeline_ = -1;
 }
 
 ApertiumProcess::Outcome ApertiumProcess::Translate(const std::vector<std::string>& streams,

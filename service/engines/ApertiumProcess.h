@@ -1,5 +1,6 @@
 // One Apertium pipeline, kept running: texts go in, each ended by a NUL that flushes it through,
-// and come out in order. A separate group of processes, started at the first use.
+// and come out in order. A separate group of processes, started at the first use; it ends with its
+// owner, however that one ends.
 #pragma once
 
 #include <sys/types.h>
@@ -22,9 +23,9 @@ class ApertiumProcess {
   ApertiumProcess(const ApertiumProcess&) = delete;
   ApertiumProcess& operator=(const ApertiumProcess&) = delete;
 
-  // Takes texts in Apertium's stream format, without NUL, and gives as many back. After any other
-  // outcome than kOk the pipeline has been ended and the next call starts a new one. One caller
-  // at a time.
+  // Takes texts in Apertium's stream format, without NUL, and gives as many back. After any
+  // outcome other than kOk the pipeline has been ended and the next call starts a new one. One
+  // caller at a time.
   Outcome Translate(const std::vector<std::string>& streams, std::vector<std::string>& out,
                     const std::atomic<bool>& stop);
 
@@ -40,6 +41,7 @@ class ApertiumProcess {
   pid_t pid_ = -1;
   int input_ = -1;
   int output_ = -1;
+  int lifeline_ = -1;       // its end, even by our death, ends the group
   std::uint64_t used_ = 0;  // texts sent so far
 };
 

@@ -16,7 +16,7 @@ bool IsReserved(char32_t c) {
          std::string_view("^$/<>{}[]@\\").find(static_cast<char>(c)) != std::string_view::npos;
 }
 
-// White space that isn't a plain blank, other controls, and the tilde, which wakes the
+// White space that isn't a plain space, other controls, and the tilde, which wakes the
 // post-generator and disappears.
 bool TravelsAsBlank(char32_t c) {
   return (c > 0 && c < 0x20) || c == 0x7F || c == 0x85 || c == 0x2028 || c == 0x2029 || c == U'~';
@@ -38,12 +38,12 @@ std::string ToApertium(std::string_view text) {
     std::size_t end = at;
     std::size_t count = 0;
     bool special = false;
-    std::size_t breaks = 0;
+    bool breaks = false;
     for (std::size_t next = at; next < text.size(); end = next, ++count) {
       const char32_t c = NextCharacter(text, next);
       if (c != U' ' && !TravelsAsBlank(c)) break;
       special = special || c != U' ';
-      breaks += c == U'\n' ? 1 : 0;
+      breaks = breaks || IsLineBreak(c);
     }
     if (count == 0) {
       AppendEscaped(out, NextCharacter(text, at));
@@ -54,8 +54,7 @@ std::string ToApertium(std::string_view text) {
       out += ' ';
       continue;
     }
-    // An empty line ends a sentence even without a full stop.
-    if (breaks > 1) out += kSentenceEnd;
+    if (breaks) out += kSentenceEnd;
     out += '[';
     for (std::size_t i = begin; i < end;) AppendEscaped(out, NextCharacter(text, i));
     out += ']';
@@ -67,14 +66,30 @@ std::string ToApertium(std::string_view text) {
 std::string FromApertium(std::string_view stream) {
   std::string out;
   out.reserve(stream.size());
+  bool inBlank = false;
+  bool afterPlain = false;  // `out` ends in a space of the pipeline's own
+  bool afterSpace = false;  // or in white space of the text
+  const auto append = [&](char c) {
+    const bool space = c == ' ' || (c >= '\t' && c <= '\r');
+    if (inBlank && space && afterPlain) out.pop_back();
+    out += c;
+    afterPlain = false;
+    afterSpace = inBlank && space;
+  };
   for (std::size_t at = 0; at < stream.size(); ++at) {
     const char c = stream[at];
     if (c == '\\' && at + 1 < stream.size()) {
-      out += stream[++at];
-    } else if (stream.substr(at, kSentenceEnd.size()) == kSentenceEnd) {
+      append(stream[++at]);
+    } else if (!inBlank && stream.substr(at, kSentenceEnd.size()) == kSentenceEnd) {
       at += kSentenceEnd.size() - 1;
-    } else if (c != '[' && c != ']') {
-      out += c;
+    } else if (c == '[' || c == ']') {
+      inBlank = c == '[';
+    } else if (!inBlank && c == ' ') {
+      if (afterPlain || afterSpace) continue;
+      append(c);
+      afterPlain = true;
+    } else {
+      append(c);
     }
   }
   return out;

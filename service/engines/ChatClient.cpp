@@ -13,14 +13,38 @@ namespace quillmarch::service {
 namespace {
 
 constexpr int kStopCheckMs = 50;
-// No translation of a hundred texts comes near it; a server gone mad does.
-constexpr std::size_t kMaxAnswer = 32u << 20;
+struct Collected {
+  std::string& body;
+  std::size_t most;
+  bool over = false;
+};
 
 std::size_t Collect(char* data, std::size_t size, std::size_t count, void* to) {
-  auto& body = *static_cast<std::string*>(to);
-  if (body.size() + size * count > kMaxAnswer) return 0;
-  body.append(data, size * count);
+  auto& collected = *static_cast<Collected*>(to);
+  collected.over = collected.body.size() + size * count > collected.most;
+  if (collected.over) return 0;
+  collected.body.append(data, size * count);
   return size * count;
+}
+
+ChatReply::Outcome OutcomeOf(CURLcode result, const std::string& reason) {
+  switch (result) {
+    case CURLE_OPERATION_TIMEDOUT:
+      return ChatReply::Outcome::kTimedOut;
+    case CURLE_PEER_FAILED_VERIFICATION:
+      return ChatReply::Outcome::kUntrusted;
+    case CURLE_COULDNT_RESOLVE_HOST:
+      return ChatReply::Outcome::kUnknownName;
+    case CURLE_COULDNT_CONNECT:
+      return ChatReply::Outcome::kRefusedPort;
+    case CURLE_SSL_CONNECT_ERROR:
+      // The library has no code of its own for a first record that is not TLS.
+      return reason.find("wrong version number") != std::string::npos
+                 ? ChatReply::Outcome::kNoTls
+                 : ChatReply::Outcome::kNoConnection;
+    default:
+      return ChatReply::Outcome::kNoConnection;
+  }
 }
 
 // The system's authorities and one more, since libcurl takes one source only.
@@ -42,7 +66,7 @@ void StartLibrary() {
 }  // namespace
 
 ChatReply PostChat(const std::string& url, const std::string& key, const std::string& caFile,
-                   const std::string& body, std::chrono::milliseconds limit,
+                   const std::string& body, std::size_t maxAnswer, std::chrono::milliseconds limit,
                    const std::atomic<bool>& stop) {
   StartLibrary();
   ChatReply reply;
@@ -59,13 +83,14 @@ ChatReply PostChat(const std::string& url, const std::string& key, const std::st
   if (!multi || !easy || !headers) return reply;
   CURL* const request = easy.get();
   char reason[CURL_ERROR_SIZE] = "";
+  Collected collected{reply.body, maxAnswer};
   curl_easy_setopt(request, CURLOPT_URL, url.c_str());
   curl_easy_setopt(request, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(request, CURLOPT_HTTPHEADER, headers.get());
   curl_easy_setopt(request, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
   curl_easy_setopt(request, CURLOPT_POSTFIELDS, body.c_str());
   curl_easy_setopt(request, CURLOPT_WRITEFUNCTION, &Collect);
-  curl_easy_setopt(request, CURLOPT_WRITEDATA, &reply.body);
+  curl_easy_setopt(request, CURLOPT_WRITEDATA, &collected);
   curl_easy_setopt(request, CURLOPT_ERRORBUFFER, reason);
   curl_easy_setopt(request, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(request, CURLOPT_TIMEOUT_MS,
@@ -100,9 +125,10 @@ ChatReply PostChat(const std::string& url, const std::string& key, const std::st
     }
   } else if (stop) {
     reply.outcome = ChatReply::Outcome::kStopped;
-  } else if (result == CURLE_OPERATION_TIMEDOUT) {
-    reply.outcome = ChatReply::Outcome::kTimedOut;
+  } else if (collected.over) {
+    reply.outcome = ChatReply::Outcome::kTooLarge;
   } else {
+    reply.outcome = OutcomeOf(result, reason);
     reply.error = reason[0] != '\0' ? reason : curl_easy_strerror(result);
   }
   return reply;

@@ -3,23 +3,35 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <string>
 
 namespace quillmarch::service {
 
 struct ChatReply {
-  enum class Outcome { kAnswered, kStopped, kTimedOut, kNoConnection };
+  enum class Outcome {
+    kAnswered,
+    kStopped,
+    kTimedOut,
+    kTooLarge,
+    kUntrusted,     // its certificate
+    kUnknownName,   // of the host
+    kRefusedPort,   // nobody listens there
+    kNoTls,         // https was asked of a port that does not speak TLS
+    kNoConnection,  // anything else
+  };
   Outcome outcome = Outcome::kNoConnection;
   long status = 0;
   std::string body;
   int retryAfterSeconds = -1;  // -1: the server named no time
-  std::string error;           // why there was no connection
+  std::string error;           // the library's own words, where there was no answer
 };
 
-// Certificates are verified; `caFile` (PEM, may be empty) is trusted beside the system's
-// authorities. Redirects are not followed: they would carry the key to another server.
+// Certificates are verified; `caFile` (PEM, may be empty) is trusted in addition to the system's
+// authorities. An answer longer than `maxAnswer` bytes is not read to its end. Redirects are not
+// followed: they would carry the key to another server.
 ChatReply PostChat(const std::string& url, const std::string& key, const std::string& caFile,
-                   const std::string& body, std::chrono::milliseconds limit,
+                   const std::string& body, std::size_t maxAnswer, std::chrono::milliseconds limit,
                    const std::atomic<bool>& stop);
 
 }  // namespace quillmarch::service

@@ -8,7 +8,7 @@ namespace quillmarch::service {
 
 struct LanguageCode {
   std::string language;  // ISO 639-3 in lower case; empty when the text names no known language
-  std::string region;    // as written behind the language ("BR" of "pt-BR"), upper case; or empty
+  std::string region;    // as written after the language ("BR" of "pt-BR"), upper case; or empty
 };
 
 // Reads a BCP 47 tag, an ISO 639-1 or 639-3 code or an English name, in any case, with - or _.

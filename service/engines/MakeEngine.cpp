@@ -27,45 +27,43 @@ bool IsOffline(const std::string& name) {
 
 }  // namespace
 
-std::unique_ptr<Engine> MakeEngine(const EngineOptions& options, std::string& error) {
+Result<std::unique_ptr<Engine>> MakeEngine(const EngineOptions& options) {
   if (options.name == "pseudo") {
     // Written so that a value that is no number fails as well.
     if (!(options.growth >= 1 && options.growth <= kLargestGrowth)) {
-      error = "The growth must be between 1 and 20.";
-      return nullptr;
+      return Error{ErrorCode::kInvalidArgument, "The growth must be between 1 and 20."};
     }
     return MakePseudoEngine(options.growth);
   }
-  if (options.name == "openai") return MakeOpenAiEngine(options, error);
+  if (options.name == "openai") return MakeOpenAiEngine(options);
   if (IsOffline(options.name)) {
     std::vector<ApertiumPair> pairs = FindApertiumPairs(options.apertiumModes);
-    if (pairs.empty()) {
-      error = kNoApertium;
-      return nullptr;
-    }
+    if (pairs.empty()) return Error{ErrorCode::kNotFound, kNoApertium};
     return MakeApertiumEngine(options, std::move(pairs),
                               options.name == "auto" ? "auto" : "apertium");
   }
-  error =
-      "There is no engine \"" + options.name + "\"; there are auto, apertium, openai and pseudo.";
-  return nullptr;
+  return Error{ErrorCode::kInvalidArgument, "There is no engine \"" + options.name +
+                                                "\"; choose auto, apertium, openai or pseudo."};
 }
 
-bool EngineServesPair(const EngineOptions& options, const std::string& source,
-                      const std::string& target, std::string& advice) {
-  if (!IsOffline(options.name)) return MakeEngine(options, advice) != nullptr;
+Result<void> EngineServesPair(const EngineOptions& options, const std::string& source,
+                              const std::string& target) {
+  if (!IsOffline(options.name)) {
+    Result<std::unique_ptr<Engine>> engine = MakeEngine(options);
+    if (!engine) return std::move(engine).error();
+    return {};
+  }
   const std::vector<ApertiumPair> pairs = FindApertiumPairs(options.apertiumModes);
   if (source != "auto") {
     const std::string from = ReadLanguageCode(source).language;
-    if (!from.empty() && from == ReadLanguageCode(target).language) return true;
-    if (ChooseApertiumPair(pairs, source, target) != nullptr) return true;
+    if (!from.empty() && from == ReadLanguageCode(target).language) return {};
+    if (ChooseApertiumPair(pairs, source, target) != nullptr) return {};
   } else {
     for (const ApertiumPair& pair : pairs) {
-      if (ChooseApertiumPair(pairs, pair.source, target) != nullptr) return true;
+      if (ChooseApertiumPair(pairs, pair.source, target) != nullptr) return {};
     }
   }
-  advice = AdviseOnPair(pairs, source, target);
-  return false;
+  return Error{ErrorCode::kUnsupported, AdviseOnPair(pairs, source, target)};
 }
 
 }  // namespace quillmarch::service

@@ -12,11 +12,11 @@ namespace quillmarch::service {
 // where the base has no path of its own.
 std::string ChatCompletionsUrl(const std::string& base);
 
-// Null and a sentence when URL or model is missing or the key file can't be read.
+// Fails when URL or model is missing or the key file can't be read.
 //
 // A server that answers 429 is asked once more, after the time it names, at most
 // kLongestRetryWaitMs. Sources and targets may be any languages.
-std::unique_ptr<Engine> MakeOpenAiEngine(const EngineOptions& options, std::string& error);
+Result<std::unique_ptr<Engine>> MakeOpenAiEngine(const EngineOptions& options);
 
 inline constexpr int kLongestRetryWaitMs = 20'000;
 

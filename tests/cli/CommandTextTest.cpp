@@ -6,6 +6,7 @@
 #include "host/cli/RunOutcomeText.h"
 #include "host/cli/Sentences.h"
 #include "host/cli/TerminalText.h"
+#include "run/document/CollectCodes.h"
 
 namespace quillmarch::host {
 
@@ -151,6 +152,7 @@ TEST(ProgressLine, ANarrowTerminalStillShowsHowFarItIs) {
 TEST(OutcomeText, TellsWhatWasTranslatedKeptAndLost) {
   RunRecord record;
   record.units = 10;
+  record.changed = 7;
   record.unchanged = 2;
   record.failed.resize(1);
   EXPECT_EQ(OutcomeLine({"a.pptx", "a.es.pptx"}, record, 1.25),
@@ -164,10 +166,12 @@ TEST(OutcomeText, TellsWhatWasTranslatedKeptAndLost) {
 TEST(OutcomeText, OneAndNoneAreToldAsSuch) {
   RunRecord record;
   record.units = 2;
+  record.changed = 1;
   record.unchanged = 1;
   EXPECT_EQ(OutcomeLine({"a.pptx", "-"}, record, 0),
             "a.pptx: 1 text translated, 1 left as it was, in 0.0 s; saved as standard output");
   record.unchanged = 0;
+  record.changed = 2;
   EXPECT_EQ(OutcomeLine({"-", "b.pptx"}, record, 0),
             "standard input: 2 texts translated in 0.0 s; saved as b.pptx");
 }
@@ -181,14 +185,16 @@ TEST(OutcomeText, AProgramGetsOneObjectAtTheBeginAndOneAtTheEnd) {
   end.seconds = 1.5;
   end.saved = true;
   end.record.units = 3;
+  end.record.changed = 1;
   end.record.unchanged = 1;
   end.record.failed = {{4, u"shapes[1].tbl[1][2]", 1, 2, u"one"}};
   end.record.slidesNotReached = {4, 5};
   EXPECT_EQ(ResultJson({"a.pptx", "b.pptx"}, end),
             "{\"event\":\"result\",\"deck\":\"a.pptx\",\"output\":\"b.pptx\",\"exitCode\":3,"
             "\"seconds\":1.500,\"error\":null,\"texts\":3,\"translated\":1,\"unchanged\":1,"
-            "\"failures\":[{\"slide\":4,\"shape\":\"shapes[1].tbl[1][2]\",\"row\":1,\"column\":2,"
-            "\"text\":\"one\",\"reason\":\"not written\"}],\"slidesNotWritten\":[4,5]}");
+            "\"notAnswered\":0,\"withoutLetters\":0,\"failures\":[{\"slide\":4,\"shape\":\"\","
+            "\"place\":\"shapes[1].tbl[1][2]\",\"row\":1,\"column\":2,\"text\":\"one\","
+            "\"reason\":\"not written\"}],\"left\":[],\"slidesNotWritten\":[4,5]}");
   end = {};
   end.exitCode = 2;
   end.error = "Cannot open a.pptx: no such file.";
@@ -211,16 +217,40 @@ TEST(OutcomeText, ADeckWithoutTextSaysSo) {
 
 TEST(OutcomeText, EachLostTextIsNamedBySlideAndSource) {
   RunRecord record;
-  record.failed = {{3, u"shapes[2].p1", 0, 0, u"Energy\vis"},
-                   {4, u"shapes[1].tbl[1][2]", 1, 2, Wide(300, u'x')}};
+  record.failed = {{3, u"shapes[2].p1", 0, 0, u"Energy\vis", u"Title 1", FailCause::kRefused,
+                    MakeResult(0x80010001)},
+                   {4, u"shapes[1].tbl[1][2]", 1, 2, Wide(300, u'x')},
+                   {5, u"shapes[1].p1", 0, 0, u"a", u"Title", FailCause::kPlaceChanged}};
   record.slidesNotReached = {4, 9};
   EXPECT_FALSE(ReachedTheDeck(record));
   const auto lines = LostTextLines(record);
-  ASSERT_EQ(lines.size(), 3u);
-  EXPECT_EQ(lines[0], "slide 3, shapes[2].p1: not written: \"Energy is\"");
+  ASSERT_EQ(lines.size(), 4u);
+  EXPECT_EQ(lines[0],
+            "slide 3, \"Title 1\": not written, the host refused it (0x80010001): \"Energy is\"");
   EXPECT_EQ(lines[1], "slide 4, shapes[1].tbl[1][2], row 1, column 2: not written: \"" +
                           std::string(57, 'x') + "...\"");
-  EXPECT_EQ(lines[2], "slide 9: not written");
+  EXPECT_EQ(lines[2], "slide 5, \"Title\": not written, another text is there now: \"a\"");
+  EXPECT_EQ(lines[3], "slide 9: not written");
+}
+
+TEST(OutcomeText, WhatWasLeftIsListedWithItsCause) {
+  RunRecord record;
+  record.left = {{1, u"p1", 0, 0, u"OK", u"Box", FailCause::kUnchanged},
+                 {2, u"p1", 0, 0, u"Late", u"Box", FailCause::kNotAnswered}};
+  EXPECT_EQ(
+      LeftTextLines(record),
+      (std::vector<std::string>{"slide 1, \"Box\": left as it was: \"OK\"",
+                                "slide 2, \"Box\": not translated, no answer came: \"Late\""}));
+  EXPECT_TRUE(ReachedTheDeck(record));
+  record.notAnswered = 1;
+  EXPECT_FALSE(ReachedTheDeck(record));
+}
+
+TEST(Sentences, ASelectionThatFailedIsToldByItsCode) {
+  EXPECT_EQ(FailureSentence(u"collect_failed", u"任何句子", kSelectionTooLarge),
+            "the selection is too large; select less");
+  EXPECT_EQ(FailureSentence(u"collect_failed", u"任何句子", kFail),
+            "the texts of the deck could not be read");
 }
 
 }  // namespace

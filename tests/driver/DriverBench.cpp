@@ -25,7 +25,7 @@ service::EngineResult HeldEngine::Translate(const service::EngineRequest& reques
   while (control_->hold && !stop) {
     control_->changed.wait_for(lock, std::chrono::milliseconds(10));
   }
-  if (!control_->failure.code.empty()) return control_->failure;
+  if (!control_->failure.message.empty()) return control_->failure;
   service::EngineResult result;
   result.ok = true;
   for (const std::string& text : request.texts) result.translations.push_back("T(" + text + ")");
@@ -37,8 +37,9 @@ DriverBench::DriverBench(ClockMode mode) : loop(mode), guard(loop) {
   service::ServiceOptions options;
   options.tokens = {kToken};
   std::string error;
-  service = service::Service::Start(options, std::make_unique<HeldEngine>(engine), error);
-  if (service == nullptr) throw std::runtime_error(error);
+  auto started = service::Service::Start(options, std::make_unique<HeldEngine>(engine));
+  if (!started) throw std::runtime_error(started.error().words);
+  service = std::move(started).value();
   ReplaceDefaultEndpoint({u"127.0.0.1", service->port(), false});
   driver = std::make_unique<RunDriver>(host.Application(), loop);
 }

@@ -27,7 +27,7 @@ class HeldEngine final : public service::Engine {
     std::condition_variable changed;
     bool hold = false;
     int asked = 0;
-    service::EngineResult failure;  // given when its code is not empty
+    service::EngineResult failure;  // given when it has a message
     std::vector<service::EngineRequest> requests;
   };
   explicit HeldEngine(std::shared_ptr<Control> control) : control_(std::move(control)) {}

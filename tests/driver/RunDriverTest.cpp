@@ -192,12 +192,12 @@ TEST(RunDriver, AWrongTokenEndsTheRunAsUnauthorized) {
 
 TEST(RunDriver, AnErrorOfTheServiceArrivesWithCodeAndMessage) {
   DriverBench bench;
-  bench.engine->failure.code = "teapot";
+  bench.engine->failure.failure = service::EngineFailure::kRateLimited;
   bench.engine->failure.message = "short and stout";
   bench.deck().AddSlide({TextShape(u"Hello")});
   bench.RunToEnd();
   EXPECT_THAT(bench.MainEvents(), ElementsAre("onRunStarted", "onReady", "onError"));
-  EXPECT_EQ(bench.reports[0].errorCode, u"teapot");
+  EXPECT_EQ(bench.reports[0].errorCode, u"rate_limited");
   EXPECT_EQ(bench.reports[0].errorMessage, u"short and stout");
 }
 

@@ -161,6 +161,8 @@ class Telling(CommandTest):
             )
         self.assertEqual(service.headers[0]["Authorization"], "Bearer s3cret")
         self.assertEqual(service.requests[0]["sourceLang"], "en")
+        self.assertEqual(self.run_command("--version"), 0)
+        self.assertIn(self.out.split()[1], json.dumps(service.requests[0]))
         self.assertEqual(service.requests[0]["targetLang"], "es")
         self.assertEqual(texts_of(self.path("talk.es.pptx"), 2), ["&lt;Third text&gt;"])
 
@@ -192,7 +194,8 @@ class Telling(CommandTest):
         self.assertGreater(result.pop("seconds"), 0)
         self.assertEqual(result, {"event": "result", "deck": "talk.pptx", "output": "talk.xx.pptx",
                                   "exitCode": 0, "error": None, "texts": 3, "translated": 3,
-                                  "unchanged": 0, "failures": [], "slidesNotWritten": []})
+                                  "unchanged": 0, "notAnswered": 0, "withoutLetters": 0,
+                                  "failures": [], "left": [], "slidesNotWritten": []})
         self.assertIn("3 texts translated", self.err)
 
     def test_events_of_a_failed_run_keep_the_runs_own_words(self):
@@ -232,6 +235,9 @@ class Telling(CommandTest):
         with ScriptedService(answer=answer) as service:
             self.assertEqual(self.served(service, "same.pptx"), 0)
         self.assertIn("1 text translated, 1 left as it was, in ", self.out)
+        with ScriptedService(answer=answer) as service:
+            self.assertEqual(self.served(service, "same.pptx", "--list-left"), 0)
+        self.assertIn('same.pptx: slide 1, "Text 1": left as it was: "One text"', self.out)
 
     def test_a_pipe_gets_plain_lines(self):
         self.deck()

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
 #include "pane/PaneHarness.h"
 #include "run/document/StaGate.h"
 #include "support/LogCapture.h"
+#include "support/PageAnswers.h"
 
 namespace quillmarch::addin {
 
@@ -222,6 +225,54 @@ TEST(CPptPane, AShutdownDuringARunEndsItAndItsRequests) {
   EXPECT_TRUE(log.Has("PptPane run finished"));
   ASSERT_EQ(h.records.size(), 1U);
   EXPECT_EQ(h.records[0].outcome, RunOutcome::kAborted);
+}
+
+TEST(CPptPane, ItsEndFailsOpenRequestsWithACodeOfItsOwn) {
+  for (const bool early : {true, false}) {
+    PaneHarness h;
+    TranslateBatchRequest request;
+    request.texts = {u"hello"};
+    h.pageAnswers = false;
+    auto answer = std::async(std::launch::async,
+                             [&] { return h.pane->run().transport().TranslateViaPage(request); });
+    ASSERT_TRUE(h.WaitForRequests(1));
+    if (early) {
+      h.pane->BeginShutdownEarly();
+    } else {
+      h.pane->FinalRelease();
+    }
+    const TranslateBatchResult result = answer.get();
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.code, u"addin_shutdown");
+    EXPECT_EQ(result.message, u"cancelled");
+  }
+}
+
+// A worker that hangs keeps the run, and what it has ready must not reach the deck any more.
+TEST(CPptPane, AfterAnAbortNoTickWrites) {
+  PaneHarness h;
+  LogCapture log;
+  const auto one = h.AddSlide(u"one");
+  h.AddSlide(u"two");
+  h.pageAnswers = false;
+  h.thread.sleepsAreInstant = true;
+  h.Say(R"({"action":"start"})");
+  ASSERT_TRUE(h.WaitForRequests(1));
+  h.SayWide(test::AnswerTo(h.Requests()[0]));
+  ASSERT_TRUE(h.WaitForRequests(2));  // the first slide is ready
+  h.thread.holdsPostsOfWorkers = true;
+  h.pane->OnWebMessageReceived(test::AnswerTo(h.Requests()[1]));
+  h.pane->BeginShutdownEarly();
+  EXPECT_TRUE(log.Has("PptPane shutdown: run worker busy, object kept alive"));
+  for (int tick = 0; tick < 45; ++tick) {
+    h.thread.Advance(CPptPane::kRunTickMs);
+    h.thread.FireDueTimers();
+  }
+  EXPECT_EQ(one->Text(), u"one");
+  h.thread.holdsPostsOfWorkers = false;
+  ASSERT_TRUE(h.WaitForWorker());
+  h.Finish();
+  EXPECT_EQ(one->Text(), u"one");
 }
 
 // The terminology wait is the one that a shutdown does not end.

@@ -70,6 +70,58 @@ TEST(StartRun, TheActionDecidesTheScopeBeforeThePanelMode) {
   EXPECT_EQ(log.Count("PptPane StartRun begin scope=0"), 2);
 }
 
+TEST(StartRun, OnlyTheWholeDeckIsPacedAsAFullRun) {
+  PaneHarness h;
+  LogCapture log;
+  h.Say(R"({"action":"start","panelMode":"selection"})");
+  h.Say(R"({"action":"start","panelMode":"slide"})");
+  h.Say(R"({"action":"start"})");
+  for (const char* scope : {"scope=2 full=0", "scope=1 full=0", "scope=0 full=1"}) {
+    EXPECT_EQ(log.Count(std::string("PptCtrl Start begin ") + scope + " bilingual=0 targetLang=en"),
+              1)
+        << scope;
+  }
+}
+
+TEST(StartRun, ARunIsBilingualOnlyWhereTheMessageSaysTrue) {
+  for (const char* field : {"true", "false", "\"true\""}) {
+    PaneHarness h;
+    LogCapture log;
+    h.Start(std::string(",\"pptBilingualSlides\":") + field);
+    const std::string flag = std::string(field) == "true" ? "1" : "0";
+    EXPECT_EQ(log.CountContaining("full=0 bilingual=" + flag), 1) << field;
+  }
+}
+
+TEST(StartRun, ASelectionIsAskedForUnderAUsageOfItsOwn) {
+  PaneHarness h;
+  const auto shape = h.AddSlide(u"hello");
+  h.host.windows.front()->selection->SelectShapes({shape});
+  for (const char* action : {"startSelection", "start"}) {
+    h.Say(std::string(R"({"action":")") + action + R"("})");
+    h.Finish();
+  }
+  ASSERT_EQ(h.Requests().size(), 2U);
+  EXPECT_EQ(JsonGetString(h.Requests()[0], u"usageKind"), u"translate_selection");
+  EXPECT_EQ(JsonGetString(h.Requests()[1], u"usageKind"), u"translate_full");
+}
+
+TEST(StartRun, OnlyASavedSizeAboveZeroTakesThePlaceOfTheFit) {
+  for (const char* size : {"-1", "0", "0.5"}) {
+    PaneHarness h;
+    h.AddSlide(u"hello");
+    h.Say(std::string(R"({"action":"setTargetStyle","targetFontSize":)") + size + "}");
+    h.Start();
+    h.Finish();
+    EXPECT_EQ(h.MainEvents(), kCompleted);
+    // The fit begins with the place of the shape, which nothing else reads.
+    const bool fitted = std::any_of(h.host.calls.begin(), h.host.calls.end(), [](const auto& call) {
+      return call.find("Left") != std::string::npos;
+    });
+    EXPECT_EQ(fitted, std::string(size) != "0.5") << size;
+  }
+}
+
 TEST(StartRun, NothingToTranslateEndsAtOnceWithoutAnError) {
   PaneHarness h;
   LogCapture log;
@@ -417,6 +469,25 @@ TEST(PauseAndResume, ACancelWakesAPausedRun) {
   EXPECT_EQ(h.pane->run().runControl()->paused, 0);
   h.Finish();
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);
+}
+
+TEST(PauseAndResume, APauseIsIgnoredWhileARunIsFinishing) {
+  PaneHarness h;
+  h.AddSlide(u"one");
+  h.Start();
+  ASSERT_TRUE(h.WaitForWorker());
+  int paused = 0;
+  int calls = 0;
+  h.host.onCall = [&](const std::string&) {
+    if (calls++ > 0) return;
+    h.Say(R"({"action":"pause"})");
+    paused = h.pane->run().runControl()->paused;
+  };
+  h.Finish();
+  h.host.onCall = {};
+  EXPECT_GT(calls, 0);
+  EXPECT_EQ(paused, 0);
+  EXPECT_EQ(h.MainEvents(), kCompleted);
 }
 
 TEST(NavigationStarting, EndsTheBatchesWaitAtOnce) {

@@ -2,9 +2,9 @@
 
 #include <array>
 
+#include "deck/DeckBuilder.h"
 #include "foundation/automation/HostMembers.h"
 #include "gtest/gtest.h"
-#include "model/DeckBuilder.h"
 #include "remote/RemoteObject.h"
 #include "support/TempFolder.h"
 

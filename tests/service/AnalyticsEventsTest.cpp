@@ -54,17 +54,17 @@ TEST(AnalyticsEvents, SeveralEventsAreTakenTogetherOrNotAtAll) {
 }
 
 TEST(AnalyticsEvents, WhatIsNoListOfEventsIsRefusedWithAReason) {
-  EXPECT_NE(Reason("").find("no valid JSON"), std::string::npos);
-  EXPECT_NE(Reason("{").find("no valid JSON"), std::string::npos);
+  EXPECT_NE(Reason("").find("not valid JSON"), std::string::npos);
+  EXPECT_NE(Reason("{").find("not valid JSON"), std::string::npos);
   for (const char* body : {"[]", "7", "{}", R"({"events":{}})", R"({"events":[]})"}) {
     EXPECT_NE(Reason(body).find("must be an array with an event"), std::string::npos) << body;
   }
-  EXPECT_NE(Reason(R"({"events":[1]})").find("objects only"), std::string::npos);
+  EXPECT_NE(Reason(R"({"events":[1]})").find("only objects"), std::string::npos);
   EXPECT_NE(Reason(R"({"events":[{}]})").find("event is missing"), std::string::npos);
   EXPECT_NE(Reason(R"({"events":[{"event":1}]})").find("must be a string"), std::string::npos);
   EXPECT_NE(Reason(R"({"events":[{"event":"a","context":1}]})").find("context must be an object"),
             std::string::npos);
-  EXPECT_NE(Reason(R"({"events":[{"event":"a","props":{"x":1}}]})").find("strings only"),
+  EXPECT_NE(Reason(R"({"events":[{"event":"a","props":{"x":1}}]})").find("only strings"),
             std::string::npos);
   EXPECT_NE(Reason(R"({"events":)" + std::string(50, '[')).find("too deeply"), std::string::npos);
 }

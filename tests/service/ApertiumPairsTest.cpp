@@ -91,22 +91,22 @@ TEST_F(Modes, AnUnknownLanguageIsNamed) {
 
 TEST_F(Modes, EngineServesPairAnswersWithoutAnEngine) {
   Install({"eng-spa"});
-  std::string advice;
-  EXPECT_TRUE(EngineServesPair(options, "en", "es", advice));
-  EXPECT_TRUE(EngineServesPair(options, "auto", "es-MX", advice));
-  EXPECT_TRUE(EngineServesPair(options, "es", "es", advice));
-  EXPECT_EQ(advice, "");
-  EXPECT_FALSE(EngineServesPair(options, "es", "en", advice));
-  EXPECT_NE(advice, "");
-  EXPECT_FALSE(EngineServesPair(options, "auto", "ca", advice));
+  const auto refusal = [&](const char* source, const char* target) {
+    const Result<void> served = EngineServesPair(options, source, target);
+    return served ? std::string() : served.error().words;
+  };
+  EXPECT_EQ(refusal("en", "es"), "");
+  EXPECT_EQ(refusal("auto", "es-MX"), "");
+  EXPECT_EQ(refusal("es", "es"), "");
+  EXPECT_NE(refusal("es", "en"), "");
+  EXPECT_NE(refusal("auto", "ca"), "");
   options.name = "pseudo";
-  EXPECT_TRUE(EngineServesPair(options, "en", "tlh", advice));
+  EXPECT_EQ(refusal("en", "tlh"), "");
   options.name = "openai";
-  EXPECT_FALSE(EngineServesPair(options, "en", "ja", advice));
-  EXPECT_NE(advice.find("--openai-url"), std::string::npos) << advice;
+  EXPECT_NE(refusal("en", "ja").find("--openai-url"), std::string::npos);
   options.openaiUrl = "http://localhost:1";
   options.openaiModel = "m";
-  EXPECT_TRUE(EngineServesPair(options, "en", "ja", advice));
+  EXPECT_EQ(refusal("en", "ja"), "");
 }
 
 }  // namespace quillmarch::service

@@ -12,12 +12,13 @@ TEST(ApertiumStream, WhatMeansSomethingInTheStreamIsEscaped) {
   EXPECT_EQ(ToApertium("^a$/<b>{c}[d]@\\"), "\\^a\\$\\/\\<b\\>\\{c\\}\\[d\\]\\@\\\\.[]");
 }
 
-TEST(ApertiumStream, WhiteSpaceBeyondOneBlankTravelsAlong) {
-  EXPECT_EQ(ToApertium("a b  c\vd\te"), "a b[  ]c[\v]d[\t]e.[]");
-  EXPECT_EQ(ToApertium("a\nb"), "a[\n]b.[]");
+TEST(ApertiumStream, WhiteSpaceBeyondOneSpaceTravelsAlong) {
+  EXPECT_EQ(ToApertium("a b  c\vd\te"), "a b[  ]c.[][\v]d[\t]e.[]");
 }
 
-TEST(ApertiumStream, AnEmptyLineEndsASentence) {
+TEST(ApertiumStream, ALineBreakEndsASentence) {
+  EXPECT_EQ(ToApertium("a\nb"), "a.[][\n]b.[]");
+  EXPECT_EQ(ToApertium("a \r\n b"), "a.[][ \r\n ]b.[]");
   EXPECT_EQ(ToApertium("a\n\nb"), "a.[][\n\n]b.[]");
 }
 
@@ -27,6 +28,13 @@ TEST(ApertiumStream, ATildeTravelsAlongSinceThePipelineWouldEatIt) {
 
 TEST(ApertiumStream, NulIsDropped) {
   EXPECT_EQ(ToApertium(std::string_view("a.\0b", 4)), "a.b.[]");
+}
+
+TEST(ApertiumStream, SpacesThatThePipelineAddsNextToOthersAreDropped) {
+  EXPECT_EQ(FromApertium("Es el CEO  casa.[]"), "Es el CEO casa");
+  EXPECT_EQ(FromApertium("a [  ] b.[]"), "a  b");
+  EXPECT_EQ(FromApertium("a.[] [\n] b.[]"), "a\nb");
+  EXPECT_EQ(FromApertium("a[  ]b.[]"), "a  b");
 }
 
 TEST(ApertiumStream, TextsComeBackAsTheyWere) {

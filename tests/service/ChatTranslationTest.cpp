@@ -23,9 +23,8 @@ struct Read {
 };
 
 Read ReadMessage(const std::string& message, const Strings& texts = {"one", "two"}) {
-  Read read;
-  read.ok = ReadChatAnswer(Chat(message), texts, read.translations, read.error);
-  return read;
+  const Result<Strings> answer = ReadChatAnswer(Chat(message), texts);
+  return answer ? Read{true, *answer, ""} : Read{false, {}, answer.error().words};
 }
 
 void ExpectGood(const std::string& message) {
@@ -121,11 +120,9 @@ TEST(ChatTranslation, WhatIsNoListOfStringsIsRefused) {
 }
 
 TEST(ChatTranslation, ABodyThatIsNoChatAnswerIsRefused) {
-  Strings out;
-  std::string error;
   for (const char* body : {"", "null", "{}", R"({"choices":[]})",
                            R"({"choices":[{"message":{"content":null}}]})", "<html>"}) {
-    EXPECT_FALSE(ReadChatAnswer(body, {"one"}, out, error)) << body;
+    EXPECT_FALSE(ReadChatAnswer(body, {"one"})) << body;
   }
 }
 
@@ -135,6 +132,43 @@ TEST(ChatTranslation, ALostPlaceholderIsRefusedWithItsTextsNumber) {
   const Read read = ReadMessage(R"({"1":"uno","2":"ve REF 1"})", texts);
   EXPECT_FALSE(read.ok);
   EXPECT_NE(read.error.find("text 2"), std::string::npos) << read.error;
+}
+
+TEST(ChatTranslation, AnswersNestedWithoutEndAreBadAnswers) {
+  const std::string deep(10'000, '[');
+  std::string nested;
+  for (int i = 0; i < 10'000; ++i) nested += "{\"translations\":";
+  ExpectBad(nested + "1" + std::string(10'000, '}'));
+  ExpectBad("[{\"id\":" + std::string(100'000, '[') + std::string(100'000, ']') +
+            ",\"text\":\"x\"}]");
+  EXPECT_FALSE(ReadChatAnswer("{\"choices\":" + deep, {"one"}));
+  EXPECT_FALSE(ReadChatAnswer("{\"choices\":" + deep + std::string(10'000, ']') + "}", {"one"}));
+}
+
+TEST(ChatTranslation, AnAnswerOfAMillionValuesIsABadAnswer) {
+  std::string values = "1";
+  for (int i = 0; i < 1'000'000; ++i) values += ",1";
+  ExpectBad("{\"1\":[" + values + "]}");
+  EXPECT_FALSE(ReadChatAnswer("{\"choices\":[" + values + "]}", {"one"}));
+}
+
+TEST(ChatTranslation, ATermWithoutATargetIsKept) {
+  EngineRequest request;
+  request.targetLang = "es";
+  request.glossary = {{"Quill", "", ""}, {"Plan", "Proyecto", ""}};
+  const std::string body = ChatRequestBody(request, "m");
+  EXPECT_NE(body.find("- Quill (keep it untranslated)"), std::string::npos) << body;
+  EXPECT_NE(body.find("- Plan => Proyecto"), std::string::npos) << body;
+}
+
+TEST(ChatTranslation, AServersOwnSentenceIsFoundWhereServersPutIt) {
+  EXPECT_EQ(ServersOwnSentence(R"({"error":{"message":"No such model: x"}})"), "No such model: x");
+  EXPECT_EQ(ServersOwnSentence(R"({"error":"model not found"})"), "model not found");
+  EXPECT_EQ(ServersOwnSentence(R"({"message":"two\nlines"})"), "two lines");
+  EXPECT_EQ(ServersOwnSentence(R"({"detail":"nope"})"), "nope");
+  EXPECT_EQ(ServersOwnSentence(R"({"detail":{"x":1}})"), "");
+  EXPECT_EQ(ServersOwnSentence("<html>"), "");
+  EXPECT_EQ(ServersOwnSentence(R"({"message":")" + std::string(1000, 'x') + "\"}").size(), 200u);
 }
 
 }  // namespace quillmarch::service

@@ -24,15 +24,13 @@ class OpenAi : public testing::Test {
   }
   EngineResult Ask(const ScriptedModel& model) {
     if (options.openaiUrl.empty()) options.openaiUrl = model.url();
-    std::string error;
-    const std::unique_ptr<Engine> engine = MakeEngine(options, error);
-    EXPECT_NE(engine, nullptr) << error;
-    return engine->Translate(request, stop);
+    const auto engine = MakeEngine(options);
+    EXPECT_TRUE(engine) << engine.error().words;
+    return (*engine)->Translate(request, stop);
   }
-  void ExpectFailure(const EngineResult& result, int status, const char* code) {
+  void ExpectFailure(const EngineResult& result, EngineFailure failure) {
     EXPECT_FALSE(result.ok);
-    EXPECT_EQ(result.status, status);
-    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.failure, failure) << result.message;
     EXPECT_NE(result.message, "");
   }
   EngineOptions options;
@@ -77,13 +75,13 @@ TEST_F(OpenAi, AnotherOrderAndProseArePutRight) {
 
 TEST_F(OpenAi, AWrongCountAndInvalidJsonAreBadAnswers) {
   ScriptedModel few({{200, ChatMessage(R"({"1":"uno"})")}});
-  ExpectFailure(Ask(few), 502, "engine_bad_answer");
+  ExpectFailure(Ask(few), EngineFailure::kBadAnswer);
   options.openaiUrl.clear();
   ScriptedModel prose({{200, ChatMessage("no idea")}});
-  ExpectFailure(Ask(prose), 502, "engine_bad_answer");
+  ExpectFailure(Ask(prose), EngineFailure::kBadAnswer);
   options.openaiUrl.clear();
   ScriptedModel broken({{200, "{\"choices\":"}});
-  ExpectFailure(Ask(broken), 502, "engine_bad_answer");
+  ExpectFailure(Ask(broken), EngineFailure::kBadAnswer);
 }
 
 TEST_F(OpenAi, ABusyServerIsAskedOnceMoreAfterItsTime) {
@@ -94,13 +92,13 @@ TEST_F(OpenAi, ABusyServerIsAskedOnceMoreAfterItsTime) {
 
 TEST_F(OpenAi, AServerThatStaysBusyIsRateLimited) {
   ScriptedModel model({{429, "", "0"}, {429, "", "0"}, {200, ChatMessage(kGood)}});
-  ExpectFailure(Ask(model), 429, "rate_limited");
+  ExpectFailure(Ask(model), EngineFailure::kRateLimited);
   EXPECT_EQ(model.requests().size(), 2u);
 }
 
 TEST_F(OpenAi, AWaitBeyondTheBoundIsNotWaited) {
   ScriptedModel model({{429, "", "30"}, {200, ChatMessage(kGood)}});
-  ExpectFailure(Ask(model), 429, "rate_limited");
+  ExpectFailure(Ask(model), EngineFailure::kRateLimited);
   EXPECT_EQ(model.requests().size(), 1u);
 }
 
@@ -109,14 +107,14 @@ TEST_F(OpenAi, AStopEndsTheWaitForABusyServer) {
   std::future<EngineResult> result = std::async(std::launch::async, [&] { return Ask(model); });
   model.WaitForRequests(1);
   stop = true;
-  ExpectFailure(result.get(), 503, "shutting_down");
+  ExpectFailure(result.get(), EngineFailure::kStopping);
   EXPECT_EQ(model.requests().size(), 1u);
 }
 
 TEST_F(OpenAi, AServerThatHangsTimesOut) {
   options.openaiTimeLimitMs = 200;
   ScriptedModel model({{200, "", "", true}});
-  ExpectFailure(Ask(model), 504, "engine_timeout");
+  ExpectFailure(Ask(model), EngineFailure::kTimeout);
 }
 
 TEST_F(OpenAi, AStopEndsARequestThatHangs) {
@@ -124,18 +122,18 @@ TEST_F(OpenAi, AStopEndsARequestThatHangs) {
   std::future<EngineResult> result = std::async(std::launch::async, [&] { return Ask(model); });
   model.WaitForRequests(1);
   stop = true;
-  ExpectFailure(result.get(), 503, "shutting_down");
+  ExpectFailure(result.get(), EngineFailure::kStopping);
 }
 
 TEST_F(OpenAi, ErrorsOfTheServerAreTold) {
   ScriptedModel broken({{500, "{}"}});
-  ExpectFailure(Ask(broken), 502, "engine_failed");
+  ExpectFailure(Ask(broken), EngineFailure::kFailed);
   options.openaiUrl.clear();
   ScriptedModel closed({{401, "{}"}});
-  ExpectFailure(Ask(closed), 502, "engine_refused");
+  ExpectFailure(Ask(closed), EngineFailure::kRefused);
   options.openaiUrl.clear();
   ScriptedModel elsewhere({{302, "", "", false, "http://127.0.0.1:9/"}});
-  ExpectFailure(Ask(elsewhere), 502, "engine_failed");
+  ExpectFailure(Ask(elsewhere), EngineFailure::kFailed);
 }
 
 TEST_F(OpenAi, ARefusedConnectionIsTold) {
@@ -144,23 +142,69 @@ TEST_F(OpenAi, ARefusedConnectionIsTold) {
     options.openaiUrl = gone.url();
   }
   const ScriptedModel unused({});
-  ExpectFailure(Ask(unused), 502, "engine_unavailable");
+  ExpectFailure(Ask(unused), EngineFailure::kUnavailable);
 }
 
 TEST_F(OpenAi, HttpsIsVerified) {
   const TestCertificate certificate = MakeTestCertificate(folder, "model");
   ScriptedModel model({{200, ChatMessage(kGood)}}, &certificate);
-  ExpectFailure(Ask(model), 502, "engine_unavailable");
+  ExpectFailure(Ask(model), EngineFailure::kUnavailable);
   EXPECT_TRUE(model.requests().empty());
   options.openaiCaFile = certificate.certificateFile;
   EXPECT_TRUE(Ask(model).ok);
 }
 
+TEST_F(OpenAi, TheServersOwnSentenceReachesTheUser) {
+  ScriptedModel model({{400, R"({"error":{"message":"The context is too long."}})"},
+                       {401, R"({"error":{"message":"Incorrect key."}})"},
+                       {404, R"({"error":"model \"m\" not found"})"}});
+  EXPECT_EQ(Ask(model).message, "The model's server failed (status 400): The context is too long.");
+  EXPECT_EQ(Ask(model).message, "The model's server refused the key (status 401): Incorrect key.");
+  const EngineResult unknown = Ask(model);
+  ExpectFailure(unknown, EngineFailure::kRefused);
+  EXPECT_NE(unknown.message.find("model \"m\" not found"), std::string::npos) << unknown.message;
+}
+
+TEST_F(OpenAi, WhyThereIsNoConnectionIsSaid) {
+  const auto message = [&](const std::string& url) {
+    options.openaiUrl = url;
+    const ScriptedModel unused({});
+    const EngineResult result = Ask(unused);
+    ExpectFailure(result, EngineFailure::kUnavailable);
+    return result.message;
+  };
+  EXPECT_NE(message("http://no-such-host.invalid").find("no host of this name"), std::string::npos);
+  std::string gone;
+  {
+    const ScriptedModel model({});
+    gone = model.url();
+  }
+  EXPECT_NE(message(gone).find("nothing accepts connections"), std::string::npos);
+  const ScriptedModel plain({});
+  EXPECT_NE(message("https" + plain.url().substr(4)).find("does not speak TLS"), std::string::npos);
+  const TestCertificate certificate = MakeTestCertificate(folder, "model");
+  const ScriptedModel secure({}, &certificate);
+  EXPECT_NE(message(secure.url()).find("--openai-ca-file"), std::string::npos);
+}
+
+TEST_F(OpenAi, TextsAnsweredWithNothingAreAskedForOnceMore) {
+  request.texts = {"one", "two", " "};
+  ScriptedModel model(
+      {{200, ChatMessage(R"({"1":"uno","2":" ","3":""})")}, {200, ChatMessage(R"({"1":"dos"})")}});
+  EXPECT_EQ(Ask(model).translations, (std::vector<std::string>{"uno", "dos", ""}));
+  const auto second = nlohmann::json::parse(model.requests().at(1).body);
+  EXPECT_EQ(second["messages"][1]["content"], R"({"1":"two"})");
+}
+
+TEST_F(OpenAi, AnAnswerWithoutEndIsNotReadToItsEnd) {
+  ScriptedModel model({{200, std::string(3'000'000, ' ')}});
+  ExpectFailure(Ask(model), EngineFailure::kBadAnswer);
+}
+
 TEST_F(OpenAi, MissingSettingsAreNamed) {
   const auto refuse = [&] {
-    std::string error;
-    EXPECT_EQ(MakeEngine(options, error), nullptr);
-    return error;
+    const auto made = MakeEngine(options);
+    return made ? "" : made.error().words;
   };
   EXPECT_NE(refuse().find("--openai-url"), std::string::npos);
   options.openaiUrl = "ftp://x";

@@ -57,9 +57,12 @@ class RunningService {
       const std::lock_guard lock(mutex_);
       events_.push_back(line);
     };
-    std::string error;
-    service = Service::Start(options, std::make_unique<ScriptedEngine>(std::move(script)), error);
-    EXPECT_NE(service, nullptr) << error;
+    auto started = Service::Start(options, std::make_unique<ScriptedEngine>(std::move(script)));
+    if (started) {
+      service = std::move(started).value();
+    } else {
+      ADD_FAILURE() << started.error().words;
+    }
   }
 
   std::uint16_t port() const { return service->port(); }

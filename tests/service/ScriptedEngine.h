@@ -35,10 +35,9 @@ inline EngineResult Echo(const EngineRequest& request, const std::atomic<bool>&)
   return Translated(request.texts);
 }
 
-inline EngineResult Failed(int status, const char* code, const char* message) {
+inline EngineResult Failed(EngineFailure failure, const char* message) {
   EngineResult result;
-  result.status = status;
-  result.code = code;
+  result.failure = failure;
   result.message = message;
   return result;
 }

@@ -9,8 +9,8 @@
 #include <regex>
 
 #include "service/LoopbackClient.h"
+#include "service/PrivateFile.h"
 #include "service/RunningService.h"
-#include "support/TempFolder.h"
 
 namespace quillmarch::service {
 
@@ -100,7 +100,7 @@ TEST(ServiceProgram, ServesUntilASignalAndWritesItsLog) {
 
 TEST(ServiceProgram, ReadsItsTokenFile) {
   const TempFolder folder;
-  Program program({"--engine", "pseudo", "--token-file", folder.Put("tokens", "secret\n")});
+  Program program({"--engine", "pseudo", "--token-file", PutPrivate(folder, "tokens", "secret\n")});
   const std::uint16_t port = program.Listening();
   EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText).status, 401);
   EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText, {"Authorization: Bearer secret"}).status,

@@ -45,7 +45,7 @@ TEST(ServiceStop, AnEngineAtWorkIsToldAndItsClientGetsTheAnswer) {
   const RunningService running({}, [&](const EngineRequest&, const std::atomic<bool>& stop) {
     gate.Arrive();
     gate.Wait(stop);
-    return Failed(503, "shutting_down", "The service is stopping.");
+    return Failed(EngineFailure::kStopping, "The service is stopping.");
   });
   std::future<HttpReply> reply =
       std::async(std::launch::async, [&] { return running.Post(kOneText); });

@@ -4,8 +4,8 @@
 
 #include <regex>
 
+#include "service/PrivateFile.h"
 #include "service/RunningService.h"
-#include "support/TempFolder.h"
 
 namespace quillmarch::service {
 
@@ -13,6 +13,11 @@ namespace {
 
 std::string Json(const char* code, const std::string& message) {
   return std::string("{\"code\":\"") + code + "\",\"message\":\"" + message + "\"}";
+}
+
+std::string Refusal(const ServiceOptions& options) {
+  const auto started = Service::Start(options, std::make_unique<ScriptedEngine>(Echo));
+  return started ? "" : started.error().words;
 }
 
 }  // namespace
@@ -83,7 +88,7 @@ TEST(Service, AMissingOrWrongTokenIsUnauthorized) {
 TEST(Service, CreditsOfTheTokenFileRunOut) {
   const TempFolder folder;
   ServiceOptions options;
-  options.tokenFile = folder.Put("tokens", "poor 6\nrich\n");
+  options.tokenFile = PutPrivate(folder, "tokens", "poor 6\nrich\n");
   const RunningService running(options);
   EXPECT_EQ(running.Post(kOneText, {"Authorization: Bearer poor"}).status, 200);
   const HttpReply refused = running.Post(kOneText, {"Authorization: Bearer poor"});
@@ -124,7 +129,7 @@ TEST(Service, BadJsonIsRefusedWithAReason) {
   const RunningService running;
   const HttpReply reply = running.Post("{\"texts\":");
   EXPECT_EQ(reply.status, 400);
-  EXPECT_EQ(reply.body, Json("bad_request", "The body is no valid JSON."));
+  EXPECT_EQ(reply.body, Json("bad_request", "The body cannot be read: it is not valid JSON."));
   EXPECT_EQ(running.Post("").status, 400);
 }
 
@@ -222,8 +227,7 @@ TEST(Service, APortThatIsTakenIsRefusedWithASentence) {
   const RunningService first;
   ServiceOptions options;
   options.port = first.port();
-  std::string error;
-  EXPECT_EQ(Service::Start(options, std::make_unique<ScriptedEngine>(Echo), error), nullptr);
+  const std::string error = Refusal(options);
   EXPECT_NE(error.find("Address already in use"), std::string::npos) << error;
   EXPECT_NE(error.find(std::to_string(first.port())), std::string::npos) << error;
 }
@@ -231,16 +235,14 @@ TEST(Service, APortThatIsTakenIsRefusedWithASentence) {
 TEST(Service, AnAddressThatIsNoneIsRefusedWithASentence) {
   ServiceOptions options;
   options.address = "256.1.1.1";
-  std::string error;
-  EXPECT_EQ(Service::Start(options, std::make_unique<ScriptedEngine>(Echo), error), nullptr);
+  const std::string error = Refusal(options);
   EXPECT_NE(error.find("256.1.1.1"), std::string::npos) << error;
 }
 
 TEST(Service, ATokenFileThatCantBeReadIsRefused) {
   ServiceOptions options;
   options.tokenFile = "/nowhere/tokens";
-  std::string error;
-  EXPECT_EQ(Service::Start(options, std::make_unique<ScriptedEngine>(Echo), error), nullptr);
+  const std::string error = Refusal(options);
   EXPECT_NE(error.find("/nowhere/tokens"), std::string::npos) << error;
 }
 

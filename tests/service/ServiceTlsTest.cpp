@@ -70,9 +70,8 @@ TEST_F(Tls, FilesThatDoNotBelongTogetherAreRefused) {
     ServiceOptions options;
     options.certificateFile = certificateFile;
     options.keyFile = keyFile;
-    std::string error;
-    EXPECT_EQ(Service::Start(options, std::make_unique<ScriptedEngine>(Echo), error), nullptr);
-    return error;
+    const auto started = Service::Start(options, std::make_unique<ScriptedEngine>(Echo));
+    return started ? "" : started.error().words;
   };
   EXPECT_NE(start(certificate.certificateFile, other.keyFile).find("other.key"), std::string::npos);
   EXPECT_NE(start(folder.Path("none"), certificate.keyFile).find("none"), std::string::npos);

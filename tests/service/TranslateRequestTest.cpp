@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "service/PrivateFile.h"
 #include "service/ScriptedEngine.h"
 
 namespace quillmarch::service {
@@ -26,7 +27,7 @@ Asked Ask(const std::string& body, const ScriptedEngine::Answer& script = Echo,
   });
   TokenTable tokens;
   const std::atomic<bool> stop{false};
-  asked.answer = AnswerTranslate(body, maxTexts, engine, tokens, std::nullopt, stop);
+  asked.answer = AnswerTranslate(body, {engine, tokens, nullptr, "", maxTexts, stop});
   return asked;
 }
 
@@ -126,7 +127,7 @@ TEST(TranslateRequest, TooManyTextsAreRefusedBeforeTheEngineSeesThem) {
 TEST(TranslateRequest, AnEnginesFailureIsPassedOnAsItStands) {
   const Asked asked = Ask(R"({"texts":["a"],"targetLang":"es"})",
                           [](const EngineRequest&, const std::atomic<bool>&) {
-                            return Failed(429, "rate_limited", "Later.");
+                            return Failed(EngineFailure::kRateLimited, "Later.");
                           });
   EXPECT_EQ(asked.answer.status, 429);
   EXPECT_EQ(asked.answer.body, R"({"code":"rate_limited","message":"Later."})");
@@ -146,36 +147,86 @@ TEST(TranslateRequest, AnEngineThatThrowsCostsItsRequestOnly) {
                           [](const EngineRequest&, const std::atomic<bool>&) -> EngineResult {
                             throw std::runtime_error("out of cheese");
                           });
-  EXPECT_EQ(asked.answer.status, 500);
+  EXPECT_EQ(asked.answer.status, 502);
   EXPECT_NE(asked.answer.body.find("\"engine_failed\""), std::string::npos);
 }
 
 TEST(TranslateRequest, CreditsAreTakenInUtf16UnitsAndGivenBackWhenTheEngineFails) {
-  TokenTable tokens;
   // "😀a" is 3 units.
   const std::string body = R"({"texts":["😀a"],"targetLang":"es"})";
-  std::string error;
   const std::atomic<bool> stop{false};
   bool works = false;
   ScriptedEngine engine([&](const EngineRequest& request, const std::atomic<bool>&) {
-    return works ? Translated(request.texts) : Failed(500, "engine_failed", "No.");
+    return works ? Translated(request.texts) : Failed(EngineFailure::kFailed, "No.");
   });
+  const TempFolder folder;
   TokenTable limited;
-  {
-    std::string path = testing::TempDir() + "quillmarch-credits";
-    FILE* file = std::fopen(path.c_str(), "w");
-    ASSERT_NE(file, nullptr);
-    std::fputs("t 7\n", file);
-    std::fclose(file);
-    ASSERT_TRUE(limited.AddFile(path, error)) << error;
-    std::remove(path.c_str());
-  }
-  const auto ask = [&] { return AnswerTranslate(body, 100, engine, limited, 0, stop).status; };
-  EXPECT_EQ(ask(), 500);
+  ASSERT_TRUE(limited.Load(PutPrivate(folder, "tokens", "t 7\n"), {}));
+  const TokenHandle token = limited.Find("Bearer t");
+  const auto ask = [&] {
+    return AnswerTranslate(body, {engine, limited, token, "t", 100, stop}).status;
+  };
+  EXPECT_EQ(ask(), 502);
   works = true;
   EXPECT_EQ(ask(), 200);
   EXPECT_EQ(ask(), 200);
   EXPECT_EQ(ask(), 402);
+}
+
+TEST(TranslateRequest, AGlossaryOfAMillionObjectsIsRefusedBeforeItIsBuilt) {
+  std::string body = R"({"texts":["a"],"targetLang":"es","glossary":[{})";
+  for (int i = 0; i < 1'000'000; ++i) body += ",{}";
+  const Asked asked = Ask(body + "]}");
+  EXPECT_EQ(asked.answer.status, 413);
+  EXPECT_EQ(asked.answer.cause, "payload_too_large");
+  EXPECT_FALSE(asked.called);
+}
+
+TEST(TranslateRequest, AThousandTermsAreTakenAndOneMoreIsNot) {
+  std::string terms = R"({"source":"a","target":"b","note":"n"})";
+  for (std::size_t i = 1; i < kMaxTerms; ++i) terms += R"(,{"source":"a","target":"b","note":"n"})";
+  const std::string head = R"({"texts":["a"],"targetLang":"es","glossary":[)";
+  EXPECT_EQ(Ask(head + terms + "]}").request.glossary.size(), kMaxTerms);
+  EXPECT_EQ(Ask(head + terms + ",{}]}").answer.status, 413);
+}
+
+TEST(TranslateRequest, ATextThatTheEngineAnswersWithNothingKeepsItsWordsAndIsNamed) {
+  const Asked asked = Ask(R"({"texts":["one","two"," "],"targetLang":"es"})",
+                          [](const EngineRequest&, const std::atomic<bool>&) {
+                            return Translated({"uno", " ", ""});
+                          });
+  EXPECT_EQ(asked.answer.body, R"({"translations":["uno","two",""]})");
+  ASSERT_EQ(asked.answer.left.size(), 1u);
+  EXPECT_EQ(asked.answer.left[0].text, "two");
+  EXPECT_EQ(asked.answer.left[0].cause, LeftCause::kNoTranslation);
+}
+
+TEST(TranslateRequest, ARefusalForGoodGoesOutUnderACodeThatEndsTheClientsTries) {
+  for (const auto& [failure, cause] :
+       {std::pair(EngineFailure::kRefused, "engine_refused"),
+        std::pair(EngineFailure::kUnsupportedPair, "unsupported_language_pair")}) {
+    const Asked asked = Ask(R"({"texts":["a"],"targetLang":"es"})",
+                            [&, why = failure](const EngineRequest&, const std::atomic<bool>&) {
+                              return Failed(why, "Never.");
+                            });
+    EXPECT_EQ(asked.answer.body, std::string(R"({"code":"unauthorized","message":"Never.",)") +
+                                     R"("cause":")" + cause + "\"}");
+    EXPECT_EQ(asked.answer.cause, cause);
+    EXPECT_EQ(asked.answer.failure, failure);
+    EXPECT_EQ(asked.answer.failureMessage, "Never.");
+  }
+}
+
+TEST(TranslateRequest, TheRunIsKnownByItsClientItsTraceAndItsNumber) {
+  const auto run = [](const std::string& trace) {
+    return Ask(R"({"texts":["a"],"targetLang":"es")" + trace + "}").request.run;
+  };
+  EXPECT_EQ(run(""), "");
+  EXPECT_EQ(run(R"(,"trace":{})"), "");
+  const std::string one = run(R"(,"trace":{"clientTraceId":"ppt_1","runId":"1"})");
+  EXPECT_NE(one, "");
+  EXPECT_EQ(run(R"(,"trace":{"runId":"1","clientTraceId":"ppt_1"})"), one);
+  EXPECT_NE(run(R"(,"trace":{"clientTraceId":"ppt_1","runId":"2"})"), one);
 }
 
 }  // namespace quillmarch::service

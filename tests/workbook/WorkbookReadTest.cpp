@@ -11,8 +11,8 @@ namespace {
 
 std::unique_ptr<Workbook> Opened(const BuiltWorkbook& built) {
   auto opened = Workbook::Open(built.Bytes());
-  EXPECT_TRUE(opened.ok) << opened.error.sentence;
-  return std::move(opened.value);
+  EXPECT_TRUE(opened.ok()) << opened.error().words;
+  return std::move(opened.value());
 }
 
 std::string Text(Workbook& workbook, const std::string& place, std::size_t sheet = 0) {
@@ -208,7 +208,7 @@ TEST(WorkbookRead, ASheetThatCannotBeReadSaysWhyAndHasEmptyCells) {
       "The part xl/worksheets/sheet1.xml cannot be read: it is not good XML"))
       << workbook->SheetFault(0);
   EXPECT_EQ(Text(*workbook, "A1"), "");
-  EXPECT_FALSE(workbook->PutText(0, {1, 1}, u"x").ok);
+  EXPECT_FALSE(workbook->PutText(0, {1, 1}, u"x").ok());
 }
 
 }  // namespace quillmarch::host::workbook

@@ -15,24 +15,24 @@ constexpr char kSheetPart[] = "xl/worksheets/sheet1.xml";
 
 std::unique_ptr<Workbook> Opened(const std::string& bytes) {
   auto opened = Workbook::Open(bytes);
-  EXPECT_TRUE(opened.ok) << opened.error.sentence;
-  return std::move(opened.value);
+  EXPECT_TRUE(opened.ok()) << opened.error().words;
+  return std::move(opened.value());
 }
 
 std::string Saved(Workbook& workbook) {
   auto saved = workbook.SaveBytes();
-  EXPECT_TRUE(saved.ok) << saved.error.sentence;
-  return saved.value;
+  EXPECT_TRUE(saved.ok()) << saved.error().words;
+  return saved.value();
 }
 
 std::string Put(Workbook& workbook, const std::string& place, WideView text) {
   const auto put = workbook.PutText(0, ParseCell(place), text);
-  return put.ok ? ToUtf8(put.value) : put.error.sentence;
+  return put.ok() ? ToUtf8(put.value()) : put.error().words;
 }
 
 std::string Part(const std::string& bytes, const std::string& name) {
   const auto package = Package::OpenBytes(bytes);
-  return package.ok ? package.value->ReadPart(name).value : package.error.sentence;
+  return package.ok() ? package.value()->ReadPart(name).value() : package.error().words;
 }
 
 // The parts that differ between two packages of the same parts.
@@ -40,9 +40,10 @@ std::set<std::string> Changed(const std::string& before, const std::string& afte
   std::set<std::string> changed;
   const auto old = Package::OpenBytes(before);
   const auto fresh = Package::OpenBytes(after);
-  EXPECT_EQ(old.value->PartNames(), fresh.value->PartNames());
-  for (const std::string& name : old.value->PartNames()) {
-    if (old.value->ReadPart(name).value != fresh.value->ReadPart(name).value) changed.insert(name);
+  EXPECT_EQ(old.value()->PartNames(), fresh.value()->PartNames());
+  for (const std::string& name : old.value()->PartNames()) {
+    if (old.value()->ReadPart(name).value() != fresh.value()->ReadPart(name).value())
+      changed.insert(name);
   }
   return changed;
 }

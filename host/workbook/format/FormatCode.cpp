@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cstddef>
 
-#include "host/package/xml/Utf8.h"
+#include "foundation/text/Utf8.h"
 
 namespace quillmarch::host::workbook {
 namespace {

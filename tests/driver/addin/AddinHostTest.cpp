@@ -327,7 +327,7 @@ TEST(AddinHost, ADisconnectionWithoutABeginShutdownHidesThePanesAndTheRunGoesOn)
 
 std::string Saved(Host& host) {
   const std::string path = testing::TempDir() + "addin-" + std::to_string(getpid()) + ".pptx";
-  EXPECT_TRUE(host.Save(path).ok);
+  EXPECT_TRUE(host.Save(path));
   std::ifstream file(path, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   file.close();
@@ -338,7 +338,7 @@ std::string Saved(Host& host) {
 std::unique_ptr<Host> OpenSample() {
   auto host = std::make_unique<Host>(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  EXPECT_TRUE(host->Open(QUILLMARCH_SAMPLES "/quarterly-review.pptx", warnings).ok);
+  EXPECT_TRUE(host->Open(QUILLMARCH_SAMPLES "/quarterly-review.pptx", warnings));
   return host;
 }
 

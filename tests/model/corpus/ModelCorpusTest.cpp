@@ -12,10 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "deck/DeckBuilder.h"
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
-#include "model/DeckBuilder.h"
+#include "support/TempFolder.h"
 
 namespace quillmarch::host {
 
@@ -263,12 +264,12 @@ TEST_P(ModelCorpus, ReadingAllOfItByBothRoadsLeavesTheSameFile) {
     TempFolder scratch;
     Host host(*FindPersonality(personality));
     std::vector<std::string> warnings;
-    const PackageResult<bool> opened = host.Open(GetParam(), warnings);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
+    const Result<void> opened = host.Open(GetParam(), warnings);
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
     Walk walk;
     walk.Deck(host);
     EXPECT_FALSE(host.Edited());
-    ASSERT_TRUE(host.Save(scratch.Path("copy.pptx")).ok);
+    ASSERT_TRUE(host.Save(scratch.Path("copy.pptx")).ok());
     EXPECT_EQ(FileBytes(scratch.Path("copy.pptx")), FileBytes(GetParam()));
   }
 }
@@ -277,12 +278,12 @@ TEST_P(ModelCorpus, MarkingEveryParagraphChangesTheTextsAndNothingElse) {
   TempFolder scratch;
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  ASSERT_TRUE(host.Open(GetParam(), warnings).ok);
+  ASSERT_TRUE(host.Open(GetParam(), warnings).ok());
   Walk walk;
   walk.mark = true;
   walk.Deck(host);
   const std::string target = scratch.Path("marked.pptx");
-  ASSERT_TRUE(host.Save(target).ok);
+  ASSERT_TRUE(host.Save(target).ok());
 
   const auto before = AllParts(GetParam());
   const auto after = AllParts(target);
@@ -324,18 +325,18 @@ TEST(BadDecks, AllAreRefusedInOneSentenceButTheOneThatLacksALeaf) {
     if (name.starts_with(".") || name.ends_with(".tsv")) continue;
     Host host(*FindPersonality("powerpoint"));
     std::vector<std::string> warnings;
-    const PackageResult<bool> opened = host.Open(path, warnings);
+    const Result<void> opened = host.Open(path, warnings);
     if (name == "made-missing-embedded-workbook.pptx") {
-      EXPECT_TRUE(opened.ok) << opened.error.sentence;
+      EXPECT_TRUE(opened.ok()) << opened.error().words;
       ASSERT_EQ(warnings.size(), 1u);
       EXPECT_NE(warnings[0].find("ppt/embeddings/Microsoft_Excel_Worksheet.xlsx"),
                 std::string::npos);
       continue;
     }
     ++refused;
-    EXPECT_FALSE(opened.ok) << name;
-    EXPECT_TRUE(opened.error.sentence.ends_with('.')) << name << ": " << opened.error.sentence;
-    EXPECT_EQ(opened.error.sentence.find('\n'), std::string::npos) << name;
+    EXPECT_FALSE(opened.ok()) << name;
+    EXPECT_TRUE(opened.error().words.ends_with('.')) << name << ": " << opened.error().words;
+    EXPECT_EQ(opened.error().words.find('\n'), std::string::npos) << name;
   }
   EXPECT_GT(refused, 10u);
 }

@@ -267,8 +267,8 @@ TEST_F(Bounds, ATextIsLaidOutOnceUntilSomethingChanges) {
   testdeck::Write(source, path());
   std::vector<std::string> sentences;
   auto opened = deck::Deck::Open(path(), sentences);
-  ASSERT_TRUE(opened.ok);
-  deck::Deck& deck = *opened.value;
+  ASSERT_TRUE(opened);
+  deck::Deck& deck = **opened;
   model::FrameMeasure measure;
   const deck::ShapeAddress address{{0, false}, 0};
   deck::ShapeBox box;

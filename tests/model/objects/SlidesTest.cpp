@@ -87,7 +87,7 @@ TEST_F(Slides, WindowsAndPresentationsKeepTheirIdentity) {
   EXPECT_NE(window->Identity(), Presentation()->Identity());
   EXPECT_NE(Whole(window, u"HWND"), 0);
 
-  ASSERT_TRUE(host->Open(path(), warnings).ok);
+  ASSERT_TRUE(host->Open(path(), warnings));
   EXPECT_EQ(Whole(Get(application, u"Windows"), u"Count"), 2);
   const ObjectRef second = Get(application, u"ActiveWindow");
   EXPECT_NE(second->Identity(), window->Identity());

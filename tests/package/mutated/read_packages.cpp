@@ -15,13 +15,13 @@ namespace {
 std::string Report(const std::string& path) {
   using namespace quillmarch::host;
   const auto opened = Package::Open(path);
-  if (!opened.ok) return "refused\t" + opened.error.sentence;
+  if (!opened.ok()) return "refused\t" + opened.error().words;
   std::string line = "read";
-  for (const std::string& name : opened.value->PartNames()) {
-    const auto part = opened.value->ReadPart(name);
-    if (!part.ok) return "refused\t" + part.error.sentence;
+  for (const std::string& name : opened.value()->PartNames()) {
+    const auto part = opened.value()->ReadPart(name);
+    if (!part.ok()) return "refused\t" + part.error().words;
     char numbers[64];
-    std::snprintf(numbers, sizeof numbers, "\t%zu\t%08x", part.value.size(), Crc32(part.value));
+    std::snprintf(numbers, sizeof numbers, "\t%zu\t%08x", part.value().size(), Crc32(part.value()));
     line += "\t" + name + numbers;
   }
   return line;

@@ -22,10 +22,10 @@ std::string Number(std::uint64_t value, int bytes) {
 std::string Saved(const std::string& bytes, const std::string& edit = "<p:presentation/>") {
   const TempFolder folder;
   const auto opened = Package::Open(folder.Put("a.pptx", bytes));
-  if (!opened.ok) return opened.error.sentence;
-  opened.value->PutPart(kEdited, edit);
-  const auto saved = opened.value->Save(folder.Path("b.pptx"));
-  return saved.ok ? TempFolder::Bytes(folder.Path("b.pptx")) : saved.error.sentence;
+  if (!opened.ok()) return opened.error().words;
+  opened.value()->PutPart(kEdited, edit);
+  const auto saved = opened.value()->Save(folder.Path("b.pptx"));
+  return saved.ok() ? TempFolder::Bytes(folder.Path("b.pptx")) : saved.error().words;
 }
 
 std::vector<BuiltEntry> Entries(const BuiltEntry& last) {
@@ -96,8 +96,8 @@ TEST(ZipCopy, A64BitEndRecordFollowsTheDirectory) {
   const std::string after = Saved(before);
   const TempFolder folder;
   const auto again = Package::Open(folder.Put("c.pptx", after));
-  ASSERT_TRUE(again.ok) << again.error.sentence;
-  EXPECT_EQ(again.value->ReadPart(kEdited).value, "<p:presentation/>");
+  ASSERT_TRUE(again.ok()) << again.error().words;
+  EXPECT_EQ(again.value()->ReadPart(kEdited).value(), "<p:presentation/>");
 }
 
 TEST(ZipCopy, A64BitSizeOfAnEditedEntryGivesWayToTheShortOne) {
@@ -111,8 +111,8 @@ TEST(ZipCopy, A64BitSizeOfAnEditedEntryGivesWayToTheShortOne) {
   }
   const TempFolder folder;
   const auto again = Package::Open(folder.Put("c.pptx", Saved(before)));
-  ASSERT_TRUE(again.ok) << again.error.sentence;
-  EXPECT_EQ(again.value->ReadPart(kEdited).value, "<p:presentation/>");
+  ASSERT_TRUE(again.ok()) << again.error().words;
+  EXPECT_EQ(again.value()->ReadPart(kEdited).value(), "<p:presentation/>");
   EXPECT_LT(Saved(before).size(), before.size());
 }
 

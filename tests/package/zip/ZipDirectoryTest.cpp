@@ -146,7 +146,7 @@ TEST(ZipDirectory, ANulInANameIsRefusedInWords) {
   const TempFolder folder;
   std::vector<BuiltEntry> entries = MinimalEntries();
   entries.push_back({.name = std::string("ppt/media/a\0.png", 16), .content = "x"});
-  EXPECT_EQ(Package::Open(folder.Put("a.pptx", BuildZip(entries))).error.sentence,
+  EXPECT_EQ(Package::Open(folder.Put("a.pptx", BuildZip(entries))).error().words,
             "The zip entry \"ppt/media/a?.png\" has a control character in its name.");
 }
 
@@ -184,8 +184,8 @@ TEST(ZipDirectory, AStoredVideoAboveTwoGigabytesIsNoBomb) {
   ASSERT_EQ(truncate(path.c_str(), static_cast<off_t>(data + kVideo)), 0);
   std::ofstream(path, std::ios::binary | std::ios::app) << bytes.substr(data);
   const auto opened = Package::Open(path);
-  ASSERT_TRUE(opened.ok) << opened.error.sentence;
-  EXPECT_FALSE(opened.value->ReadPart("ppt/media/video.mp4").ok);
+  ASSERT_TRUE(opened.ok()) << opened.error().words;
+  EXPECT_FALSE(opened.value()->ReadPart("ppt/media/video.mp4").ok());
 }
 
 }  // namespace quillmarch::host

@@ -4,7 +4,11 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <filesystem>
+#include <sstream>
 #include <thread>
 
 #include "service/engines/Engine.h"
@@ -126,6 +130,48 @@ TEST_F(Process, ItEndsWithItsKeeper) {
   EXPECT_NE(kill(pid, 0), 0);
 }
 
+// An owner that is killed can't clean up after itself.
+TEST_F(Process, ItEndsWithItsOwnersDeathInTheMidstOfAText) {
+  const pid_t owner = fork();
+  ASSERT_GE(owner, 0);
+  if (owner == 0) {
+    ApertiumProcess process(mode, kLong);
+    process.Translate({"hang"}, out, stop);
+    _exit(0);
+  }
+  const auto limit = std::chrono::steady_clock::now() + kLong;
+  const auto wait = [&](const auto& until) {
+    while (!until() && std::chrono::steady_clock::now() < limit) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return until();
+  };
+  ASSERT_TRUE(wait([&] { return LastPid() != 0; }));
+  const pid_t group = getpgid(LastPid());
+  ASSERT_GT(group, 0);
+  // Ended processes without a parent may wait a while for whoever collects them.
+  const auto alive = [&] {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      std::ifstream stat(entry.path() / "stat");
+      std::string line;
+      std::getline(stat, line);
+      const std::size_t name = line.rfind(')');
+      if (name == std::string::npos) continue;
+      std::istringstream rest(line.substr(name + 1));
+      char state = 0;
+      pid_t parent = 0;
+      pid_t itsGroup = 0;
+      rest >> state >> parent >> itsGroup;
+      if (itsGroup == group && state != 'Z' && state != 'X') return true;
+    }
+    return false;
+  };
+  EXPECT_TRUE(alive());
+  kill(owner, SIGKILL);
+  waitpid(owner, nullptr, 0);
+  EXPECT_TRUE(wait([&] { return !alive(); }));
+}
+
 TEST_F(Process, AMissingModeDies) {
   ApertiumProcess process(folder.Path("none.mode"), kLong);
   EXPECT_EQ(process.Translate({"a"}, out, stop), Outcome::kDied);
@@ -135,9 +181,9 @@ TEST_F(Process, TheEngineSurvivesAPipelineThatDiedSinceTheLastRequest) {
   EngineOptions options;
   options.name = "apertium";
   options.apertiumModes = folder.Path(".");
-  std::string error;
-  const std::unique_ptr<Engine> engine = MakeEngine(options, error);
-  ASSERT_NE(engine, nullptr) << error;
+  const auto made = MakeEngine(options);
+  ASSERT_TRUE(made) << made.error().words;
+  const std::unique_ptr<Engine>& engine = *made;
   EngineRequest request;
   request.sourceLang = "en";
   request.targetLang = "es";
@@ -149,7 +195,7 @@ TEST_F(Process, TheEngineSurvivesAPipelineThatDiedSinceTheLastRequest) {
   request.texts = {"die"};
   const EngineResult result = engine->Translate(request, stop);
   EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.code, "engine_failed");
+  EXPECT_EQ(result.failure, EngineFailure::kFailed);
   EXPECT_EQ(Starts(), 3);
 }
 

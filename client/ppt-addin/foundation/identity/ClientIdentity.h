@@ -9,6 +9,8 @@ namespace quillmarch {
 Wide OsDescription();
 Wide InstallId();
 Wide ClientVersion();
+// For a program without a version.json: its version, before the first request.
+void ReplaceClientVersion(Wide version);
 Wide ReadVersionFile(WideView directory);
 Wide ReadUtf8File(WideView path);
 Wide ClientContextJson();

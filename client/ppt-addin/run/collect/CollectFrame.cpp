@@ -60,34 +60,17 @@ Wide ShapeName(AutomationObject* shape) {
 }
 
 void LogFrame(AutomationObject* shape, std::int32_t slide, const ShapePath& path,
-              std::int32_t count) {
+              std::int32_t count, Wide& name) {
   bool read = false;
   const std::int32_t type = ShapeType(shape, read);
+  name = ShapeName(shape);
   const std::int32_t depth = std::clamp(path.depth, std::int32_t{0}, kMaxPathDepth);
   LogLine(u"PptCtrl shape slides[" + Decimal(slide) + u"] " + PathText(path) + u" depth=" +
-          Decimal(depth) + u" type=" + Decimal(type) + u" name=" + ShapeName(shape) + u" paras=" +
+          Decimal(depth) + u" type=" + Decimal(type) + u" name=" + name + u" paras=" +
           Decimal(count));
 }
 
 }  // namespace
-
-void AddUnit(RunState& run, TextUnit unit, UnitLocator locator) {
-  unit.slideIndex = locator.slideIndex;
-  unit.endsWithCr = locator.endsWithCr;
-  // One after the other and undone together, so that the lists stay of equal length whatever an
-  // allocation throws.
-  const std::size_t before = run.units.size();
-  try {
-    run.sourceTexts.push_back(unit.sourceText);
-    run.units.push_back(std::move(unit));
-    run.locators.push_back(std::move(locator));
-  } catch (...) {
-    run.sourceTexts.resize(before);
-    run.units.resize(before);
-    run.locators.resize(before);
-    throw;
-  }
-}
 
 bool TrimParagraphEnd(Wide& text) {
   const bool endsWithCr = !text.empty() && text.back() == u'\r';
@@ -95,12 +78,13 @@ bool TrimParagraphEnd(Wide& text) {
   return endsWithCr;
 }
 
-void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, const ShapePath& path,
-                  const UnitLocator& locatorTemplate) {
+void CollectFrame(RunTexts& texts, AutomationObject* shape, std::int32_t slide,
+                  const ShapePath& path, const UnitLocator& locatorTemplate) {
   ObjectRef range;
   std::int32_t count = 0;
   if (!ReadRange(shape, range, count) || count <= 0) return;
-  LogFrame(shape, slide, path, count);
+  auto name = std::make_shared<Wide>();
+  LogFrame(shape, slide, path, count, *name);
 
   const Paragraphs paragraphs = ReadParagraphs(range.get(), count);
   auto frameText = std::make_shared<Wide>();
@@ -112,6 +96,7 @@ void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, co
   locator.shapePath = Stored(path);
   TextUnit unit;
   unit.frameText = frameText;
+  unit.shapeName = name;
   unit.paragraphCount = count;
   const Wide pathText = PathText(path);
 
@@ -119,10 +104,9 @@ void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, co
     LogLine(u"PptCtrl frame collapse slides[" + Decimal(slide) + u"] " + pathText + u" paras=" +
             Decimal(count));
     unit.unitId = pathText + u".frame";
-    unit.sourceText = *frameText;
     unit.frameCollapsed = true;
     locator.wholeFrame = true;
-    AddUnit(run, std::move(unit), std::move(locator));
+    texts.Add(std::move(unit), *frameText, std::move(locator));
     return;
   }
 
@@ -133,13 +117,13 @@ void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, co
     const Wide& text = paragraphs.texts[at];
     if (ShouldSkip(text)) {
       LogLine(u"PptCtrl skip: slides[" + Decimal(slide) + u"] \"" + text + u"\" (ShouldSkip)");
+      ++texts.skipped;
       continue;
     }
     unit.unitId = pathText + u".p" + Decimal(i);
-    unit.sourceText = text;
     locator.paragraphIndex = i;
     locator.endsWithCr = paragraphs.endsWithCr[at];
-    AddUnit(run, unit, locator);
+    texts.Add(unit, text, locator);
   }
 }
 

@@ -20,21 +20,20 @@ bool IsBilingualCopy(AutomationObject* slide) {
          !VariantToText(value).empty();
 }
 
-ResultCode CreateBilingualCopies(RunState&, Wide& errorText) {
+Status CreateBilingualCopies(RunCopies&) {
   // Refused rather than left out: without a copy the translation would go over the source.
-  errorText = u"暂不支持创建双语译文页";
-  return kFail;
+  return {kFail, u"暂不支持创建双语译文页"};
 }
 
-bool LocateCopySlide(const RunState& run, AutomationObject*, std::int32_t slideNumber,
+bool LocateCopySlide(const RunCopies& copies, AutomationObject*, std::int32_t slideNumber,
                      std::int32_t& outIndex) {
-  if (run.params.bilingual) return false;
+  if (copies.bilingual) return false;
   outIndex = slideNumber;
   return true;
 }
 
-std::int32_t RemoveBilingualCopies(RunState& run) {
-  return static_cast<std::int32_t>(run.copyPairs.size());
+std::int32_t RemoveBilingualCopies(RunCopies& copies) {
+  return static_cast<std::int32_t>(copies.copyPairs.size());
 }
 
 }  // namespace quillmarch::addin
