@@ -1,5 +1,5 @@
 // Who translates for the command: a service named by the user, or one of its own on loopback with
-// an engine behind it.
+// an engine.
 #pragma once
 
 #include <memory>

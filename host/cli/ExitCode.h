@@ -11,7 +11,7 @@ inline constexpr int kExitBadInput = 2;    // or usage
 inline constexpr int kExitIncomplete = 3;  // some translated text did not reach the deck
 inline constexpr int kExitCancelled = 130;
 
-// The graver of two exit codes: 130, 2, 1, 3, 0.
+// The more severe of two exit codes: 130, 2, 1, 3, 0.
 constexpr int GraverExit(int first, int second) {
   for (const int code : {kExitCancelled, kExitBadInput, kExitRunFailed, kExitIncomplete}) {
     if (first == code || second == code) return code;

@@ -6,7 +6,7 @@
 namespace quillmarch::host {
 
 // The first word of the file; the rest is not looked at. False with a sentence in `error` when the
-// file can't be read or the word can't stand in a request's header.
+// file cannot be read or the word cannot go into a request's header.
 bool ReadTokenFile(const std::string& path, std::string& token, std::string& error);
 
 }  // namespace quillmarch::host

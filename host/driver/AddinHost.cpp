@@ -14,7 +14,7 @@ constexpr std::int32_t kDockLeft = 0;
 constexpr std::uintptr_t kFirstPaneWindow = 0x71000;
 constexpr WideView kPaneProgId = u"Quillmarch.PptPane";
 
-// An object that answers by name alone, from a table of its own.
+// An object that answers only by name, from a table of its own.
 class NamedObject : public AutomationObject {
  public:
   using Member = std::function<ResultCode(Variant&)>;

@@ -70,7 +70,7 @@ void RunDriver::OnCall(const PageCall& call) {
   if (last) End();
 }
 
-// The page's last call of a run comes behind its record, and finds the pane free.
+// The page's last call of a run comes after its record, when the pane is free again.
 void RunDriver::End() {
   const std::unique_ptr<Run> run = std::move(run_);
   running_ = false;
