@@ -114,5 +114,7 @@ ResultCode ShapeItem(AutomationObject* shapes, std::int32_t index, ObjectRef& ou
 // Logs "PptCtrl shape <member> unreadable" for the first 8 failures in the process, then no more.
 // Null prints "?".
 void ReportUnreadable(const char16_t* member);
+// Begins that count anew. For tests, which share one process.
+void ForgetUnreadableReports();
 
 }  // namespace quillmarch
