@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+
 #include "translate/ResponseChecks.h"
 #include "translate/ScriptedPage.h"
 #include "translate/TranslateRequest.h"
@@ -93,6 +96,24 @@ TEST(CheckPlaceholders, ACancelEndsIt) {
   EXPECT_FALSE(outcome.ok);
   EXPECT_EQ(outcome.message, u"Cancelled");
   EXPECT_EQ(outcome.code, u"cancelled");
+}
+
+TEST(CheckPlaceholders, APauseHoldsItUntilItIsLiftedOrTheRunCancelled) {
+  for (const bool cancel : {false, true}) {
+    TranslateConfig config;
+    config.paused = 1;
+    auto check =
+        std::async(std::launch::async, [&] { return Check(config, {u"plain"}, {u"llano"}); });
+    EXPECT_EQ(check.wait_for(std::chrono::milliseconds(120)), std::future_status::timeout);
+    if (cancel) {
+      config.cancelled = 1;
+    } else {
+      config.paused = 0;
+    }
+    const Outcome outcome = check.get();
+    EXPECT_EQ(outcome.ok, !cancel);
+    EXPECT_EQ(outcome.code, cancel ? u"cancelled" : u"");
+  }
 }
 
 TEST(TranslateTexts, AFailedPlaceholderCheckIsNeitherRetriedNorSplit) {
