@@ -98,6 +98,24 @@ TEST(CheckPlaceholders, ACancelEndsIt) {
   EXPECT_EQ(outcome.code, u"cancelled");
 }
 
+TEST(CheckPlaceholders, APauseHoldsItUntilItIsLiftedOrTheRunCancelled) {
+  for (const bool cancel : {false, true}) {
+    TranslateConfig config;
+    config.paused = 1;
+    auto check =
+        std::async(std::launch::async, [&] { return Check(config, {u"plain"}, {u"llano"}); });
+    EXPECT_EQ(check.wait_for(std::chrono::milliseconds(120)), std::future_status::timeout);
+    if (cancel) {
+      config.cancelled = 1;
+    } else {
+      config.paused = 0;
+    }
+    const Outcome outcome = check.get();
+    EXPECT_EQ(outcome.ok, !cancel);
+    EXPECT_EQ(outcome.code, cancel ? u"cancelled" : u"");
+  }
+}
+
 TEST(TranslateTexts, AFailedPlaceholderCheckIsNeitherRetriedNorSplit) {
   TranslateConfig config;
   ScriptedPage page(config, [](const TranslateBatchRequest& request) {
