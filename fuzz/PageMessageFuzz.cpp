@@ -35,8 +35,8 @@ void Require(bool holds) {
 void Hear(CPptPane& pane, test::IdleThread& thread, const Wide& text) {
   pane.OnWebMessageReceived(text);
   thread.RunPosts();
-  Require(pane.runActive == 0);
-  Require(pane.targetStyle.bold >= -1 && pane.targetStyle.bold <= 1);
+  Require(!pane.run().runActive());
+  Require(pane.session().targetStyle().bold >= -1 && pane.session().targetStyle().bold <= 1);
 }
 
 // The text as the rest of both answers that a run waits for.
@@ -74,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static test::TwoFonts fonts;
   const std::shared_ptr<CPptPane> pane = CPptPane::Create({thread, hands, fonts, {}, {}, {}});
   pane->OnCreate(1);
-  pane->AttachWebView(nullptr, std::make_shared<DeafPage>());
+  pane->browser().AttachWebView(nullptr, std::make_shared<DeafPage>());
   const Wide text = ToWide({reinterpret_cast<const char*>(data), size});
   Hear(*pane, thread, text);
   // The same text behind every action, so that each of them reads it.

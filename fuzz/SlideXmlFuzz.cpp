@@ -33,33 +33,25 @@ class OneSlide final : public Package {
 
   bool HasPart(std::string_view name) const override { return parts_.contains(std::string(name)); }
   std::vector<std::string> PartNames() const override { return {kPresentation, kSlide}; }
-  PackageResult<std::string> ReadPart(std::string_view name) override {
-    PackageResult<std::string> result;
+  Result<std::string> ReadPart(std::string_view name) override {
     const auto found = parts_.find(std::string(name));
-    result.ok = found != parts_.end();
-    if (result.ok)
-      result.value = found->second;
-    else
-      result.error.sentence = "The part is missing.";
-    return result;
+    if (found != parts_.end()) return found->second;
+    return Error{ErrorCode::kNotFound, "The part is missing."};
   }
-  PackageResult<std::string> ReadXmlPart(std::string_view name) override {
-    PackageResult<std::string> result = ReadPart(name);
-    if (!result.ok) return result;
-    result.error.sentence = "The part is not good XML.";
-    result.ok = CheckXml(result.value, XmlLimits{}, false).fault == XmlFault::kNone;
-    return result;
+  Result<std::string> ReadXmlPart(std::string_view name) override {
+    Result<std::string> result = ReadPart(name);
+    if (!result || CheckXml(*result, XmlLimits{}, false).fault == XmlFault::kNone) return result;
+    return Error{ErrorCode::kDamaged, "The part is not good XML."};
   }
   std::string ContentType(std::string_view) const override {
     return "application/vnd.openxmlformats-officedocument.presentationml.presentation.main+xml";
   }
-  PackageResult<std::vector<Relationship>> Relationships(std::string_view name) override {
+  Result<std::vector<Relationship>> Relationships(std::string_view name) override {
     const std::string root = "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
-    PackageResult<std::vector<Relationship>> result;
-    result.ok = true;
-    if (name.empty()) result.value = {{"d", root + "officeDocument", kPresentation, false}};
-    if (name == kPresentation) result.value = {{"s", root + "slide", kSlide, false}};
-    return result;
+    std::vector<Relationship> links;
+    if (name.empty()) links = {{"d", root + "officeDocument", kPresentation, false}};
+    if (name == kPresentation) links = {{"s", root + "slide", kSlide, false}};
+    return links;
   }
   void PutPart(std::string_view name, std::string bytes) override {
     if (CheckXml(bytes, XmlLimits{}, false).fault != XmlFault::kNone) std::abort();
@@ -71,11 +63,8 @@ class OneSlide final : public Package {
     PutPart(name, make());
   }
   bool Edited() override { return edited_; }
-  PackageResult<bool> Save(const std::string&) override {
-    PackageResult<bool> result;
-    result.ok = true;
-    return result;
-  }
+  Result<void> Save(const std::string&) override { return {}; }
+  Result<std::string> SaveBytes() override { return std::string(); }
 
  private:
   std::map<std::string, std::string> parts_;
@@ -107,8 +96,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::vector<std::string> warnings;
   auto opened = deck::Deck::Open(
       std::make_unique<OneSlide>(std::string(reinterpret_cast<const char*>(data), size)), warnings);
-  if (!opened.ok) return 0;
-  deck::Deck& deck = *opened.value;
+  if (!opened.ok()) return 0;
+  deck::Deck& deck = *opened.value();
   std::vector<Wide> left;
   EachText(deck, [&](const deck::ShapeAddress& address) {
     deck::TextBody& text = *deck.Text(address);
@@ -142,7 +131,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     deck::TextBody& text = *deck.Text(address);
     left.push_back(text.Text({0, text.Length()}));
   });
-  deck.Save("");
+  static_cast<void>(deck.Save(""));
   std::size_t next = 0;
   EachText(deck, [&](const deck::ShapeAddress& address) {
     deck::TextBody& text = *deck.Text(address);

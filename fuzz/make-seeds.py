@@ -24,6 +24,30 @@ ANSWERS = ['{"translations":["uno","dos \\u00e1"],"unitIds":["s1","s2"]}', '{"tr
            '{"code":"rate_limited","message":"Later \\"perhaps\\"."}', '{"error":{"message":"no"}}', "", "Bad Gateway"]
 
 
+SHEET = """<worksheet xmlns="X" xmlns:r="R"><cols><col min="3" max="4" hidden="1"/></cols><sheetData>
+<row r="1"><c r="A1" t="s"><v>0</v></c><c r="B1" t="inlineStr"><is><r><t>Su</t></r><r><t>m</t></r></is></c></row>
+<row r="2" hidden="1"><c r="A2" s="1"><v>37261.5</v></c><c t="str"><f>T[[#This Row],[Region]]</f><v>x</v></c><c/></row>
+<row><c t="e"><v>#N/A</v></c><c t="b"><v>1</v></c><c><f t="array" ref="C3:C4">1</f><v>1</v></c></row></sheetData>
+<mergeCells><mergeCell ref="A3:B4"/></mergeCells><tableParts><tablePart r:id="table"/></tableParts></worksheet>"""
+STRINGS = '<sst xmlns="X"><si><t>Region</t></si><si><r><t>a_x000D_</t></r><rPh><t>b</t></rPh></si></sst>'
+TABLE = """<table xmlns="X" displayName="T" ref="A1:B4" totalsRowCount="1"><tableColumns><tableColumn name="Region"/>
+<tableColumn name="Sum" totalsRowLabel="All"><calculatedColumnFormula>T[Region]</calculatedColumnFormula></tableColumn>
+</tableColumns></table>"""
+FORMATS = ["m/d/yyyy h:mm", "[h]:mm:ss.00", "#,##0.00_);[Red](#,##0.00);&quot;-&quot;;@", "# ??/??", "##0.0E+0",
+           "[&gt;=1000]0,&quot;K&quot;;0%", "[$€-407] 0"]
+
+
+def workbooks():
+    """The parts of one workbook, with each of the formats, as the target takes them apart."""
+    sheets = "http://schemas.openxmlformats.org/spreadsheetml/2006/main"
+    links = "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
+    for code in FORMATS:
+        styles = (f'<styleSheet xmlns="X"><numFmts><numFmt numFmtId="164" formatCode="{code}"/></numFmts>'
+                  '<cellXfs><xf numFmtId="0"/><xf numFmtId="164"/></cellXfs></styleSheet>')
+        parts = "\0".join([SHEET, STRINGS, styles, TABLE])
+        yield b"P" + parts.replace('"X"', f'"{sheets}"').replace('"R"', f'"{links}"').encode()
+
+
 def main():
     root, out = map(pathlib.Path, sys.argv[1:3])
     decks = [file for file in sorted((root / "samples").glob("*.pptx")) if file.stem.count(".") == 0]
@@ -34,7 +58,7 @@ def main():
     told = list(messages(root))
     seeds = {
         "JsonTextFuzz": told, "PageMessageFuzz": told, "ServiceAnswerFuzz": [text.encode() for text in ANSWERS],
-        "SlideXmlFuzz": slides,
+        "SlideXmlFuzz": slides, "WorkbookFuzz": list(workbooks()),
         "PackageFuzz": [b"Z" + deck.read_bytes() for deck in decks] + [b"X" + slide for slide in slides]}
     for target, texts in seeds.items():
         folder = out / target

@@ -19,7 +19,7 @@ def add_in(*names):
 
 # The add-in's interfaces that the headless host serves or takes part in.
 SHARED = add_in("foundation")
-HOST = {f"host/{room}" for room in ("package", "deck", "geometry", "layout", "model", "remote", "thread", "driver")}
+HOST = {f"host/{room}" for room in ("package", "workbook", "deck", "geometry", "layout", "model", "remote", "thread", "driver")}
 # Each room with those below it. A file may include its own room; a room also stands for its sub-folders, unless
 # they have rows of their own.
 MAY_INCLUDE = {
@@ -37,10 +37,15 @@ MAY_INCLUDE = {
                                             "foundation/automation", "foundation/transport"),
     f"{ADD_IN}/translate": add_in("foundation"),
     f"{ADD_IN}/terminology": add_in("foundation", "translate"),
-    f"{ADD_IN}/run": add_in("foundation", "translate", "run"),
+    f"{ADD_IN}/run/document": add_in("foundation", "translate"),
+    f"{ADD_IN}/run/collect": add_in("foundation", "translate", "run/document"),
+    f"{ADD_IN}/run/write": add_in("foundation", "translate", "run/document"),
+    f"{ADD_IN}/run/control": add_in("foundation", "translate", "run"),
+    f"{ADD_IN}/run": add_in("foundation", "translate"),
     f"{ADD_IN}/pane": add_in("foundation", "translate", "terminology", "run", "resources"),
     f"{ADD_IN}/shell": add_in("foundation", "translate", "terminology", "run", "pane", "resources"),
     "host/package": SHARED,
+    "host/workbook": {"host/package"} | SHARED,
     "host/deck": {"host/package"} | SHARED,
     "host/geometry": {"host/deck", "host/package"} | SHARED,
     "host/layout": SHARED,

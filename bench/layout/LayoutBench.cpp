@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 namespace quillmarch::host {
 
@@ -35,7 +35,7 @@ std::u16string Repeated(const char16_t* text, std::size_t times) {
 }
 
 void LayOutAgain(benchmark::State& state, const char16_t* sentence) {
-  layout::TextLayout layout;
+  layout::LayoutEngine layout;
   auto times = static_cast<std::size_t>(state.range(0));
   layout::LayoutFrame frame = Frame(Repeated(sentence, times), 1);
   layout.LayOut(frame);
@@ -45,7 +45,7 @@ void LayOutAgain(benchmark::State& state, const char16_t* sentence) {
 
 // Every word is new, the fonts are known: what a deck's first pass costs.
 void LayOutNewWords(benchmark::State& state) {
-  layout::TextLayout layout;
+  layout::LayoutEngine layout;
   layout.LayOut(Frame(kEnglish, 1));
   std::uint64_t number = 0;
   for (auto _ : state) {
@@ -66,7 +66,7 @@ void LayOutNewWords(benchmark::State& state) {
 void OpenFonts(benchmark::State& state) {
   layout::LayoutFrame frame = Frame(kEnglish, 1);
   for (auto _ : state) {
-    layout::TextLayout layout;
+    layout::LayoutEngine layout;
     benchmark::DoNotOptimize(layout.LayOut(frame).height);
   }
 }

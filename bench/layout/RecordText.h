@@ -3,7 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/layout/LayoutText.h"
+#include "host/layout/LayoutFrame.h"
 
 namespace quillmarch::host {
 

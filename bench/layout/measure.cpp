@@ -6,16 +6,16 @@
 #include <string>
 
 #include "bench/layout/RecordText.h"
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 int main() {
   using namespace quillmarch::host;
-  layout::TextLayout layout;
+  layout::LayoutEngine layout;
   std::string text;
   while (std::getline(std::cin, text)) {
     nlohmann::json record = nlohmann::json::parse(text);
     layout::LayoutFrame frame = FrameOf(record);
-    layout::LaidText laid = layout.LayOut(frame);
+    layout::LayoutResult laid = layout.LayOut(frame);
     nlohmann::json answer;
     answer["id"] = record["id"];
     answer["lines"] = laid.lines.size();

@@ -49,6 +49,7 @@ ObjectRef Item(const ObjectRef& list, std::int32_t index) {
 }  // namespace quillmarch::host
 
 int main(int argc, char** argv) {
+  using namespace quillmarch;
   using namespace quillmarch::host;
   if (argc != 2) {
     std::fputs("bench_selection DECK\n", stderr);
@@ -56,9 +57,9 @@ int main(int argc, char** argv) {
   }
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = host.Open(argv[1], warnings);
-  if (!opened.ok) {
-    std::fprintf(stderr, "%s\n", opened.error.sentence.c_str());
+  const Result<void> opened = host.Open(argv[1], warnings);
+  if (!opened.ok()) {
+    std::fprintf(stderr, "%s\n", opened.error().words.c_str());
     return 2;
   }
   const ObjectRef app = host.application();
@@ -69,13 +70,13 @@ int main(int argc, char** argv) {
 
   std::printf("%d slides\n", slides);
   Measure("ReadSelectionPreview, nothing selected", preview, false);
-  host.SelectShapes(slides, {{"", {1}}});
+  static_cast<void>(host.SelectShapes(slides, {{"", {1}}}));
   Measure("ReadSelectionPreview, one shape on the last slide", preview, true);
-  host.SelectText(slides, {"", {1}}, 1, 3);
+  static_cast<void>(host.SelectText(slides, {"", {1}}, 1, 3));
   Measure("ReadSelectionPreview, a piece of text", preview, true);
   std::vector<std::int32_t> all;
   for (std::int32_t slide = 1; slide <= slides; ++slide) all.push_back(slide);
-  host.SelectSlides(all);
+  static_cast<void>(host.SelectSlides(all));
   Measure("ReadSelectionPreview, every slide", preview, true);
 
   const ObjectRef slideList = At(app, {u"ActivePresentation", u"Slides"});

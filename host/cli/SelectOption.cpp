@@ -146,7 +146,7 @@ bool ReadSelect(const std::vector<std::string>& values, SelectOption& select, st
   return true;
 }
 
-std::string SelectIn(Host& host, const SelectOption& select) {
+Result<void> SelectIn(Host& host, const SelectOption& select) {
   switch (select.kind) {
     case SelectOption::Kind::kSlides:
       return host.SelectSlides(select.slides);

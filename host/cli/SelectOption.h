@@ -20,11 +20,11 @@ struct SelectOption {
 };
 
 // Reads the option's values, each one "2,5-7", "3:Title 1", "3:#2", "3:#2/1" or "3:#2:5+12", or
-// several parted by commas. A comma parts only where a slide and a colon follow, or between slides;
-// any other belongs to a name. False with a sentence for what no host could select.
+// several separated by commas. A comma separates only where a slide and a colon follow, or between
+// slides; any other belongs to a name. False with a sentence for what no host could select.
 bool ReadSelect(const std::vector<std::string>& values, SelectOption& select, std::string& error);
 
-// Selects in the host's active window; a sentence when the deck has no such thing.
-std::string SelectIn(Host& host, const SelectOption& select);
+// Selects in the host's active window; an error when the deck has no such thing.
+Result<void> SelectIn(Host& host, const SelectOption& select);
 
 }  // namespace quillmarch::host

@@ -110,8 +110,8 @@ int Command::TranslateDeck(const DeckJob& job, const std::string& shownName) {
   std::string error;
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = host.Open(job.input, warnings);
-  if (!opened.ok) return Refuse(job, opened.error.sentence);
+  const Result<void> opened = host.Open(job.input, warnings);
+  if (!opened.ok()) return Refuse(job, opened.error().words);
   for (const std::string& warning : warnings) {
     console_.Complain(PlainLine(job.input) + ": warning: " + PlainLine(warning));
   }
@@ -123,8 +123,8 @@ int Command::TranslateDeck(const DeckJob& job, const std::string& shownName) {
                            .append("; the deck has ")
                            .append(Counted(host.SlideCount(), "slide")));
   }
-  error = SelectIn(host, options_.select);
-  if (!error.empty()) return Refuse(job, error);
+  const Result<void> selected = SelectIn(host, options_.select);
+  if (!selected) return Refuse(job, selected.error().words);
   times_.openMs = MsSince(start);
   const RunReport report = DriveRun(host, shownName);
   return Finish(host, job, report, start);
@@ -208,8 +208,8 @@ int Command::Finish(Host& host, const DeckJob& job, const RunReport& report,
   const auto saving = Clock::now();
   if (host.Edited() || job.input != job.output) {
     const auto held = interrupts_.HoldWhileSaving();
-    const PackageResult<bool> saved = host.Save(job.output);
-    if (!saved.ok) return Refuse(job, saved.error.sentence);
+    const Result<void> saved = host.Save(job.output);
+    if (!saved.ok()) return Refuse(job, saved.error().words);
   }
   times_.saveMs = MsSince(saving);
 

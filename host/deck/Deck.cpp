@@ -54,9 +54,9 @@ const std::string& Deck::PartOf(PageAddress page) const {
 // The part was checked when the deck was opened, and edits keep it good; only UTF-16 has to be
 // turned into UTF-8 again.
 std::string Deck::ReadXml(const std::string& part) {
-  PackageResult<std::string> read = package_->ReadPart(part);
-  if (read.ok && IsWide(read.value)) read = package_->ReadXmlPart(part);
-  return read.ok ? std::move(read.value) : std::string();
+  Result<std::string> read = package_->ReadPart(part);
+  if (read && IsWide(*read)) read = package_->ReadXmlPart(part);
+  return read ? *std::move(read) : std::string();
 }
 
 std::size_t Deck::WeightOf(const std::unique_ptr<SlidePart>& part) {
@@ -168,7 +168,7 @@ bool Deck::Edited() {
   return std::any_of(held_.begin(), held_.end(), edited) || package_->Edited();
 }
 
-PackageResult<bool> Deck::Save(const std::string& path) {
+Result<void> Deck::Save(const std::string& path) {
   for (Held& held : held_) WriteBack(held);
   lastText_ = nullptr;
   held_.clear();
@@ -198,14 +198,15 @@ const BodyStyle* Deck::Style(const ShapeAddress& address, TextBody& text) {
 }
 
 ThemeStyles Deck::ReadThemeOf(const std::string& part) {
-  const PackageResult<std::vector<Relationship>> links = package_->Relationships(part);
-  for (const Relationship& link : links.value) {
+  const Result<std::vector<Relationship>> links = package_->Relationships(part);
+  if (!links) return {};
+  for (const Relationship& link : *links) {
     if (link.external || RelationshipKindOf(link.type) != RelationshipKind::kTheme) continue;
     // A theme that cannot be read costs its colours and fonts, not the deck.
-    const PackageResult<std::string> bytes = package_->ReadXmlPart(link.target);
+    const Result<std::string> bytes = package_->ReadXmlPart(link.target);
     pugi::xml_document document;
-    if (!bytes.ok || !ParseXml(document, bytes.value)) break;
-    return ParseTheme(XmlNames(bytes.value), document.document_element());
+    if (!bytes.ok() || !ParseXml(document, bytes.value())) break;
+    return ParseTheme(XmlNames(bytes.value()), document.document_element());
   }
   return {};
 }
@@ -250,10 +251,10 @@ const TableStyles& Deck::TableStyleSheet() {
     tableStyles_ = TableStyles(XmlNames({}), {});
     return *tableStyles_;
   }
-  const PackageResult<std::string> bytes = package_->ReadXmlPart(tableStylesPart_);
+  const Result<std::string> bytes = package_->ReadXmlPart(tableStylesPart_);
   pugi::xml_document document;
-  const bool read = bytes.ok && ParseXml(document, bytes.value);
-  const XmlNames names(bytes.value);
+  const bool read = bytes && ParseXml(document, *bytes);
+  const XmlNames names(bytes ? std::string_view(*bytes) : std::string_view());
   tableStyles_ = TableStyles(names, read ? document.document_element() : pugi::xml_node());
   return *tableStyles_;
 }

@@ -50,11 +50,11 @@ class Deck {
  public:
   // Refuses with one sentence what cannot be served: no presentation, a part that the structure
   // needs and is missing or broken. A missing leaf is one more sentence in `warnings`.
-  static PackageResult<std::unique_ptr<Deck>> Open(const std::string& path,
-                                                   std::vector<std::string>& warnings);
+  static Result<std::unique_ptr<Deck>> Open(const std::string& path,
+                                            std::vector<std::string>& warnings);
   // The same over a package that is open already.
-  static PackageResult<std::unique_ptr<Deck>> Open(std::unique_ptr<Package> package,
-                                                   std::vector<std::string>& warnings);
+  static Result<std::unique_ptr<Deck>> Open(std::unique_ptr<Package> package,
+                                            std::vector<std::string>& warnings);
 
   std::uint32_t SlideCount() const { return static_cast<std::uint32_t>(slides_.size()); }
   const SlideRecord& Slide(std::uint32_t slide) const { return slides_[slide]; }
@@ -109,7 +109,7 @@ class Deck {
   // True when an edit was made since the deck was opened.
   bool Edited();
   // Saves atomically; without edits the file is a byte for byte copy.
-  PackageResult<bool> Save(const std::string& path);
+  Result<void> Save(const std::string& path);
 
  private:
   friend class DeckReader;

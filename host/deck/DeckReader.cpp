@@ -2,6 +2,7 @@
 // lacks and names the leaves that are missing.
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <unordered_map>
@@ -20,6 +21,8 @@ constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 constexpr std::int64_t kMaxSlideId = 2147483647;
 constexpr double kEmuPerPoint = 12700.0;
 constexpr std::size_t kMaxSlides = 20000;
+// Missing parts are named one by one up to this many; more of them are only counted.
+constexpr std::size_t kMostNamed = 5;
 // Slides are read and checked on a second thread, this far ahead.
 constexpr std::size_t kLeastAhead = 8;
 constexpr std::size_t kMostAhead = 24;
@@ -28,9 +31,9 @@ using Links = std::vector<Relationship>;
 
 // A part that the structure needs, as it was read.
 struct ReadPart {
-  std::string name;   // empty: not read
-  std::string fault;  // a sentence; empty when all is well
-  PackageResult<Links> links;
+  std::string name;  // empty: not read
+  Result<void> sound;
+  Result<Links> links = Links();
 };
 
 // A slide with its notes page.
@@ -39,12 +42,19 @@ struct SlideParts {
   ReadPart notes;
 };
 
-// Whether the part is good XML with that root element: a sentence if not.
-std::string FaultOf(Package& package, const std::string& part, const char* rootName) {
-  const PackageResult<std::string> read = package.ReadXmlPart(part);
-  if (!read.ok) return read.error.sentence;
+Error Damaged(std::string words) {
+  return {ErrorCode::kDamaged, std::move(words)};
+}
+Error Missing(std::string words) {
+  return {ErrorCode::kNotFound, std::move(words)};
+}
+
+// Whether the part is good XML with that root element.
+Result<void> CheckRoot(Package& package, const std::string& part, const char* rootName) {
+  const Result<std::string> read = package.ReadXmlPart(part);
+  if (!read) return read.error();
   // The root's name is enough; the whole is parsed when it is needed.
-  const std::string_view bytes = read.value;
+  const std::string_view bytes = *read;
   std::size_t at = 0;
   while ((at = bytes.find('<', at)) != std::string_view::npos) {
     const char next = at + 1 < bytes.size() ? bytes[at + 1] : '\0';
@@ -52,36 +62,31 @@ std::string FaultOf(Package& package, const std::string& part, const char* rootN
     const bool comment = bytes.substr(at).starts_with("<!--");
     at = bytes.find(comment ? "-->" : "?>", at + 2);
   }
-  if (at == std::string_view::npos) return "The part " + part + " is empty.";
+  if (at == std::string_view::npos) return Damaged("The part " + part + " is empty.");
   std::string_view name = bytes.substr(at + 1);
   name = name.substr(0, name.find_first_of(" \t\r\n/>"));
   if (const std::size_t colon = name.find(':'); colon != std::string_view::npos) {
     name.remove_prefix(colon + 1);
   }
   if (name == rootName) return {};
-  return "The part " + part + " does not hold what it should: its root is not p:" + rootName + ".";
+  return Damaged("The part " + part +
+                 " does not hold what it should: its root is not p:" + rootName + ".");
 }
 
 ReadPart ReadOne(Package& package, const std::string& part, const char* rootName) {
-  return {part, FaultOf(package, part, rootName), package.Relationships(part)};
+  return {part, CheckRoot(package, part, rootName), package.Relationships(part)};
 }
 
 // Any thread.
 SlideParts ReadSlideParts(Package& package, const std::string& part) {
   SlideParts parts{ReadOne(package, part, "sld"), {}};
-  for (const Relationship& link : parts.slide.links.value) {
+  if (!parts.slide.links) return parts;
+  for (const Relationship& link : *parts.slide.links) {
     if (link.external || RelationshipKindOf(link.type) != RelationshipKind::kNotesSlide) continue;
     if (package.HasPart(link.target)) parts.notes = ReadOne(package, link.target, "notes");
     break;
   }
   return parts;
-}
-
-template <typename T>
-PackageResult<T> Refuse(std::string sentence) {
-  PackageResult<T> result;
-  result.error.sentence = std::move(sentence);
-  return result;
 }
 
 bool IsPresentationType(std::string_view type) {
@@ -125,23 +130,22 @@ class DeckReader {
   DeckReader(Deck& deck, std::vector<std::string>& warnings)
       : deck_(deck), package_(*deck.package_), warnings_(warnings) {}
 
-  // Empty when all is well.
-  std::string Read();
+  Result<void> Read();
 
  private:
-  // The relationships of a part, read once; what they lack of the structure is the sentence.
+  // The relationships of a part, read once; what they lack of the structure is the error.
   // `early` is the part as it was read ahead, null or of another part when it was not.
-  std::string LinksOf(const std::string& part, const Links*& links, ReadPart* early = nullptr);
+  Result<void> LinksOf(const std::string& part, const Links*& links, ReadPart* early = nullptr);
   // Reads a part that the structure needs and checks its root element.
-  std::string Load(const std::string& part, const char* rootName, pugi::xml_document& document,
-                   std::string& bytes);
-  std::string CheckPart(const std::string& part, const char* rootName, ReadPart* early = nullptr);
+  Result<void> Load(const std::string& part, const char* rootName, pugi::xml_document& document,
+                    std::string& bytes);
+  Result<void> CheckPart(const std::string& part, const char* rootName, ReadPart* early = nullptr);
   void StartAhead(std::size_t slide);
-  std::string ReadPresentation();
-  std::string ReadSlide(const std::string& part, std::int64_t id);
-  std::string AddLayout(const std::string& part, std::uint32_t& index);
-  std::string AddMaster(const std::string& part);
-  std::string WalkLeaves();
+  Result<void> ReadPresentation();
+  Result<void> ReadSlide(const std::string& part, std::int64_t id);
+  Result<void> AddLayout(const std::string& part, std::uint32_t& index);
+  Result<void> AddMaster(const std::string& part);
+  Result<void> WalkLeaves();
 
   Deck& deck_;
   Package& package_;
@@ -155,34 +159,37 @@ class DeckReader {
   ReadAhead<SlideParts> ahead_{kMostAhead, [](const SlideParts&) { return std::size_t{1}; }};
 };
 
-std::string DeckReader::LinksOf(const std::string& part, const Links*& links, ReadPart* early) {
+Result<void> DeckReader::LinksOf(const std::string& part, const Links*& links, ReadPart* early) {
   const auto [entry, fresh] = links_.try_emplace(LowerKey(part));
   links = &entry->second;
   if (!fresh) return {};
   const bool known = early != nullptr && early->name == part;
-  PackageResult<Links> read = known ? std::move(early->links) : package_.Relationships(part);
-  if (!read.ok) return read.error.sentence;
-  entry->second = std::move(read.value);
+  Result<Links> read = known ? std::move(early->links) : package_.Relationships(part);
+  if (!read) return std::move(read).error();
+  entry->second = *std::move(read);
   for (const Relationship& link : *links) {
     if (link.external || package_.HasPart(link.target)) continue;
     if (const char* const word = StructureWord(RelationshipKindOf(link.type))) {
-      return "The part " + link.target + " (a " + word + "), which " + part + " needs, is missing.";
+      return Missing("The part " + link.target + " (a " + word + "), which " + part +
+                     " needs, is missing.");
     }
   }
   return {};
 }
 
-std::string DeckReader::Load(const std::string& part, const char* rootName,
-                             pugi::xml_document& document, std::string& bytes) {
-  PackageResult<std::string> read = package_.ReadXmlPart(part);
-  if (!read.ok) return read.error.sentence;
-  bytes = std::move(read.value);
-  if (!ParseXml(document, bytes))
-    return "There is not enough memory to read the part " + part + ".";
+Result<void> DeckReader::Load(const std::string& part, const char* rootName,
+                              pugi::xml_document& document, std::string& bytes) {
+  Result<std::string> read = package_.ReadXmlPart(part);
+  if (!read) return std::move(read).error();
+  bytes = *std::move(read);
+  if (!ParseXml(document, bytes)) {
+    return Error{ErrorCode::kOutOfMemory,
+                 "There is not enough memory to read the part " + part + "."};
+  }
   const XmlNames names(bytes);
   if (!names.Is(document.document_element(), kP, rootName)) {
-    return "The part " + part + " does not hold what it should: its root is not p:" + rootName +
-           ".";
+    return Damaged("The part " + part +
+                   " does not hold what it should: its root is not p:" + rootName + ".");
   }
   return {};
 }
@@ -198,40 +205,39 @@ void DeckReader::StartAhead(std::size_t slide) {
   ahead_.Start(std::move(pieces));
 }
 
-std::string DeckReader::CheckPart(const std::string& part, const char* rootName, ReadPart* early) {
+Result<void> DeckReader::CheckPart(const std::string& part, const char* rootName, ReadPart* early) {
   if (!checked_.insert(LowerKey(part)).second) return {};
   const bool known = early != nullptr && early->name == part;
-  return known ? early->fault : FaultOf(package_, part, rootName);
+  return known ? early->sound : CheckRoot(package_, part, rootName);
 }
 
-std::string DeckReader::AddMaster(const std::string& part) {
+Result<void> DeckReader::AddMaster(const std::string& part) {
   if (checked_.contains(LowerKey(part))) return {};
-  std::string sentence = CheckPart(part, "sldMaster");
+  Result<void> sound = CheckPart(part, "sldMaster");
   const Links* links = nullptr;
-  if (sentence.empty()) sentence = LinksOf(part, links);
-  return sentence;
+  return sound ? LinksOf(part, links) : sound;
 }
 
-std::string DeckReader::AddLayout(const std::string& part, std::uint32_t& index) {
+Result<void> DeckReader::AddLayout(const std::string& part, std::uint32_t& index) {
   const auto [entry, fresh] =
       layoutByPart_.emplace(LowerKey(part), static_cast<std::uint32_t>(deck_.layouts_.size()));
   index = entry->second;
   if (!fresh) return {};
   deck_.layouts_.emplace_back().part = part;
-  std::string sentence = CheckPart(part, "sldLayout");
+  Result<void> sound = CheckPart(part, "sldLayout");
   const Links* links = nullptr;
-  if (sentence.empty()) sentence = LinksOf(part, links);
-  if (!sentence.empty()) return sentence;
+  if (sound) sound = LinksOf(part, links);
+  if (!sound) return sound;
   for (const Relationship& link : *links) {
-    if (!sentence.empty()) break;
+    if (!sound) break;
     if (link.external || RelationshipKindOf(link.type) != RelationshipKind::kSlideMaster) continue;
     deck_.layouts_[index].master = link.target;
-    sentence = AddMaster(link.target);
+    sound = AddMaster(link.target);
   }
-  return sentence;
+  return sound;
 }
 
-std::string DeckReader::ReadSlide(const std::string& part, std::int64_t id) {
+Result<void> DeckReader::ReadSlide(const std::string& part, std::int64_t id) {
   SlideRecord slide;
   slide.part = part;
   slide.id = id >= 1 && id <= kMaxSlideId ? static_cast<std::int32_t>(id) : 0;
@@ -240,51 +246,57 @@ std::string DeckReader::ReadSlide(const std::string& part, std::int64_t id) {
   StartAhead(place);
   std::optional<SlideParts> early = ahead_.Take(place);
   if (!early) early = ReadSlideParts(package_, part);
-  std::string sentence = CheckPart(part, "sld", &early->slide);
+  Result<void> sound = CheckPart(part, "sld", &early->slide);
   const Links* links = nullptr;
-  if (sentence.empty()) sentence = LinksOf(part, links, &early->slide);
-  if (!sentence.empty()) return sentence;
+  if (sound) sound = LinksOf(part, links, &early->slide);
+  if (!sound) return sound;
   for (const Relationship& link : *links) {
-    if (!sentence.empty()) break;
+    if (!sound) break;
     if (link.external) continue;
     const RelationshipKind kind = RelationshipKindOf(link.type);
     if (kind == RelationshipKind::kSlideLayout && slide.layout == kNoLayout) {
-      sentence = AddLayout(link.target, slide.layout);
+      sound = AddLayout(link.target, slide.layout);
     } else if (kind == RelationshipKind::kNotesSlide && slide.notesPart.empty()) {
       slide.notesPart = link.target;
-      sentence = CheckPart(link.target, "notes", &early->notes);
+      sound = CheckPart(link.target, "notes", &early->notes);
       const Links* notes = nullptr;
-      if (sentence.empty()) sentence = LinksOf(link.target, notes, &early->notes);
+      if (sound) sound = LinksOf(link.target, notes, &early->notes);
     }
   }
   deck_.slides_.push_back(std::move(slide));
-  return sentence;
+  return sound;
 }
 
-std::string DeckReader::ReadPresentation() {
-  const PackageResult<Links> roots = package_.Relationships("");
-  if (!roots.ok) return roots.error.sentence;
-  for (const Relationship& link : roots.value) {
+Result<void> DeckReader::ReadPresentation() {
+  const Result<Links> roots = package_.Relationships("");
+  if (!roots) return roots.error();
+  for (const Relationship& link : *roots) {
     if (!link.external && RelationshipKindOf(link.type) == RelationshipKind::kOfficeDocument) {
       deck_.presentationPart_ = link.target;
       break;
     }
   }
   const std::string& part = deck_.presentationPart_;
-  if (part.empty()) return "There is no main document in the file, so it is no presentation.";
-  if (!package_.HasPart(part)) return "The part " + part + " (the presentation) is missing.";
+  if (part.empty()) {
+    return Error{ErrorCode::kUnsupported,
+                 "There is no main document in the file, so it is no presentation."};
+  }
+  if (!package_.HasPart(part)) {
+    return Missing("The part " + part + " (the presentation) is missing.");
+  }
   const std::string type = package_.ContentType(part);
   if (!IsPresentationType(type)) {
-    return "The part " + part + " is no presentation: its content type is " +
-           (type.empty() ? "not given" : "\"" + type + "\"") + ".";
+    return Error{ErrorCode::kUnsupported,
+                 "The part " + part + " is no presentation: its content type is " +
+                     (type.empty() ? "not given" : "\"" + type + "\"") + "."};
   }
   pugi::xml_document document;
   std::string bytes;
-  std::string sentence = Load(part, "presentation", document, bytes);
-  if (!sentence.empty()) return sentence;
+  Result<void> sound = Load(part, "presentation", document, bytes);
+  if (!sound) return sound;
   const Links* links = nullptr;
-  sentence = LinksOf(part, links);
-  if (!sentence.empty()) return sentence;
+  sound = LinksOf(part, links);
+  if (!sound) return sound;
 
   std::unordered_map<std::string, const Relationship*> byId;
   for (const Relationship& link : *links) {
@@ -293,12 +305,12 @@ std::string DeckReader::ReadPresentation() {
     const RelationshipKind kind = RelationshipKindOf(link.type);
     if (kind == RelationshipKind::kNotesMaster) deck_.notesMasterPart_ = link.target;
     if (kind == RelationshipKind::kTableStyles) deck_.tableStylesPart_ = link.target;
-    if (kind == RelationshipKind::kSlideMaster) sentence = AddMaster(link.target);
-    if (!sentence.empty()) return sentence;
+    if (kind == RelationshipKind::kSlideMaster) sound = AddMaster(link.target);
+    if (!sound) return sound;
   }
   if (!deck_.notesMasterPart_.empty()) {
-    sentence = CheckPart(deck_.notesMasterPart_, "notesMaster");
-    if (!sentence.empty()) return sentence;
+    sound = CheckPart(deck_.notesMasterPart_, "notesMaster");
+    if (!sound) return sound;
   }
 
   const XmlNames names(bytes);
@@ -323,76 +335,80 @@ std::string DeckReader::ReadPresentation() {
   for (const pugi::xml_node entry : names.Child(root, kP, "sldIdLst").children()) {
     if (entry.type() != pugi::node_element || !names.Is(entry, kP, "sldId")) continue;
     if (deck_.slides_.size() >= kMaxSlides) {
-      return "The part " + part + " lists more than " + std::to_string(kMaxSlides) + " slides.";
+      return Error{ErrorCode::kTooLarge, "The part " + part + " lists more than " +
+                                             std::to_string(kMaxSlides) + " slides."};
     }
     const std::string id(names.RelationshipAttribute(entry, "id"));
     const std::string number = std::to_string(deck_.slides_.size() + 1);
     const auto link = byId.find(id);
     if (link == byId.end() || link->second->external ||
         RelationshipKindOf(link->second->type) != RelationshipKind::kSlide) {
-      return "The part " + part + " lists slide " + number + " by the relationship \"" + id +
-             "\", which leads to no slide.";
+      return Damaged("The part " + part + " lists slide " + number + " by the relationship \"" +
+                     id + "\", which leads to no slide.");
     }
     const std::string& target = link->second->target;
     if (!package_.HasPart(target)) {
-      return "The part " + target + " (slide " + number + ") is missing.";
+      return Missing("The part " + target + " (slide " + number + ") is missing.");
     }
-    sentence = ReadSlide(target, WholeAttribute(entry, "id", 0));
-    if (!sentence.empty()) return sentence;
+    sound = ReadSlide(target, WholeAttribute(entry, "id", 0));
+    if (!sound) return sound;
   }
   return {};
 }
 
 // Whatever else can be reached: pictures, charts with their workbooks, diagrams.
-std::string DeckReader::WalkLeaves() {
+Result<void> DeckReader::WalkLeaves() {
   std::vector<std::string> waiting = {deck_.presentationPart_};
   std::unordered_set<std::string> seen = {LowerKey(deck_.presentationPart_)};
   std::set<std::string> missing;
+  std::vector<std::string> named;
   while (!waiting.empty()) {
     const std::string part = std::move(waiting.back());
     waiting.pop_back();
     const Links* links = nullptr;
-    std::string sentence = LinksOf(part, links);
-    if (!sentence.empty()) return sentence;
+    const Result<void> sound = LinksOf(part, links);
+    if (!sound) return sound;
     for (const Relationship& link : *links) {
       if (link.external || link.target.empty()) continue;
       if (!package_.HasPart(link.target)) {
         // A jump inside the file names no part.
         if (RelationshipKindOf(link.type) == RelationshipKind::kHyperlink) continue;
-        if (missing.insert(LowerKey(link.target)).second) {
-          warnings_.push_back("The part " + link.target + ", which " + part +
-                              " refers to, is missing; the reference is kept as it is.");
+        if (missing.insert(LowerKey(link.target)).second && missing.size() <= kMostNamed) {
+          named.push_back("The part " + link.target + ", which " + part +
+                          " refers to, is missing; the reference is kept as it is.");
         }
         continue;
       }
       if (seen.insert(LowerKey(link.target)).second) waiting.push_back(link.target);
     }
   }
+  if (missing.size() > kMostNamed) {
+    named = {std::to_string(missing.size()) + " parts that the deck refers to are missing, " +
+             *missing.begin() + " among them; the references are kept as they are."};
+  }
+  warnings_.insert(warnings_.end(), std::make_move_iterator(named.begin()),
+                   std::make_move_iterator(named.end()));
   return {};
 }
 
-std::string DeckReader::Read() {
-  std::string sentence = ReadPresentation();
-  if (sentence.empty()) sentence = WalkLeaves();
-  return sentence;
+Result<void> DeckReader::Read() {
+  const Result<void> sound = ReadPresentation();
+  return sound ? WalkLeaves() : sound;
 }
 
-PackageResult<std::unique_ptr<Deck>> Deck::Open(const std::string& path,
-                                                std::vector<std::string>& warnings) {
-  PackageResult<std::unique_ptr<Package>> package = Package::Open(path);
-  if (!package.ok) return Refuse<std::unique_ptr<Deck>>(std::move(package.error.sentence));
-  return Open(std::move(package.value), warnings);
+Result<std::unique_ptr<Deck>> Deck::Open(const std::string& path,
+                                         std::vector<std::string>& warnings) {
+  Result<std::unique_ptr<Package>> package = Package::Open(path);
+  if (!package) return std::move(package).error();
+  return Open(*std::move(package), warnings);
 }
 
-PackageResult<std::unique_ptr<Deck>> Deck::Open(std::unique_ptr<Package> package,
-                                                std::vector<std::string>& warnings) {
+Result<std::unique_ptr<Deck>> Deck::Open(std::unique_ptr<Package> package,
+                                         std::vector<std::string>& warnings) {
   std::unique_ptr<Deck> made(new Deck(std::move(package)));
-  std::string sentence = DeckReader(*made, warnings).Read();
-  if (!sentence.empty()) return Refuse<std::unique_ptr<Deck>>(std::move(sentence));
-  PackageResult<std::unique_ptr<Deck>> result;
-  result.value = std::move(made);
-  result.ok = true;
-  return result;
+  Result<void> sound = DeckReader(*made, warnings).Read();
+  if (!sound) return std::move(sound).error();
+  return made;
 }
 
 }  // namespace quillmarch::host::deck

@@ -13,11 +13,6 @@ constexpr XmlNamespace kA = XmlNamespace::kDrawing;
 constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 constexpr double kEmuPerPoint = 12700.0;
 
-ElementSpan SpanOf(std::string_view bytes, pugi::xml_node node) {
-  const std::ptrdiff_t offset = node.offset_debug();
-  return offset <= 0 ? ElementSpan{} : FindElement(bytes, static_cast<std::size_t>(offset));
-}
-
 std::string Emu(double points) {
   return std::to_string(std::llround(points * kEmuPerPoint));
 }
@@ -78,14 +73,14 @@ std::string AutofitXml(const std::string& prefix, const Autofit& fit) {
 // warp and before everything else.
 std::string WithAutofit(const XmlNames& names, std::string_view bytes, pugi::xml_node node,
                         const std::string& fit) {
-  const ElementSpan element = SpanOf(bytes, node);
+  const ElementSpan element = FindElement(bytes, node);
   std::vector<Edit> edits;
   std::size_t place = 0;
   bool replaced = false;
   for (const pugi::xml_node child : node.children()) {
     if (child.type() != pugi::node_element || names.SpaceOf(child) != kA) continue;
     const std::string_view local = LocalName(child.name());
-    const ElementSpan span = SpanOf(bytes, child);
+    const ElementSpan span = FindElement(bytes, child);
     if (!span.found) continue;
     if (local == "prstTxWarp") place = span.end;
     if (local != "noAutofit" && local != "normAutofit" && local != "spAutoFit") continue;
@@ -124,7 +119,7 @@ void AppendBoxEdits(const XmlNames& names, std::string_view bytes, const ShapeEn
     return Pair(name, "cx", box.width, "cy", box.height);
   };
   const auto replace = [&](pugi::xml_node node, const std::string& xml) {
-    const ElementSpan span = SpanOf(bytes, node);
+    const ElementSpan span = FindElement(bytes, node);
     if (span.found) edits.push_back({span.begin, span.end - span.begin, xml});
   };
   if (offset && extent) {
@@ -134,7 +129,7 @@ void AppendBoxEdits(const XmlNames& names, std::string_view bytes, const ShapeEn
   }
   const std::string prefix = DrawingPrefix(names, shape.node);
   if (!transform) {
-    const ElementSpan holder = SpanOf(bytes, HolderOf(names, shape));
+    const ElementSpan holder = FindElement(bytes, HolderOf(names, shape));
     if (!holder.found) return;
     AppendAtBegin(bytes, holder,
                   "<" + prefix + "xfrm>" + off(prefix + "off") + ext(prefix + "ext") + "</" +
@@ -145,7 +140,7 @@ void AppendBoxEdits(const XmlNames& names, std::string_view bytes, const ShapeEn
   // One of the two alone says nothing, so both are written.
   if (offset) replace(offset, {});
   if (extent) replace(extent, {});
-  const ElementSpan span = SpanOf(bytes, transform);
+  const ElementSpan span = FindElement(bytes, transform);
   if (span.found) AppendAtBegin(bytes, span, off(prefix + "off") + ext(prefix + "ext"), edits);
 }
 
@@ -153,7 +148,7 @@ void AppendFrameEdits(const XmlNames& names, std::string_view bytes, pugi::xml_n
                       const FrameProps& file, const FrameProps& now, std::vector<Edit>& edits) {
   if (file == now) return;
   const pugi::xml_node node = names.Child(body, kA, "bodyPr");
-  const ElementSpan element = SpanOf(bytes, node);
+  const ElementSpan element = FindElement(bytes, node);
   std::string prefix = DrawingPrefix(names, body.parent());
   if (node) prefix = PrefixWithColon(node.name());
   std::string raw;
@@ -178,7 +173,7 @@ void AppendFrameEdits(const XmlNames& names, std::string_view bytes, pugi::xml_n
   inset("bIns", &FrameProps::insetBottom);
   if (element.found) {
     edits.push_back({element.begin, element.end - element.begin, std::move(raw)});
-  } else if (const ElementSpan holder = SpanOf(bytes, body); holder.found) {
+  } else if (const ElementSpan holder = FindElement(bytes, body); holder.found) {
     AppendAtBegin(bytes, holder, raw, edits);
   }
 }

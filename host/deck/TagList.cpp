@@ -18,10 +18,10 @@ std::string TagPart(Deck& deck, const TagOwner& owner) {
   std::string part;
   if (owner.kind == TagOwner::Kind::kPresentation) {
     part = deck.PresentationPart();
-    const PackageResult<std::string> bytes = deck.package().ReadXmlPart(part);
+    const Result<std::string> bytes = deck.package().ReadXmlPart(part);
     pugi::xml_document document;
-    if (!bytes.ok || !ParseXml(document, bytes.value)) return {};
-    reference = TagReference(XmlNames(bytes.value), document.document_element());
+    if (!bytes.ok() || !ParseXml(document, bytes.value())) return {};
+    reference = TagReference(XmlNames(bytes.value()), document.document_element());
   } else {
     SlidePart* const page = deck.Page(owner.page);
     if (page == nullptr) return {};
@@ -39,8 +39,9 @@ std::string TagPart(Deck& deck, const TagOwner& owner) {
     }
   }
   if (reference.empty()) return {};
-  const PackageResult<std::vector<Relationship>> links = deck.package().Relationships(part);
-  for (const Relationship& link : links.value) {
+  const Result<std::vector<Relationship>> links = deck.package().Relationships(part);
+  if (!links) return {};
+  for (const Relationship& link : *links) {
     if (link.id == reference && !link.external && deck.package().HasPart(link.target)) {
       return link.target;
     }
@@ -62,10 +63,10 @@ std::vector<Tag> ReadTags(Deck& deck, const TagOwner& owner) {
   std::vector<Tag> tags;
   const std::string part = TagPart(deck, owner);
   if (part.empty()) return tags;
-  const PackageResult<std::string> bytes = deck.package().ReadXmlPart(part);
+  const Result<std::string> bytes = deck.package().ReadXmlPart(part);
   pugi::xml_document document;
-  if (!bytes.ok || !ParseXml(document, bytes.value)) return tags;
-  const XmlNames names(bytes.value);
+  if (!bytes.ok() || !ParseXml(document, bytes.value())) return tags;
+  const XmlNames names(bytes.value());
   for (const pugi::xml_node tag : document.document_element().children()) {
     if (tag.type() != pugi::node_element || !names.Is(tag, kP, "tag")) continue;
     tags.push_back({ToWide(tag.attribute("name").value()), ToWide(tag.attribute("val").value())});
@@ -76,33 +77,32 @@ std::vector<Tag> ReadTags(Deck& deck, const TagOwner& owner) {
 bool PutTag(Deck& deck, const TagOwner& owner, WideView name, WideView value) {
   const std::string part = TagPart(deck, owner);
   if (part.empty()) return false;
-  const PackageResult<std::string> bytes = deck.package().ReadXmlPart(part);
+  const Result<std::string> bytes = deck.package().ReadXmlPart(part);
   pugi::xml_document document;
-  if (!bytes.ok || !ParseXml(document, bytes.value)) return false;
-  const XmlNames names(bytes.value);
+  if (!bytes.ok() || !ParseXml(document, bytes.value())) return false;
+  const XmlNames names(bytes.value());
   const pugi::xml_node root = document.document_element();
   const std::string newValue = EscapeAttribute(ToUtf8(value));
   for (const pugi::xml_node tag : root.children()) {
     if (tag.type() != pugi::node_element || !names.Is(tag, kP, "tag")) continue;
     if (UpperAscii(ToWide(tag.attribute("name").value())) != UpperAscii(name)) continue;
-    const AttributeSpan old =
-        FindAttribute(bytes.value, static_cast<std::size_t>(tag.offset_debug()), "val");
+    const AttributeSpan old = FindAttribute(bytes.value(), tag, "val");
     if (!old.found) return false;
     deck.package().PutPart(
-        part, ApplyEdits(bytes.value, {{old.nameBegin, old.valueEnd + 1 - old.nameBegin,
-                                        "val=\"" + newValue + "\""}}));
+        part, ApplyEdits(bytes.value(), {{old.nameBegin, old.valueEnd + 1 - old.nameBegin,
+                                          "val=\"" + newValue + "\""}}));
     return true;
   }
   const std::string prefix(PrefixWithColon(root.name()));
   const std::string tag = "<" + prefix + "tag name=\"" + EscapeAttribute(ToUtf8(UpperAscii(name))) +
                           "\" val=\"" + newValue + "\"/>";
-  const ElementSpan list = FindElement(bytes.value, static_cast<std::size_t>(root.offset_debug()));
+  const ElementSpan list = FindElement(bytes.value(), root);
   if (!list.found) return false;
   Edit edit{list.contentEnd, 0, tag};
   if (list.selfClosed) {
     edit = {list.end - 2, 2, ">" + tag + "</" + std::string(root.name()) + ">"};
   }
-  deck.package().PutPart(part, ApplyEdits(bytes.value, {edit}));
+  deck.package().PutPart(part, ApplyEdits(bytes.value(), {edit}));
   return true;
 }
 

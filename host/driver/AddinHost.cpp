@@ -127,7 +127,7 @@ void EndPane(HostedTaskPane& task) {
   task.window.Reset();
   const std::shared_ptr<addin::CPptPane> pane = std::exchange(task.pane, nullptr);
   if (pane != nullptr && pane->HasWindow()) {
-    pane->OnWindowMessage({pane->windowHandle, addin::WindowMessage::kDestroy, 0, 0, 0});
+    pane->OnWindowMessage({pane->windowHandle(), addin::WindowMessage::kDestroy, 0, 0, 0});
   }
 }
 

@@ -53,11 +53,11 @@ HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_pt
                                        .createWindow = {},
                                        .bridgeWaitMs = bridgeWaitMs};
   surroundings.startWebView = [page = std::move(page)](addin::CPptPane& pane) {
-    pane.AttachWebView(nullptr, page);
+    pane.browser().AttachWebView(nullptr, page);
   };
   pane_ = addin::CPptPane::Create(std::move(surroundings));
   block = {};
-  pane_->OnCreate(kFirstPaneWindow + static_cast<std::uintptr_t>(pane_->paneId));
+  pane_->OnCreate(kFirstPaneWindow + static_cast<std::uintptr_t>(pane_->paneId()));
 }
 
 HostedPane::~HostedPane() {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <optional>
 
-#include "host/geometry/PresetRooms.h"
+#include "host/geometry/PresetTextRects.h"
 #include "host/geometry/ShapeGuides.h"
 
 namespace quillmarch::host::model {
@@ -15,7 +15,7 @@ constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 constexpr double kEmuPerPoint = 12700.0;
 
 // The rectangle that a shape with an outline of its own names; nothing when it names none.
-std::optional<PresetEdges> OwnRoom(const deck::XmlNames& names, pugi::xml_node custom, double width,
+std::optional<PresetEdges> OwnRect(const deck::XmlNames& names, pugi::xml_node custom, double width,
                                    double height) {
   const pugi::xml_node rectangle = names.Child(custom, kA, "rect");
   if (!rectangle) return std::nullopt;
@@ -39,10 +39,10 @@ deck::ShapeBox TextRectangle(const deck::XmlNames& names, pugi::xml_node shape, 
   const pugi::xml_node properties = names.Child(shape, kP, "spPr");
   const pugi::xml_node preset = names.Child(properties, kA, "prstGeom");
   const PresetGeometry geometry{names.Child(preset, kA, "avLst"), width, height};
-  PresetEdges edges = PresetRoom(geometry, preset.attribute("prst").value());
+  PresetEdges edges = PresetTextRect(geometry, preset.attribute("prst").value());
   if (!preset) {
     const pugi::xml_node custom = names.Child(properties, kA, "custGeom");
-    edges = OwnRoom(names, custom, width, height).value_or(edges);
+    edges = OwnRect(names, custom, width, height).value_or(edges);
   }
   return {edges.left, edges.top, std::max(0.0, edges.right - edges.left),
           std::max(0.0, edges.bottom - edges.top)};
@@ -55,9 +55,9 @@ deck::ShapeBox ShapeAround(const deck::XmlNames& names, pugi::xml_node shape,
   constexpr int kSteps = 12;
   deck::ShapeBox size = now;
   for (int step = 0; step < kSteps; ++step) {
-    const deck::ShapeBox room = TextRectangle(names, shape, size.width, size.height);
-    if (room.width > 0) size.width *= wanted.width / room.width;
-    if (room.height > 0) size.height *= wanted.height / room.height;
+    const deck::ShapeBox rect = TextRectangle(names, shape, size.width, size.height);
+    if (rect.width > 0) size.width *= wanted.width / rect.width;
+    if (rect.height > 0) size.height *= wanted.height / rect.height;
   }
   return size;
 }

@@ -18,7 +18,7 @@ bool Turned(const LayoutFrame& frame) {
 
 }  // namespace
 
-TextFit FitTextToShape(TextLayout& layout, const LayoutFrame& frame, FitSteps steps) {
+TextFit FitTextToShape(LayoutEngine& layout, const LayoutFrame& frame, FitSteps steps) {
   double room = Turned(frame) ? frame.width - frame.insetLeft - frame.insetRight
                               : frame.height - frame.insetTop - frame.insetBottom;
   std::span<const TextFit> all =
@@ -33,7 +33,7 @@ TextFit FitTextToShape(TextLayout& layout, const LayoutFrame& frame, FitSteps st
   return all.back();
 }
 
-FrameSize FitShapeToText(const LayoutFrame& frame, const LaidText& text) {
+FrameSize FitShapeToText(const LayoutFrame& frame, const LayoutResult& text) {
   FrameSize size{frame.width, frame.height};
   double sides = frame.insetLeft + frame.insetRight;
   double ends = frame.insetTop + frame.insetBottom;

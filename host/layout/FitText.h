@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 namespace quillmarch::host::layout {
 
@@ -19,7 +19,7 @@ enum class FitSteps : std::uint8_t { kBody, kTitle };
 // The first of PowerPoint's steps at which the text is no higher than the frame's text area; the
 // last one when none is. The frame's own autofit is not looked at. At most as many layouts as there
 // are steps.
-TextFit FitTextToShape(TextLayout& layout, const LayoutFrame& frame, FitSteps steps);
+TextFit FitTextToShape(LayoutEngine& layout, const LayoutFrame& frame, FitSteps steps);
 
 struct FrameSize {
   double width = 0.0;
@@ -28,6 +28,6 @@ struct FrameSize {
 
 // The size of a shape that fits its text: with wrap on its height follows the text (for vertical
 // text its width), with wrap off both do.
-FrameSize FitShapeToText(const LayoutFrame& frame, const LaidText& text);
+FrameSize FitShapeToText(const LayoutFrame& frame, const LayoutResult& text);
 
 }  // namespace quillmarch::host::layout

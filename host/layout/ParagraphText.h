@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "host/layout/FontBook.h"
-#include "host/layout/LayoutText.h"
+#include "host/layout/LayoutFrame.h"
 #include "host/layout/WordAdvances.h"
 
 namespace quillmarch::host::layout {

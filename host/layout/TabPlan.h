@@ -1,7 +1,7 @@
 // Where tabs of a paragraph lead, counted from the edge where its lines begin.
 #pragma once
 
-#include "host/layout/LayoutText.h"
+#include "host/layout/LayoutFrame.h"
 
 namespace quillmarch::host::layout {
 

@@ -1,7 +1,7 @@
 #include "host/model/Host.h"
 
 #include "host/model/HostState.h"
-#include "host/model/Objects.h"
+#include "host/model/objects/ApplicationObjects.h"
 
 namespace quillmarch::host {
 
@@ -18,37 +18,30 @@ Host::Host(const Personality& personality) : state_(std::make_unique<State>()) {
 
 Host::~Host() = default;
 
-PackageResult<bool> Host::Open(const std::string& path, std::vector<std::string>& warnings) {
-  PackageResult<bool> result;
-  PackageResult<std::unique_ptr<deck::Deck>> opened = deck::Deck::Open(path, warnings);
-  if (!opened.ok) {
-    result.error = std::move(opened.error);
-    return result;
-  }
+Result<void> Host::Open(const std::string& path, std::vector<std::string>& warnings) {
+  Result<std::unique_ptr<deck::Deck>> opened = deck::Deck::Open(path, warnings);
+  if (!opened) return std::move(opened).error();
   model::Session& session = *state_->session;
   auto open = std::make_unique<model::OpenDeck>();
   open->path = path;
-  open->deck = std::move(opened.value);
+  open->deck = *std::move(opened);
   open->window = kFirstWindow + static_cast<std::int32_t>(session.decks.size());
   open->deck->SetFit([&session, deck = open->deck.get()](const deck::ShapeAddress& address) {
     session.measure.Fit(*deck, address);
   });
   session.active = session.decks.size();
   session.decks.push_back(std::move(open));
-  result.value = result.ok = true;
-  return result;
+  return {};
 }
 
 void Host::ExpectMeasuring() {
   state_->session->measure.Prepare();
 }
 
-PackageResult<bool> Host::Save(const std::string& path) {
+Result<void> Host::Save(const std::string& path) {
   const model::OpenDeck* const open = state_->session->Active();
   if (open != nullptr) return open->deck->Save(path);
-  PackageResult<bool> result;
-  result.error.sentence = "No presentation is open.";
-  return result;
+  return Error{ErrorCode::kNotFound, "No presentation is open."};
 }
 
 bool Host::Edited() const {

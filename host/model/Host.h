@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "foundation/automation/AutomationObject.h"
+#include "foundation/text/Result.h"
 #include "host/package/Package.h"
 
 namespace quillmarch::host {
@@ -43,27 +44,27 @@ class Host {
   // Opens a deck in a window of its own and makes it the active one. What the deck's structure
   // needs and is missing or broken is an error; a missing leaf (picture, workbook, sound) is a
   // sentence in `warnings`.
-  PackageResult<bool> Open(const std::string& path, std::vector<std::string>& warnings);
+  Result<void> Open(const std::string& path, std::vector<std::string>& warnings);
   // Tells that texts will be measured, so that reading the machine's fonts can begin meanwhile.
   void ExpectMeasuring();
   // Saves the deck of the active window; nothing that was not edited changes.
-  PackageResult<bool> Save(const std::string& path);
+  Result<void> Save(const std::string& path);
   bool Edited() const;
   std::int32_t SlideCount() const;
   // Shows a slide (1-based) in the active window, as a user would before a one-slide run.
   bool ShowSlide(std::int32_t index);
 
-  // Each selects in the active window, shows the slide, and gives a sentence, with the window as it
-  // was, for what cannot be selected; otherwise nothing. Slides count from 1 and keep their order;
-  // what is named twice is selected once.
-  std::string SelectSlides(const std::vector<std::int32_t>& slides);
+  // Each selects in the active window and shows the slide. What cannot be selected is an error
+  // that leaves the window as it was. Slides count from 1 and keep their order; what is named twice
+  // is selected once.
+  Result<void> SelectSlides(const std::vector<std::int32_t>& slides);
   // Shapes of one slide: of its top level, or members of one group. A name is looked for on the top
   // level first.
-  std::string SelectShapes(std::int32_t slide, const std::vector<ShapeKey>& shapes);
+  Result<void> SelectShapes(std::int32_t slide, const std::vector<ShapeKey>& shapes);
   // `length` UTF-16 units of the shape's text from `start`, which counts from 1; a paragraph's end
   // is one unit.
-  std::string SelectText(std::int32_t slide, const ShapeKey& shape, std::int32_t start,
-                         std::int32_t length);
+  Result<void> SelectText(std::int32_t slide, const ShapeKey& shape, std::int32_t start,
+                          std::int32_t length);
   void ClearSelection();
 
   // The Application object.

@@ -1,4 +1,4 @@
-// What a user selects in the active window, with a sentence for what no user could.
+// What a user selects in the active window; what no user could select is an error.
 #include <algorithm>
 
 #include "host/deck/XmlNames.h"
@@ -13,13 +13,14 @@ using model::OpenDeck;
 using model::Selected;
 using model::SelectionType;
 
-std::string NoSlide(const OpenDeck& open, std::int32_t slide) {
+Error NoSlide(const OpenDeck& open, std::int32_t slide) {
   const std::uint32_t count = open.deck->SlideCount();
-  return std::string("there is no slide ")
-      .append(std::to_string(slide))
-      .append("; the deck has ")
-      .append(std::to_string(count))
-      .append(count == 1 ? " slide" : " slides");
+  return {ErrorCode::kNotFound, "there is no slide " + std::to_string(slide) + "; the deck has " +
+                                    std::to_string(count) + (count == 1 ? " slide" : " slides")};
+}
+
+Error Unfit(std::string words) {
+  return {ErrorCode::kInvalidArgument, std::move(words)};
 }
 
 bool HasSlide(const OpenDeck& open, std::int32_t slide) {
@@ -81,22 +82,20 @@ Found FindByName(const deck::SlidePart& part, const std::string& name) {
   return {};
 }
 
-// The slide's part; null, and the sentence, when there is none.
-deck::SlidePart* SlideToSelectOn(const OpenDeck& open, std::int32_t slide, std::string& error) {
-  if (!HasSlide(open, slide)) {
-    error = NoSlide(open, slide);
-    return nullptr;
-  }
+Result<deck::SlidePart*> SlideToSelectOn(const OpenDeck& open, std::int32_t slide) {
+  if (!HasSlide(open, slide)) return NoSlide(open, slide);
   deck::SlidePart* const part = open.deck->Page({static_cast<std::uint32_t>(slide) - 1, false});
-  if (part == nullptr) error = "slide " + std::to_string(slide) + " can't be read";
-  return part;
+  if (part != nullptr) return part;
+  return Error{ErrorCode::kDamaged, "slide " + std::to_string(slide) + " can't be read"};
 }
 
-std::string FindShapeKey(const deck::SlidePart& part, bool flat, std::int32_t slide,
-                         const ShapeKey& key, Found& found) {
-  found = key.name.empty() ? FindByPath(part.shapes(), key.path, flat) : FindByName(part, key.name);
-  if (found.shape != deck::kNoShape) return {};
-  return "there is no shape " + Shown(key) + " on slide " + std::to_string(slide);
+Result<Found> FindShapeKey(const deck::SlidePart& part, bool flat, std::int32_t slide,
+                           const ShapeKey& key) {
+  const Found found =
+      key.name.empty() ? FindByPath(part.shapes(), key.path, flat) : FindByName(part, key.name);
+  if (found.shape != deck::kNoShape) return found;
+  return Error{ErrorCode::kNotFound,
+               "there is no shape " + Shown(key) + " on slide " + std::to_string(slide)};
 }
 
 void Select(OpenDeck& open, Selected selected, std::uint32_t shown) {
@@ -109,14 +108,16 @@ bool CutsPair(const Wide& text, std::size_t at) {
          text[at] >= 0xDC00 && text[at] <= 0xDFFF;
 }
 
-constexpr char kNoDeck[] = "no presentation is open";
+Error NoDeck() {
+  return {ErrorCode::kNotFound, "no presentation is open"};
+}
 
 }  // namespace
 
-std::string Host::SelectSlides(const std::vector<std::int32_t>& slides) {
+Result<void> Host::SelectSlides(const std::vector<std::int32_t>& slides) {
   OpenDeck* const open = state_->session->Active();
-  if (open == nullptr) return kNoDeck;
-  if (slides.empty()) return "no slide is named";
+  if (open == nullptr) return NoDeck();
+  if (slides.empty()) return Unfit("no slide is named");
   Selected selected;
   selected.type = SelectionType::kSlides;
   for (const std::int32_t slide : slides) {
@@ -131,60 +132,58 @@ std::string Host::SelectSlides(const std::vector<std::int32_t>& slides) {
   return {};
 }
 
-std::string Host::SelectShapes(std::int32_t slide, const std::vector<ShapeKey>& shapes) {
+Result<void> Host::SelectShapes(std::int32_t slide, const std::vector<ShapeKey>& shapes) {
   OpenDeck* const open = state_->session->Active();
-  if (open == nullptr) return kNoDeck;
-  if (shapes.empty()) return "no shape is named";
-  std::string error;
-  const deck::SlidePart* const part = SlideToSelectOn(*open, slide, error);
-  if (part == nullptr) return error;
+  if (open == nullptr) return NoDeck();
+  if (shapes.empty()) return Unfit("no shape is named");
+  const Result<deck::SlidePart*> part = SlideToSelectOn(*open, slide);
+  if (!part) return part.error();
   Selected selected;
   selected.type = SelectionType::kShapes;
   selected.page = {static_cast<std::uint32_t>(slide) - 1, false};
   for (const ShapeKey& key : shapes) {
-    Found found;
-    error = FindShapeKey(*part, state_->session->personality.flatGroups, slide, key, found);
-    if (!error.empty()) return error;
-    if (!selected.shapes.empty() && found.group != selected.group) {
-      return "shapes within a group can be selected only with others of the same group";
+    const Result<Found> found =
+        FindShapeKey(**part, state_->session->personality.flatGroups, slide, key);
+    if (!found) return found.error();
+    if (!selected.shapes.empty() && found->group != selected.group) {
+      return Unfit("shapes within a group can be selected only with others of the same group");
     }
-    selected.group = found.group;
-    const bool known = std::find(selected.shapes.begin(), selected.shapes.end(), found.shape) !=
+    selected.group = found->group;
+    const bool known = std::find(selected.shapes.begin(), selected.shapes.end(), found->shape) !=
                        selected.shapes.end();
-    if (!known) selected.shapes.push_back(found.shape);
+    if (!known) selected.shapes.push_back(found->shape);
   }
   Select(*open, std::move(selected), static_cast<std::uint32_t>(slide) - 1);
   return {};
 }
 
-std::string Host::SelectText(std::int32_t slide, const ShapeKey& shape, std::int32_t start,
-                             std::int32_t length) {
+Result<void> Host::SelectText(std::int32_t slide, const ShapeKey& shape, std::int32_t start,
+                              std::int32_t length) {
   OpenDeck* const open = state_->session->Active();
-  if (open == nullptr) return kNoDeck;
-  std::string error;
-  const deck::SlidePart* const part = SlideToSelectOn(*open, slide, error);
-  if (part == nullptr) return error;
-  Found found;
-  error = FindShapeKey(*part, state_->session->personality.flatGroups, slide, shape, found);
-  if (!error.empty()) return error;
+  if (open == nullptr) return NoDeck();
+  const Result<deck::SlidePart*> part = SlideToSelectOn(*open, slide);
+  if (!part) return part.error();
+  const Result<Found> found =
+      FindShapeKey(**part, state_->session->personality.flatGroups, slide, shape);
+  if (!found) return found.error();
 
   Selected selected;
   selected.type = SelectionType::kText;
   selected.page = {static_cast<std::uint32_t>(slide) - 1, false};
-  selected.shapes = {found.shape};
-  deck::TextBody* const body = open->deck->Text({selected.page, found.shape});
+  selected.shapes = {found->shape};
+  deck::TextBody* const body = open->deck->Text({selected.page, found->shape});
   const std::size_t units = body == nullptr ? 0 : body->Length();
   const std::string named = "shape " + Shown(shape) + " on slide " + std::to_string(slide);
-  if (units == 0) return named + " has no text";
+  if (units == 0) return Unfit(named + " has no text");
   const auto first = static_cast<std::int64_t>(start) - 1;
   if (start < 1 || length < 1 || first + length > static_cast<std::int64_t>(units)) {
-    return named + " has " + std::to_string(units) + " characters, counted from 1";
+    return Unfit(named + " has " + std::to_string(units) + " characters, counted from 1");
   }
   selected.text = {static_cast<std::size_t>(first), static_cast<std::size_t>(length)};
   const Wide text = body->Text({0, units});
   if (CutsPair(text, selected.text.start) ||
       CutsPair(text, selected.text.start + selected.text.length)) {
-    return "the piece of " + named + " begins or ends within a character";
+    return Unfit("the piece of " + named + " begins or ends within a character");
   }
   Select(*open, std::move(selected), static_cast<std::uint32_t>(slide) - 1);
   return {};

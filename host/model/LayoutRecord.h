@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/deck/Deck.h"
-#include "host/layout/LayoutText.h"
+#include "host/layout/LayoutFrame.h"
 
 namespace quillmarch::host::model {
 

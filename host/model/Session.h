@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "host/deck/Deck.h"
+#include "host/model/FrameMeasure.h"
 #include "host/model/Host.h"
 #include "host/model/Selected.h"
-#include "host/model/TextMeasure.h"
 
 namespace quillmarch::host::model {
 
@@ -37,7 +37,7 @@ struct OpenDeck {
 
 struct Session {
   Personality personality;
-  TextMeasure measure;
+  FrameMeasure measure;
   std::vector<std::unique_ptr<OpenDeck>> decks;  // one window each, in the order of opening
   std::size_t active = 0;
   std::thread::id thread = std::this_thread::get_id();

@@ -23,19 +23,8 @@ namespace quillmarch::host {
 
 namespace {
 
-template <typename T>
-PackageResult<T> Fault(std::string sentence) {
-  PackageResult<T> result;
-  result.error.sentence = std::move(sentence);
-  return result;
-}
-
-template <typename T>
-PackageResult<T> Value(T value) {
-  PackageResult<T> result;
-  result.value = std::move(value);
-  result.ok = true;
-  return result;
+Error Missing(std::string_view name) {
+  return {ErrorCode::kNotFound, "The part " + std::string(name) + " is missing."};
 }
 
 std::string PartSentence(std::string_view name, std::string_view why) {
@@ -51,27 +40,34 @@ class ZipPackage final : public Package {
   ZipPackage(const PackageLimits& limits) : limits_(limits), archive_(file_) {}
 
   std::string Load(const std::string& path);
+  std::string LoadBytes(std::string_view bytes);
 
   bool HasPart(std::string_view name) const override { return Find(name) != nullptr; }
   std::vector<std::string> PartNames() const override;
-  PackageResult<std::string> ReadPart(std::string_view name) override;
-  PackageResult<std::string> ReadXmlPart(std::string_view name) override;
+  Result<std::string> ReadPart(std::string_view name) override;
+  Result<std::string> ReadXmlPart(std::string_view name) override;
   std::string ContentType(std::string_view name) const override { return types_.Of(name); }
-  PackageResult<std::vector<Relationship>> Relationships(std::string_view name) override;
+  Result<std::vector<Relationship>> Relationships(std::string_view name) override;
   void PutPart(std::string_view name, std::string bytes) override;
   void PutPartLater(std::string_view name, std::size_t weight,
                     std::function<std::string()> make) override;
   bool Edited() override;
-  PackageResult<bool> Save(const std::string& path) override;
+  Result<void> Save(const std::string& path) override;
+  Result<std::string> SaveBytes() override;
 
  private:
+  std::string LoadOpened();
   const std::size_t* Find(std::string_view name) const;
   std::string CheckEntries();
   std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
   std::string Bytes(std::size_t entry, std::uint64_t limit, std::string& bytes);
   bool IsOriginal(std::size_t entry, const PartBytes& part);
+  std::string CheckUnchanged(const OutputFile& output) const;
+  std::string WriteTo(OutputFile& output);
 
   PackageLimits limits_;
+  std::string path_;
+  FileState expected_;  // what is at the path, as long as only this package writes there
   InputFile file_;
   ZipArchive archive_;
   std::unordered_map<std::string, std::size_t> parts_;  // entry by PartKey
@@ -87,18 +83,29 @@ class ZipPackage final : public Package {
 
 std::string ZipPackage::Load(const std::string& path) {
   std::string sentence = file_.Open(path);
-  if (sentence.empty()) sentence = CompoundFileSentence(file_);
+  path_ = path;
+  expected_ = file_.Opened();
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadBytes(std::string_view bytes) {
+  std::string sentence = file_.OpenBytes(bytes);
+  return sentence.empty() ? LoadOpened() : sentence;
+}
+
+std::string ZipPackage::LoadOpened() {
+  std::string sentence = CompoundFileSentence(file_);
   if (sentence.empty()) sentence = archive_.Open(limits_.maxEntries);
   if (sentence.empty()) sentence = CheckEntries();
   if (!sentence.empty()) return sentence;
 
   if (!HasPart(kContentTypesPart)) {
-    return "The part [Content_Types].xml is missing, so it is no .pptx file.";
+    return "The part [Content_Types].xml is missing, so it is not a .pptx file.";
   }
-  const PackageResult<std::string> types = ReadXmlPart(kContentTypesPart);
-  if (!types.ok) return types.error.sentence;
-  if (!types_.Parse(types.value)) {
-    return PartSentence(kContentTypesPart, "it is no list of content types");
+  const Result<std::string> types = ReadXmlPart(kContentTypesPart);
+  if (!types.ok()) return types.error().words;
+  if (!types_.Parse(types.value())) {
+    return PartSentence(kContentTypesPart, "it is not a content types part");
   }
   return {};
 }
@@ -126,7 +133,7 @@ std::string ZipPackage::CheckEntries() {
     std::string bomb = CheckBomb(entry, key);
     if (!bomb.empty()) return bomb;
     if (entry.size > entry.packed) growth += entry.size - entry.packed;
-    if (entry.size > limits_.maxPackageBytes || growth > limits_.maxPackageBytes) {
+    if (growth > limits_.maxPackageBytes) {
       return "The file would inflate to more than " +
              std::to_string(limits_.maxPackageBytes >> 20) + " MB, as a zip bomb does.";
     }
@@ -170,27 +177,27 @@ std::string ZipPackage::Bytes(std::size_t entry, std::uint64_t limit, std::strin
   return archive_.Read(entry, bytes);
 }
 
-PackageResult<std::string> ZipPackage::ReadPart(std::string_view name) {
+Result<std::string> ZipPackage::ReadPart(std::string_view name) {
   const std::size_t* const entry = Find(name);
-  if (entry == nullptr) return Fault<std::string>("The part " + std::string(name) + " is missing.");
+  if (entry == nullptr) return Missing(name);
   std::string bytes;
   const std::string why = Bytes(*entry, limits_.maxPartBytes, bytes);
-  if (!why.empty()) return Fault<std::string>(PartSentence(name, why));
-  return Value(std::move(bytes));
+  if (!why.empty()) return Error{ErrorCode::kDamaged, PartSentence(name, why)};
+  return bytes;
 }
 
-PackageResult<std::string> ZipPackage::ReadXmlPart(std::string_view name) {
+Result<std::string> ZipPackage::ReadXmlPart(std::string_view name) {
   const std::size_t* const entry = Find(name);
-  if (entry == nullptr) return Fault<std::string>("The part " + std::string(name) + " is missing.");
+  if (entry == nullptr) return Missing(name);
   std::string bytes;
   const std::string why = Bytes(*entry, limits_.maxXmlBytes, bytes);
-  if (!why.empty()) return Fault<std::string>(PartSentence(name, why));
+  if (!why.empty()) return Error{ErrorCode::kDamaged, PartSentence(name, why)};
   const XmlForm form = DetectXmlForm(bytes);
   const bool wide = form.encoding != XmlEncoding::kUtf8;
   if (wide) {
     std::string utf8;
     if (!Utf16ToUtf8(bytes, form, utf8)) {
-      return Fault<std::string>(PartSentence(name, "there are bytes that are not UTF-16"));
+      return Error{ErrorCode::kDamaged, PartSentence(name, "there are bytes that are not UTF-16")};
     }
     bytes = std::move(utf8);
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -201,21 +208,21 @@ PackageResult<std::string> ZipPackage::ReadXmlPart(std::string_view name) {
   bounds.maxDepth = limits_.maxXmlDepth;
   const XmlVerdict verdict = CheckXml(bytes, bounds, wide);
   if (verdict.fault != XmlFault::kNone) {
-    return Fault<std::string>(
-        PartSentence(name, "it is not good XML, " + DescribeXmlFault(verdict)));
+    return Error{ErrorCode::kDamaged,
+                 PartSentence(name, "it is not good XML, " + DescribeXmlFault(verdict))};
   }
-  return Value(std::move(bytes));
+  return bytes;
 }
 
-PackageResult<std::vector<Relationship>> ZipPackage::Relationships(std::string_view name) {
+Result<std::vector<Relationship>> ZipPackage::Relationships(std::string_view name) {
   const std::string part = RelationshipsPartName(name);
   std::vector<Relationship> relationships;
-  if (!HasPart(part)) return Value(std::move(relationships));
-  const PackageResult<std::string> xml = ReadXmlPart(part);
-  if (!xml.ok) return Fault<std::vector<Relationship>>(xml.error.sentence);
-  const std::string why = ParseRelationships(name, xml.value, relationships);
-  if (!why.empty()) return Fault<std::vector<Relationship>>(PartSentence(part, why));
-  return Value(std::move(relationships));
+  if (!HasPart(part)) return relationships;
+  const Result<std::string> xml = ReadXmlPart(part);
+  if (!xml) return xml.error();
+  const std::string why = ParseRelationships(name, xml.value(), relationships);
+  if (!why.empty()) return Error{ErrorCode::kDamaged, PartSentence(part, why)};
+  return relationships;
 }
 
 bool ZipPackage::IsOriginal(std::size_t entry, const PartBytes& part) {
@@ -263,42 +270,79 @@ bool ZipPackage::Edited() {
   });
 }
 
-PackageResult<bool> ZipPackage::Save(const std::string& path) {
-  if (!putFault_.empty()) return Fault<bool>(putFault_);
-  OutputFile output;
-  std::string sentence = output.Open(path);
-  if (!sentence.empty()) return Fault<bool>(std::move(sentence));
+std::string ZipPackage::CheckUnchanged(const OutputFile& output) const {
+  constexpr char kChanged[] = "Another program changed the deck meanwhile.";
+  const std::optional<FileState> now = path_.empty() ? std::nullopt : FileStateAt(path_);
+  if (file_.WasChanged() || (now && now != expected_)) return kChanged;
+  if (output.TargetChanged()) return "Another program changed the file meanwhile.";
+  return {};
+}
+
+// Everything, edits included. Empty when done, else one sentence.
+std::string ZipPackage::WriteTo(OutputFile& output) {
   if (!Edited()) {
-    if (output.Replaces(file_)) return Value(true);
-    output.CopyFrom(file_, file_.Size());
-  } else {
-    std::vector<ZipReplacement> replacements;
-    for (const auto& [entry, job] : edits_) {
-      if (!compressor_.Wait(job)) {
-        return Fault<bool>("There is not enough memory to write the part " +
-                           archive_.Entries()[entry].name + ".");
-      }
-      if (!job->original) replacements.push_back({entry, &job->packed});
-    }
-    std::string reason;
-    if (!archive_.Write(replacements, output, reason)) {
-      sentence = output.Failure();
-      return Fault<bool>(sentence.empty() ? std::move(reason) : std::move(sentence));
-    }
+    output.CopyFrom(file_, 0, file_.Size(), 0);
+    return output.Failure();
   }
+  std::vector<ZipReplacement> replacements;
+  for (const auto& [entry, job] : edits_) {
+    if (!compressor_.Wait(job)) {
+      return "There is not enough memory to write the part " + archive_.Entries()[entry].name + ".";
+    }
+    if (!job->original) replacements.push_back({entry, &job->packed});
+  }
+  return archive_.Write(replacements, output);
+}
+
+Result<void> ZipPackage::Save(const std::string& path) {
+  if (!putFault_.empty()) return Error{ErrorCode::kNotFound, putFault_};
+  OutputFile output;
+  std::string sentence = output.Open(path, file_.Permissions());
+  if (!sentence.empty()) return Error{ErrorCode::kInputOutput, std::move(sentence)};
+  const bool overItself = FileStateAt(path) == expected_;
+  if (overItself && !Edited()) return {};
+  // Before and after: a program that writes meanwhile may have been at it when the copy was made.
+  sentence = CheckUnchanged(output);
+  if (!sentence.empty()) return Error{ErrorCode::kChanged, std::move(sentence)};
+  sentence = WriteTo(output);
+  if (!sentence.empty()) return Error{ErrorCode::kInputOutput, std::move(sentence)};
+  sentence = CheckUnchanged(output);
+  if (!sentence.empty()) return Error{ErrorCode::kChanged, std::move(sentence)};
   sentence = output.Commit();
-  if (!sentence.empty()) return Fault<bool>(std::move(sentence));
-  return Value(true);
+  if (!sentence.empty()) return Error{ErrorCode::kInputOutput, std::move(sentence)};
+  if (overItself) expected_ = FileStateAt(path).value_or(expected_);
+  return {};
+}
+
+Result<std::string> ZipPackage::SaveBytes() {
+  if (!putFault_.empty()) return Error{ErrorCode::kNotFound, putFault_};
+  OutputFile output;
+  std::string sentence = output.OpenInMemory();
+  if (sentence.empty()) sentence = WriteTo(output);
+  if (!sentence.empty()) return Error{ErrorCode::kInputOutput, std::move(sentence)};
+  std::string bytes(static_cast<std::size_t>(output.Size()), '\0');
+  if (!output.ReadAt(0, bytes.data(), bytes.size())) {
+    return Error{ErrorCode::kOutOfMemory, "There is not enough memory."};
+  }
+  return bytes;
 }
 
 }  // namespace
 
-PackageResult<std::unique_ptr<Package>> Package::Open(const std::string& path,
-                                                      const PackageLimits& limits) {
+Result<std::unique_ptr<Package>> Package::Open(const std::string& path,
+                                               const PackageLimits& limits) {
   auto package = std::make_unique<ZipPackage>(limits);
   std::string sentence = package->Load(path);
-  if (!sentence.empty()) return Fault<std::unique_ptr<Package>>(std::move(sentence));
-  return Value<std::unique_ptr<Package>>(std::move(package));
+  if (!sentence.empty()) return Error{ErrorCode::kDamaged, std::move(sentence)};
+  return std::unique_ptr<Package>(std::move(package));
+}
+
+Result<std::unique_ptr<Package>> Package::OpenBytes(std::string_view bytes,
+                                                    const PackageLimits& limits) {
+  auto package = std::make_unique<ZipPackage>(limits);
+  std::string sentence = package->LoadBytes(bytes);
+  if (!sentence.empty()) return Error{ErrorCode::kDamaged, std::move(sentence)};
+  return std::unique_ptr<Package>(std::move(package));
 }
 
 }  // namespace quillmarch::host

@@ -1,6 +1,6 @@
-// An Open Packaging (OPC) file: its parts, content types and relationships, read through libzip
-// and written without touching what was not edited. One thread at a time, but for HasPart,
-// ReadPart, ReadXmlPart and Relationships, which any thread may call at any time.
+// An Open Packaging (OPC) file: its parts, content types and relationships, written without
+// touching what was not edited. One thread at a time, except for HasPart, ReadPart, ReadXmlPart and
+// Relationships, which any thread may call at any time.
 #pragma once
 
 #include <cstddef>
@@ -11,20 +11,9 @@
 #include <string_view>
 #include <vector>
 
+#include "foundation/text/Result.h"
+
 namespace quillmarch::host {
-
-// What is wrong with a package, in one clear English sentence that names the part and the cause
-// but not the file: the caller knows the path and puts it in front.
-struct PackageError {
-  std::string sentence;
-};
-
-template <typename T>
-struct PackageResult {
-  T value{};
-  PackageError error;
-  bool ok = false;
-};
 
 // Bounds that keep hostile files harmless. A part that is never read costs nothing, so a large
 // video is no matter; what is read is bounded by its declared size before memory is taken.
@@ -52,8 +41,11 @@ class Package {
  public:
   // Opens and checks the archive and [Content_Types].xml. Nothing is inflated that is not asked
   // for.
-  static PackageResult<std::unique_ptr<Package>> Open(const std::string& path,
-                                                      const PackageLimits& limits = {});
+  static Result<std::unique_ptr<Package>> Open(const std::string& path,
+                                               const PackageLimits& limits = {});
+  // As Open, for a package that lies in memory, such as a part of another package.
+  static Result<std::unique_ptr<Package>> OpenBytes(std::string_view bytes,
+                                                    const PackageLimits& limits = {});
   virtual ~Package() = default;
 
   // Part names stand without the leading slash, such as "ppt/slides/slide1.xml"; they compare
@@ -62,17 +54,17 @@ class Package {
   // All parts as the archive names them, in its order; folders are none.
   virtual std::vector<std::string> PartNames() const = 0;
   // The bytes of a part as they are now, edits included.
-  virtual PackageResult<std::string> ReadPart(std::string_view name) = 0;
+  virtual Result<std::string> ReadPart(std::string_view name) = 0;
   // As ReadPart, and the bytes are well-formed UTF-8 XML of bounded size and depth without a
   // document type: what pugixml alone would let pass is refused. A part in UTF-16 is given as
   // UTF-8; a UTF-8 byte order mark stays in front.
-  virtual PackageResult<std::string> ReadXmlPart(std::string_view name) = 0;
+  virtual Result<std::string> ReadXmlPart(std::string_view name) = 0;
   // Content type by override or extension; empty when none is declared.
   virtual std::string ContentType(std::string_view name) const = 0;
   // The relationships of a part, or of the package itself for an empty name; an absent
   // relationships part gives none. Targets are resolved against the part's folder; a target that
   // climbs out of the package is an error.
-  virtual PackageResult<std::vector<Relationship>> Relationships(std::string_view name) = 0;
+  virtual Result<std::vector<Relationship>> Relationships(std::string_view name) = 0;
 
   // Replaces the bytes of a part that exists; kept compressed until saved. The original's own
   // bytes take the edit back. Bytes of a part that ReadXmlPart gave from UTF-16 are put as UTF-8
@@ -88,8 +80,12 @@ class Package {
   // Writes the package to `path` atomically: a temporary file in the same folder, flushed, then
   // renamed. Parts without an edit keep their compressed bytes, order and times; without any edit
   // the file is a byte for byte copy. An earlier file at `path` stays as it was on any failure; its
-  // mode bits are kept, and a symbolic link is followed. Reading goes on as before afterwards.
-  virtual PackageResult<bool> Save(const std::string& path) = 0;
+  // mode bits are kept, a new file is at most as open to others as the original, and a symbolic
+  // link is followed. Refused when another program has changed the original since it was opened, or
+  // `path` meanwhile. Reading goes on as before afterwards.
+  virtual Result<void> Save(const std::string& path) = 0;
+  // The bytes that Save would write.
+  virtual Result<std::string> SaveBytes() = 0;
 };
 
 }  // namespace quillmarch::host

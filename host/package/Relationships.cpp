@@ -17,7 +17,7 @@ std::string ParseRelationships(std::string_view source, std::string_view xml,
   const pugi::xml_node root = document.document_element();
   if (LocalName(root.name()) != "Relationships" ||
       NamespaceOf(root) != XmlNamespace::kPackageRelationships) {
-    return "it is no list of relationships";
+    return "it is not a relationships part";
   }
   std::unordered_set<std::string> ids;
   for (const pugi::xml_node entry : root.children()) {
@@ -31,7 +31,7 @@ std::string ParseRelationships(std::string_view source, std::string_view xml,
       return "a relationship has no id or no type";
     }
     if (!ids.insert(relationship.id).second) {
-      return "the relationship " + relationship.id + " stands twice";
+      return "it has two relationships of the id " + relationship.id;
     }
     // A full URI is never the name of a part, even where the mode was forgotten.
     relationship.external = mode == "External" || HasUriScheme(target);

@@ -10,8 +10,8 @@
 #include <iostream>
 #include <string>
 
-#include "host/remote/HostDesk.h"
 #include "host/remote/Loopback.h"
+#include "host/remote/RemoteControl.h"
 
 namespace quillmarch::host {
 
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
     const int connection = accept(listener, nullptr, nullptr);
     if (connection < 0) continue;
     ObjectServer server;
-    server.SetRoot(MakeHostDesk(server));
+    server.SetRoot(MakeRemoteControl(server));
     ServeConnection(connection, server);
     close(connection);
   }

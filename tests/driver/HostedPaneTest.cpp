@@ -26,10 +26,10 @@ TEST(HostedPane, StandsInTheActiveWindowWithAPage) {
   Desk desk;
   HostedPane hosted(desk.host.Application(), desk.loop, desk.page, {});
   const WindowContext context = desk.host.ContextOf(*desk.host.activeWindow);
-  EXPECT_EQ(hosted.pane().windowContext.hwnd, context.hwnd);
-  EXPECT_EQ(hosted.pane().windowContext.id, context.id);
+  EXPECT_EQ(hosted.pane().windowContext().hwnd, context.hwnd);
+  EXPECT_EQ(hosted.pane().windowContext().id, context.id);
   EXPECT_TRUE(hosted.pane().HasWindow());
-  EXPECT_EQ(hosted.pane().webView, desk.page);
+  EXPECT_EQ(hosted.pane().browser().webView(), desk.page);
 }
 
 TEST(HostedPane, EachHasANumberOfItsOwnAndLeavesNothingForTheNext) {
@@ -37,9 +37,9 @@ TEST(HostedPane, EachHasANumberOfItsOwnAndLeavesNothingForTheNext) {
   HostedPane first(desk.host.Application(), desk.loop, desk.page, {});
   desk.host.activeWindow = nullptr;
   HostedPane second(desk.host.Application(), desk.loop, desk.page, {});
-  EXPECT_EQ(second.pane().paneId, first.pane().paneId + 1);
-  EXPECT_EQ(second.pane().windowContext.hwnd, 0);
-  EXPECT_EQ(second.pane().windowContext.id, 0U);
+  EXPECT_EQ(second.pane().paneId(), first.pane().paneId() + 1);
+  EXPECT_EQ(second.pane().windowContext().hwnd, 0);
+  EXPECT_EQ(second.pane().windowContext().id, 0U);
 }
 
 TEST(HostedPane, ItsEndLetsGoOfThePage) {

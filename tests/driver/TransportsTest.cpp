@@ -60,7 +60,7 @@ class Talk {
   }
   bool ended() const {
     return std::any_of(page->events.begin(), page->events.end(), IsEnding) &&
-           hosted->pane().runActive == 0;
+           !hosted->pane().run().runActive();
   }
   static bool IsEnding(const std::string& event) {
     return event.starts_with("onComplete") || event.starts_with("onError") ||
@@ -106,14 +106,14 @@ Translated TranslateSample(const char* name, bool viaPage) {
   DriverBench bench;
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  EXPECT_TRUE(host.Open(std::string(QUILLMARCH_SAMPLES) + "/" + name, warnings).ok);
+  EXPECT_TRUE(host.Open(std::string(QUILLMARCH_SAMPLES) + "/" + name, warnings));
   Translated result;
   Talk talk(bench, host.application(), viaPage);
   talk.RunToEnd();
   result.events = talk.Events();
   result.messages = talk.page->messages.size();
   const std::string path = testing::TempDir() + "transports-" + std::to_string(getpid()) + ".pptx";
-  EXPECT_TRUE(host.Save(path).ok);
+  EXPECT_TRUE(host.Save(path));
   result.deck = BytesOf(path);
   std::remove(path.c_str());
   for (const service::EngineRequest& request : bench.engine->requests) {

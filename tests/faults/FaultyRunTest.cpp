@@ -30,12 +30,12 @@ std::string DeckPath(const char* name) {
 void ExpectSavedAlike(Host& host, const Wide& deck, const std::string& where) {
   const std::string path =
       std::string(FAULT_DECKS) + "/saved-" + std::to_string(getpid()) + ".pptx";
-  const PackageResult<bool> saved = host.Save(path);
-  ASSERT_TRUE(saved.ok) << where << saved.error.sentence;
+  const Result<void> saved = host.Save(path);
+  ASSERT_TRUE(saved.ok()) << where << saved.error().words;
   Host again(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = again.Open(path, warnings);
-  EXPECT_TRUE(opened.ok) << where << opened.error.sentence;
+  const Result<void> opened = again.Open(path, warnings);
+  EXPECT_TRUE(opened.ok()) << where << opened.error().words;
   EXPECT_EQ(DeckText(again.application()), deck) << where;
   std::filesystem::remove(path);
 }
@@ -49,8 +49,8 @@ TEST_P(FaultyRun, WhateverCallFailsTheRunEndsAndNoTextIsLost) {
     const std::string where = "call " + std::to_string(k);
     Host host(*FindPersonality("powerpoint"));
     std::vector<std::string> warnings;
-    const PackageResult<bool> opened = host.Open(DeckPath(name), warnings);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
+    const Result<void> opened = host.Open(DeckPath(name), warnings);
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
     const Turn turn = RunOver(host, mode, k);
     const Wide deck = DeckText(host.application());
     for (const std::string& wrong : Wrongs(turn, deck, k)) ADD_FAILURE() << where << ": " << wrong;

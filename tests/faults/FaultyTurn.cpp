@@ -41,7 +41,7 @@ Turn RunOver(Host& host, test::FaultMode mode, std::int64_t failAt) {
     } else {
       thread.WaitForPostOrOutsideWork(1000);
     }
-  } while (hosted.pane().runActive != 0 || thread.HasPosts());
+  } while (hosted.pane().run().runActive() || thread.HasPosts());
   turn.calls = faults.countedCalls();
   turn.failed = faults.failed();
   return turn;

@@ -23,9 +23,9 @@ bool TurnOver(const std::string& deck, test::FaultMode mode, std::int64_t failAt
               std::int64_t& calls) {
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  const PackageResult<bool> opened = host.Open(deck, warnings);
-  if (!opened.ok) {
-    std::cerr << deck << ": " << opened.error.sentence << '\n';
+  const Result<void> opened = host.Open(deck, warnings);
+  if (!opened.ok()) {
+    std::cerr << deck << ": " << opened.error().words << '\n';
     std::exit(2);
   }
   const Turn turn = RunOver(host, mode, failAt);

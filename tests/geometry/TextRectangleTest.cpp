@@ -5,8 +5,8 @@
 #include <numbers>
 #include <string>
 
+#include "deck/DeckBuilder.h"
 #include "host/geometry/ShapeGuides.h"
-#include "model/DeckBuilder.h"
 
 namespace quillmarch::host {
 

@@ -30,7 +30,7 @@ TEST(FillLines, AFrameWithoutTextHasOneEmptyLine) {
 }
 
 TEST(FillLines, AFrameWithoutParagraphsHasNoLine) {
-  LaidText laid = LaidOut(Frame(10, std::vector<LayoutParagraph>{}));
+  LayoutResult laid = LaidOut(Frame(10, std::vector<LayoutParagraph>{}));
   EXPECT_TRUE(laid.lines.empty());
   EXPECT_EQ(0.0, laid.height);
   EXPECT_EQ(0.0, laid.Bounds().width);
@@ -91,7 +91,7 @@ TEST(FillLines, ParagraphsBeginNewLines) {
   LayoutFrame frame = Frame(
       20, std::vector<LayoutParagraph>{Paragraph(u"one"), Paragraph(u""), Paragraph(u"two three")});
   EXPECT_EQ((Texts{u"one", u"", u"two three"}), Lines(frame));
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   EXPECT_EQ(4u, laid.lines[1].start);
   EXPECT_EQ(5u, laid.lines[2].start);
   EXPECT_EQ(2u, laid.lines[2].paragraph);

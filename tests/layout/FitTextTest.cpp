@@ -12,7 +12,7 @@ LayoutFrame FiveLines() {
 }
 
 TEST(FitTextToShape, TextThatFitsKeepsItsSize) {
-  TextLayout layout;
+  LayoutEngine layout;
   LayoutFrame frame = FiveLines();
   frame.height = 5 * kLine;
   EXPECT_EQ((TextFit{1.0, 0.0}), FitTextToShape(layout, frame, FitSteps::kBody));
@@ -20,14 +20,14 @@ TEST(FitTextToShape, TextThatFitsKeepsItsSize) {
 }
 
 TEST(FitTextToShape, LineSpacingGivesWayBeforeTheSizeDoes) {
-  TextLayout layout;
+  LayoutEngine layout;
   LayoutFrame frame = FiveLines();
   frame.height = 5 * kLine * 0.9;
   EXPECT_EQ((TextFit{1.0, 0.1}), FitTextToShape(layout, frame, FitSteps::kBody));
 }
 
 TEST(FitTextToShape, TheFirstStepThatFitsIsTaken) {
-  TextLayout layout;
+  LayoutEngine layout;
   LayoutFrame frame = FiveLines();
   frame.wrap = true;
   frame.height = 5 * kLine * 0.85 * 0.8;
@@ -35,7 +35,7 @@ TEST(FitTextToShape, TheFirstStepThatFitsIsTaken) {
 }
 
 TEST(FitTextToShape, WhatNeverFitsEndsAtTheLastStep) {
-  TextLayout layout;
+  LayoutEngine layout;
   LayoutFrame frame = FiveLines();
   frame.height = 1.0;
   EXPECT_EQ((TextFit{0.25, 0.2}), FitTextToShape(layout, frame, FitSteps::kBody));
@@ -43,7 +43,7 @@ TEST(FitTextToShape, WhatNeverFitsEndsAtTheLastStep) {
 }
 
 TEST(FitTextToShape, TheStoredScaleIsNotLookedAt) {
-  TextLayout layout;
+  LayoutEngine layout;
   LayoutFrame frame = FiveLines();
   frame.height = 5 * kLine;
   frame.autofit = Autofit::kTextToShape;

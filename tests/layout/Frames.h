@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/layout/TextLayout.h"
+#include "host/layout/LayoutEngine.h"
 
 namespace quillmarch::host::layout {
 
@@ -44,7 +44,7 @@ inline LayoutFrame Frame(double cells, std::u16string text) {
 }
 
 // The text of each line, with its blanks and line break, without CR.
-inline std::vector<std::u16string> Lines(const LayoutFrame& frame, const LaidText& laid) {
+inline std::vector<std::u16string> Lines(const LayoutFrame& frame, const LayoutResult& laid) {
   std::u16string text;
   for (std::size_t i = 0; i < frame.paragraphs.size(); ++i) {
     if (i > 0) text += u'\r';
@@ -56,12 +56,12 @@ inline std::vector<std::u16string> Lines(const LayoutFrame& frame, const LaidTex
 }
 
 inline std::vector<std::u16string> Lines(const LayoutFrame& frame) {
-  TextLayout layout;
+  LayoutEngine layout;
   return Lines(frame, layout.LayOut(frame));
 }
 
-inline LaidText LaidOut(const LayoutFrame& frame) {
-  TextLayout layout;
+inline LayoutResult LaidOut(const LayoutFrame& frame) {
+  LayoutEngine layout;
   return layout.LayOut(frame);
 }
 

@@ -9,7 +9,7 @@ namespace {
 
 // Where the unit stands, in cells.
 double CellOf(const LayoutFrame& frame, std::size_t unit) {
-  LaidText laid = LaidOut(frame);
+  LayoutResult laid = LaidOut(frame);
   return static_cast<double>(laid.unitLeft[unit]) / kCell;
 }
 

@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "deck/DeckBuilder.h"
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
-#include "model/DeckBuilder.h"
 #include "support/TempFolder.h"
 
 namespace quillmarch::host {
@@ -21,8 +21,8 @@ class ModelTest : public ::testing::Test {
   void OpenDeck(const testdeck::DeckSource& source, const char* personality = "powerpoint") {
     testdeck::Write(source, path());
     host = std::make_unique<Host>(*FindPersonality(personality));
-    const PackageResult<bool> opened = host->Open(path(), warnings);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
+    const Result<void> opened = host->Open(path(), warnings);
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
   }
   // One slide of these shapes.
   void OpenSlide(const std::string& shapes, const char* personality = "powerpoint") {
@@ -84,8 +84,8 @@ class ModelTest : public ::testing::Test {
 
   std::string Saved(const std::string& part = "ppt/slides/slide1.xml") {
     const std::string target = scratch.Path("saved.pptx");
-    const PackageResult<bool> saved = host->Save(target);
-    EXPECT_TRUE(saved.ok) << saved.error.sentence;
+    const Result<void> saved = host->Save(target);
+    EXPECT_TRUE(saved.ok()) << saved.error().words;
     return testdeck::ReadPart(target, part);
   }
   std::string path() const { return scratch.Path("deck.pptx"); }

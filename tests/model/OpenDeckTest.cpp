@@ -29,7 +29,7 @@ class OpenDeckOf : public ModelTest {
   std::string Refusal() {
     testdeck::Write(deck, path());
     host = std::make_unique<Host>(*FindPersonality("powerpoint"));
-    return host->Open(path(), warnings).error.sentence;
+    return host->Open(path(), warnings).error().words;
   }
   void ExpectRefusal(const std::string& part, const std::string& cause) {
     const std::string sentence = Refusal();
@@ -147,7 +147,7 @@ TEST_F(OpenDeckOf, ReadingEverythingAndSavingGivesTheSameFile) {
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"x");
   Get(Slide(1), u"NotesPage");
   const std::string target = scratch.Path("copy.pptx");
-  ASSERT_TRUE(host->Save(target).ok);
+  ASSERT_TRUE(host->Save(target));
   EXPECT_EQ(FileBytes(target), FileBytes(path()));
 }
 

@@ -19,7 +19,7 @@ constexpr std::size_t kMostMegabytes = 128;
 
 std::string RefusalOf(const std::string& bytes) {
   const TempFolder folder;
-  return Package::Open(folder.Put("bad.pptx", bytes)).error.sentence;
+  return Package::Open(folder.Put("bad.pptx", bytes)).error().words;
 }
 
 std::string RefusalWith(const BuiltEntry& entry) {
@@ -33,8 +33,8 @@ std::string ReadRefusal(const BuiltEntry& entry) {
   Entries entries = MinimalEntries();
   entries.push_back(entry);
   const auto opened = Package::Open(folder.Put("bad.pptx", BuildZip(entries)));
-  if (!opened.ok) return "did not open: " + opened.error.sentence;
-  return opened.value->ReadXmlPart(entry.name).error.sentence;
+  if (!opened.ok()) return "did not open: " + opened.error().words;
+  return opened.value()->ReadXmlPart(entry.name).error().words;
 }
 
 std::string Repeat(const std::string& text, std::size_t times) {
@@ -80,10 +80,10 @@ std::size_t PeakMegabytes(const Work& work) {
 
 TEST(BadPackage, WhatIsNoZipIsToldSo) {
   EXPECT_EQ(RefusalOf("Hello, this is a text and no archive at all."),
-            "The file is not a zip archive, so it is no .pptx file.");
-  EXPECT_EQ(RefusalOf("P"), "The file is not a zip archive, so it is no .pptx file.");
+            "The file is not a zip archive, so it is not a .pptx file.");
+  EXPECT_EQ(RefusalOf("P"), "The file is not a zip archive, so it is not a .pptx file.");
   EXPECT_EQ(RefusalOf(std::string(100000, '\0')),
-            "The file is not a zip archive, so it is no .pptx file.");
+            "The file is not a zip archive, so it is not a .pptx file.");
 }
 
 TEST(BadPackage, AnEmptyFileIsToldSo) {
@@ -108,12 +108,11 @@ TEST(BadPackage, EveryTruncationIsRefused) {
 
 TEST(BadPackage, WhatIsNoRegularFileIsToldSo) {
   const TempFolder folder;
-  EXPECT_EQ(Package::Open(folder.Path("")).error.sentence, "It is a folder, not a file.");
-  EXPECT_EQ(Package::Open("/dev/zero").error.sentence, "It is not a regular file.");
+  EXPECT_EQ(Package::Open(folder.Path("")).error().words, "It is a folder, not a file.");
+  EXPECT_EQ(Package::Open("/dev/zero").error().words, "It is not a regular file.");
   ASSERT_EQ(mkfifo(folder.Path("fifo").c_str(), 0600), 0);
-  EXPECT_EQ(Package::Open(folder.Path("fifo")).error.sentence, "It is not a regular file.");
-  EXPECT_EQ(Package::Open(folder.Path("none.pptx")).error.sentence,
-            "The file cannot be opened: No such file or directory.");
+  EXPECT_EQ(Package::Open(folder.Path("fifo")).error().words, "It is not a regular file.");
+  EXPECT_EQ(Package::Open(folder.Path("none.pptx")).error().words, "No such file.");
 }
 
 TEST(BadPackage, CompoundFilesAreToldApart) {
@@ -129,11 +128,11 @@ TEST(BadPackage, ContentTypesHaveToBeThereAndWhole) {
   Entries entries = MinimalEntries();
   entries.erase(entries.begin());
   EXPECT_EQ(RefusalOf(BuildZip(entries)),
-            "The part [Content_Types].xml is missing, so it is no .pptx file.");
+            "The part [Content_Types].xml is missing, so it is not a .pptx file.");
   entries = MinimalEntries();
   entries[0].content = "<Types/>";
   EXPECT_EQ(RefusalOf(BuildZip(entries)),
-            "The part [Content_Types].xml cannot be read: it is no list of content types.");
+            "The part [Content_Types].xml cannot be read: it is not a content types part.");
   entries[0].content = "<Types";
   EXPECT_NE(RefusalOf(BuildZip(entries)).find("not good XML"), std::string::npos);
   EXPECT_NE(RefusalOf(BuildZip({})), "");
@@ -149,7 +148,7 @@ TEST(BadPackage, NamesThatLeadElsewhereAreRefused) {
 
 TEST(BadPackage, OneNameTwiceIsRefused) {
   EXPECT_EQ(RefusalWith({.name = "ppt/presentation.xml", .content = "<a/>"}),
-            "The part ppt/presentation.xml stands twice in the zip archive.");
+            "The archive contains the part ppt/presentation.xml twice.");
   EXPECT_EQ(RefusalWith({.name = "PPT/presentation.xml", .content = "<a/>"}),
             "The parts ppt/presentation.xml and PPT/presentation.xml have the same name.");
   EXPECT_EQ(RefusalWith({.name = "ppt/presentation%2Exml", .content = "<a/>"}),
@@ -199,7 +198,7 @@ TEST(BadPackage, ABombIsRefusedBeforeMemoryIsTaken) {
   const std::string path = folder.Put("bomb.pptx", BuildZip(entries));
   std::string().swap(entries.back().content);
   std::string sentence;
-  const std::size_t peak = PeakMegabytes([&] { sentence = Package::Open(path).error.sentence; });
+  const std::size_t peak = PeakMegabytes([&] { sentence = Package::Open(path).error().words; });
   EXPECT_EQ(sentence,
             "The part ppt/slides/slide1.xml would inflate to more than 200 times its size, as a "
             "zip bomb does.");
@@ -216,11 +215,11 @@ TEST(BadPackage, ABombThatDeclaresLittleIsRefusedBeforeItInflates) {
   std::string().swap(entries[4].content);
   const std::size_t peak = PeakMegabytes([&] {
     const auto opened = Package::Open(path);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
-    EXPECT_EQ(opened.value->ReadXmlPart("a.xml").error.sentence,
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
+    EXPECT_EQ(opened.value()->ReadXmlPart("a.xml").error().words,
               "The part a.xml cannot be read: it inflates to more than the 1000 bytes it "
               "declares.");
-    EXPECT_EQ(opened.value->ReadXmlPart("b.xml").error.sentence,
+    EXPECT_EQ(opened.value()->ReadXmlPart("b.xml").error().words,
               "The part b.xml cannot be read: it has far more data than the 1000 bytes it "
               "declares.");
   });
@@ -244,7 +243,7 @@ TEST(BadPackage, DeclaredSizesBeyondAllBoundsAreRefused) {
         {.name = "ppt/media/" + std::to_string(i), .content = std::string(500000, ' ')});
   }
   const std::string sentence =
-      Package::Open(folder.Put("a.pptx", BuildZip(entries)), limits).error.sentence;
+      Package::Open(folder.Put("a.pptx", BuildZip(entries)), limits).error().words;
   EXPECT_EQ(sentence, "The file would inflate to more than 1 MB, as a zip bomb does.");
 }
 
@@ -252,7 +251,7 @@ TEST(BadPackage, AnAbsurdNumberOfEntriesIsRefused) {
   PackageLimits limits;
   limits.maxEntries = 2;
   const TempFolder folder;
-  EXPECT_EQ(Package::Open(folder.Put("a.pptx", BuildZip(MinimalEntries())), limits).error.sentence,
+  EXPECT_EQ(Package::Open(folder.Put("a.pptx", BuildZip(MinimalEntries())), limits).error().words,
             "The zip archive has more than 2 entries.");
 }
 
@@ -307,9 +306,9 @@ TEST(BadPackage, DeepNestingAndTooManyElementsAreRefused) {
   std::string().swap(entries[4].content);
   const std::size_t peak = PeakMegabytes([&] {
     const auto opened = Package::Open(path);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
-    sentence = opened.value->ReadXmlPart("a.xml").error.sentence;
-    EXPECT_EQ(opened.value->ReadXmlPart("b.xml").error.sentence,
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
+    sentence = opened.value()->ReadXmlPart("a.xml").error().words;
+    EXPECT_EQ(opened.value()->ReadXmlPart("b.xml").error().words,
               "The part b.xml cannot be read: it is larger than 32 MB.");
   });
   EXPECT_NE(sentence.find("too many elements"), std::string::npos) << sentence;
@@ -329,7 +328,7 @@ TEST(BadPackage, DirectoryAndEntriesHaveToAgree) {
   const std::size_t local = bytes.find("ppt/presentation.xml");
   bytes[local] = 'q';
   EXPECT_EQ(RefusalOf(bytes),
-            "The zip archive is cut off or damaged: its directory and its entries do not agree.");
+            "The zip entry \"ppt/presentation.xml\" has another name before its data.");
 }
 
 TEST(BadPackage, EveryFlippedByteIsRefusedOrHarmless) {
@@ -339,11 +338,13 @@ TEST(BadPackage, EveryFlippedByteIsRefusedOrHarmless) {
     std::string bytes = whole;
     bytes[at] = static_cast<char>(bytes[at] ^ 0x55);
     const auto opened = Package::Open(folder.Put("flipped.pptx", bytes));
-    if (!opened.ok) {
-      EXPECT_NE(opened.error.sentence, "");
+    if (!opened.ok()) {
+      EXPECT_NE(opened.error().words, "");
       continue;
     }
-    for (const std::string& name : opened.value->PartNames()) opened.value->ReadXmlPart(name);
+    for (const std::string& name : opened.value()->PartNames()) {
+      static_cast<void>(opened.value()->ReadXmlPart(name));
+    }
   }
 }
 

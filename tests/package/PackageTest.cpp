@@ -5,8 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <utility>
 
+#include "host/package/OutputFile.h"
 #include "package/zip/ZipBuilder.h"
 #include "support/TempFolder.h"
 
@@ -22,9 +25,12 @@ struct Opened {
     std::vector<BuiltEntry> entries = MinimalEntries();
     entries.insert(entries.end(), more.begin(), more.end());
     path = folder.Put("deck.pptx", BuildZip(entries));
-    PackageResult<std::unique_ptr<Package>> opened = Package::Open(path);
-    sentence = opened.error.sentence;
-    package = std::move(opened.value);
+    Result<std::unique_ptr<Package>> opened = Package::Open(path);
+    if (opened) {
+      package = *std::move(opened);
+    } else {
+      sentence = opened.error().words;
+    }
   }
 
   TempFolder folder;
@@ -35,9 +41,9 @@ struct Opened {
 
 std::string Reread(const std::string& path, std::string_view part) {
   const auto opened = Package::Open(path);
-  if (!opened.ok) return opened.error.sentence;
-  const auto bytes = opened.value->ReadPart(part);
-  return bytes.ok ? bytes.value : bytes.error.sentence;
+  if (!opened.ok()) return opened.error().words;
+  const auto bytes = opened.value()->ReadPart(part);
+  return bytes.ok() ? bytes.value() : bytes.error().words;
 }
 
 constexpr char kSlide[] = "<s>A text that says enough to be compressed, enough, enough.</s>";
@@ -51,9 +57,9 @@ BuiltEntry Slide() {
 TEST(Package, GivesTheBytesOfItsParts) {
   Opened deck(Entries{Slide(), {.name = "ppt/media/a.bin", .content = "\x01\x02", .stored = true}});
   ASSERT_TRUE(deck.package) << deck.sentence;
-  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value, kSlide);
-  EXPECT_EQ(deck.package->ReadXmlPart("ppt/slides/slide1.xml").value, kSlide);
-  EXPECT_EQ(deck.package->ReadPart("ppt/media/a.bin").value, "\x01\x02");
+  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value(), kSlide);
+  EXPECT_EQ(deck.package->ReadXmlPart("ppt/slides/slide1.xml").value(), kSlide);
+  EXPECT_EQ(deck.package->ReadPart("ppt/media/a.bin").value(), "\x01\x02");
 }
 
 TEST(Package, NamesCompareWithoutCaseAndEncoding) {
@@ -61,7 +67,7 @@ TEST(Package, NamesCompareWithoutCaseAndEncoding) {
   ASSERT_TRUE(deck.package) << deck.sentence;
   EXPECT_TRUE(deck.package->HasPart("PPT/media/My Picture.png"));
   EXPECT_FALSE(deck.package->HasPart("ppt/media/other.png"));
-  EXPECT_EQ(deck.package->ReadPart("ppt/media/my picture.png").value, "p");
+  EXPECT_EQ(deck.package->ReadPart("ppt/media/my picture.png").value(), "p");
 }
 
 TEST(Package, ListsItsPartsInTheArchivesOrderWithoutFolders) {
@@ -77,15 +83,15 @@ TEST(Package, AnEmptyPartIsRead) {
   Opened deck(
       Entries{{.name = "a.bin", .content = ""}, {.name = "b.bin", .content = "", .stored = true}});
   ASSERT_TRUE(deck.package) << deck.sentence;
-  EXPECT_TRUE(deck.package->ReadPart("a.bin").ok);
-  EXPECT_TRUE(deck.package->ReadPart("b.bin").ok);
+  EXPECT_TRUE(deck.package->ReadPart("a.bin").ok());
+  EXPECT_TRUE(deck.package->ReadPart("b.bin").ok());
 }
 
 TEST(Package, AMissingPartIsNamed) {
   Opened deck;
   const auto result = deck.package->ReadPart("ppt/slides/slide9.xml");
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.error.sentence, "The part ppt/slides/slide9.xml is missing.");
+  EXPECT_FALSE(result.ok());
+  EXPECT_EQ(result.error().words, "The part ppt/slides/slide9.xml is missing.");
 }
 
 TEST(Package, ContentTypesComeByOverrideThenByExtension) {
@@ -100,8 +106,8 @@ TEST(Package, ContentTypesComeByOverrideThenByExtension) {
 TEST(Package, RelationshipsOfAPartWithoutAnyAreNone) {
   Opened deck;
   const auto none = deck.package->Relationships("ppt/presentation.xml");
-  EXPECT_TRUE(none.ok);
-  EXPECT_TRUE(none.value.empty());
+  EXPECT_TRUE(none.ok());
+  EXPECT_TRUE(none.value().empty());
 }
 
 TEST(Package, RelationshipsAreResolved) {
@@ -118,22 +124,22 @@ TEST(Package, RelationshipsAreResolved) {
                   "<Relationship Id=\"e\" Type=\"t\" Target=\"mailto:a@b.c\"/>"
                   "</Relationships>"}});
   const auto result = deck.package->Relationships("ppt/presentation.xml");
-  ASSERT_TRUE(result.ok) << result.error.sentence;
-  ASSERT_EQ(result.value.size(), 5u);
-  EXPECT_EQ(result.value[0].target, "ppt/slides/slide 1.xml");
-  EXPECT_EQ(result.value[1].target, "docProps/app.xml");
-  EXPECT_EQ(result.value[2].target, "https://example.org/?a=1&b");
-  EXPECT_TRUE(result.value[2].external);
-  EXPECT_EQ(result.value[3].target, "../../x");
-  EXPECT_TRUE(result.value[4].external);
+  ASSERT_TRUE(result.ok()) << result.error().words;
+  ASSERT_EQ(result.value().size(), 5u);
+  EXPECT_EQ(result.value()[0].target, "ppt/slides/slide 1.xml");
+  EXPECT_EQ(result.value()[1].target, "docProps/app.xml");
+  EXPECT_EQ(result.value()[2].target, "https://example.org/?a=1&b");
+  EXPECT_TRUE(result.value()[2].external);
+  EXPECT_EQ(result.value()[3].target, "../../x");
+  EXPECT_TRUE(result.value()[4].external);
 }
 
 TEST(Package, RelationshipsOfThePackageComeByTheEmptyName) {
   Opened deck;
   const auto result = deck.package->Relationships("");
-  ASSERT_TRUE(result.ok);
-  ASSERT_EQ(result.value.size(), 1u);
-  EXPECT_EQ(result.value[0].target, "ppt/presentation.xml");
+  ASSERT_TRUE(result.ok());
+  ASSERT_EQ(result.value().size(), 1u);
+  EXPECT_EQ(result.value()[0].target, "ppt/presentation.xml");
 }
 
 TEST(Package, BrokenRelationshipsAreRefusedByName) {
@@ -151,8 +157,8 @@ TEST(Package, BrokenRelationshipsAreRefusedByName) {
   for (const std::string& content : bad) {
     Opened deck(Entries{{.name = "ppt/_rels/presentation.xml.rels", .content = content}});
     const auto result = deck.package->Relationships("ppt/presentation.xml");
-    EXPECT_FALSE(result.ok) << content;
-    EXPECT_NE(result.error.sentence.find("ppt/_rels/presentation.xml.rels"), std::string::npos);
+    EXPECT_FALSE(result.ok()) << content;
+    EXPECT_NE(result.error().words.find("ppt/_rels/presentation.xml.rels"), std::string::npos);
   }
 }
 
@@ -168,34 +174,34 @@ TEST(Package, Utf16PartsAreGivenAsUtf8AndStayUtf16) {
     }
     Opened deck(Entries{{.name = "ppt/slides/slide1.xml", .content = bytes}});
     const auto read = deck.package->ReadXmlPart("ppt/slides/slide1.xml");
-    ASSERT_TRUE(read.ok) << read.error.sentence;
-    EXPECT_EQ(read.value,
+    ASSERT_TRUE(read.ok()) << read.error().words;
+    EXPECT_EQ(read.value(),
               "<?xml version=\"1.0\" encoding=\"UTF-16\"?><s>\xE5\x9B\xBE\xF0\x9F\x98\x80</s>");
-    deck.package->PutPart("ppt/slides/slide1.xml", read.value);
+    deck.package->PutPart("ppt/slides/slide1.xml", read.value());
     EXPECT_FALSE(deck.package->Edited());
 
-    std::string edited = read.value;
+    std::string edited = read.value();
     edited.insert(edited.find("</s>"), "!");
     deck.package->PutPart("ppt/slides/slide1.xml", edited);
-    EXPECT_EQ(deck.package->ReadXmlPart("ppt/slides/slide1.xml").value, edited);
+    EXPECT_EQ(deck.package->ReadXmlPart("ppt/slides/slide1.xml").value(), edited);
     std::string expected = bytes;
     expected.insert(expected.size() - 8, big ? std::string("\0!", 2) : std::string("!\0", 2));
-    EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value, expected);
+    EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value(), expected);
   }
 }
 
 TEST(Package, AUtf8ByteOrderMarkStaysInFront) {
   Opened deck(Entries{{.name = "ppt/slides/slide1.xml", .content = "\xEF\xBB\xBF<s/>"}});
-  EXPECT_EQ(deck.package->ReadXmlPart("ppt/slides/slide1.xml").value, "\xEF\xBB\xBF<s/>");
+  EXPECT_EQ(deck.package->ReadXmlPart("ppt/slides/slide1.xml").value(), "\xEF\xBB\xBF<s/>");
 }
 
 TEST(PutPart, TheNewBytesAreReadAtOnce) {
   Opened deck(Entries{Slide()});
   deck.package->PutPart("PPT/slides/slide1.xml", "<s>new</s>");
   EXPECT_TRUE(deck.package->Edited());
-  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value, "<s>new</s>");
+  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value(), "<s>new</s>");
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>newer</s>");
-  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value, "<s>newer</s>");
+  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value(), "<s>newer</s>");
 }
 
 TEST(PutPart, TheOriginalBytesTakeTheEditBack) {
@@ -211,8 +217,8 @@ TEST(PutPart, AMissingPartMakesTheSaveFailAndNamesIt) {
   Opened deck;
   deck.package->PutPart("ppt/slides/slide7.xml", "<s/>");
   const auto saved = deck.package->Save(deck.folder.Path("out.pptx"));
-  EXPECT_FALSE(saved.ok);
-  EXPECT_EQ(saved.error.sentence, "The part ppt/slides/slide7.xml is missing.");
+  EXPECT_FALSE(saved.ok());
+  EXPECT_EQ(saved.error().words, "The part ppt/slides/slide7.xml is missing.");
   EXPECT_EQ(deck.folder.Files(), 1u);
 }
 
@@ -229,14 +235,15 @@ TEST(PutPart, ManyPartsArePackedWhileOthersArePut) {
   };
   for (int i = 0; i < 300; ++i)
     deck.package->PutPart(slides[static_cast<std::size_t>(i)].name, content(i));
-  EXPECT_EQ(deck.package->ReadPart(slides[299].name).value, content(299));
+  EXPECT_EQ(deck.package->ReadPart(slides[299].name).value(), content(299));
   const std::string out = deck.folder.Path("out.pptx");
   const auto written = deck.package->Save(out);
-  ASSERT_TRUE(written.ok) << written.error.sentence;
+  ASSERT_TRUE(written.ok()) << written.error().words;
   const auto saved = Package::Open(out);
-  ASSERT_TRUE(saved.ok) << saved.error.sentence;
+  ASSERT_TRUE(saved.ok()) << saved.error().words;
   for (int i = 0; i < 300; ++i) {
-    EXPECT_EQ(saved.value->ReadPart(slides[static_cast<std::size_t>(i)].name).value, content(i));
+    EXPECT_EQ(saved.value()->ReadPart(slides[static_cast<std::size_t>(i)].name).value(),
+              content(i));
   }
 }
 
@@ -252,7 +259,7 @@ TEST(PutPart, APackageCanBeDroppedWhilePartsAreWaiting) {
 TEST(Save, WithoutEditsTheFileIsTheSame) {
   Opened deck(Entries{Slide()});
   const std::string out = deck.folder.Path("out.pptx");
-  ASSERT_TRUE(deck.package->Save(out).ok);
+  ASSERT_TRUE(deck.package->Save(out).ok());
   EXPECT_EQ(TempFolder::Bytes(out), TempFolder::Bytes(deck.path));
 }
 
@@ -261,7 +268,7 @@ TEST(Save, WithoutEditsInPlaceNothingIsWritten) {
   struct stat before = {};
   struct stat after = {};
   stat(deck.path.c_str(), &before);
-  ASSERT_TRUE(deck.package->Save(deck.path).ok);
+  ASSERT_TRUE(deck.package->Save(deck.path).ok());
   stat(deck.path.c_str(), &after);
   EXPECT_EQ(before.st_ino, after.st_ino);
 }
@@ -271,21 +278,21 @@ TEST(Save, OnlyTheEditedPartDiffers) {
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
   const std::string out = deck.folder.Path("out.pptx");
   const auto saved = deck.package->Save(out);
-  ASSERT_TRUE(saved.ok) << saved.error.sentence;
+  ASSERT_TRUE(saved.ok()) << saved.error().words;
   const auto again = Package::Open(out);
-  ASSERT_TRUE(again.ok) << again.error.sentence;
-  EXPECT_EQ(again.value->PartNames(), deck.package->PartNames());
+  ASSERT_TRUE(again.ok()) << again.error().words;
+  EXPECT_EQ(again.value()->PartNames(), deck.package->PartNames());
   for (const std::string& name : deck.package->PartNames()) {
-    EXPECT_EQ(again.value->ReadPart(name).value, deck.package->ReadPart(name).value) << name;
+    EXPECT_EQ(again.value()->ReadPart(name).value(), deck.package->ReadPart(name).value()) << name;
   }
-  EXPECT_EQ(again.value->ReadPart("ppt/slides/slide1.xml").value, "<s>new</s>");
+  EXPECT_EQ(again.value()->ReadPart("ppt/slides/slide1.xml").value(), "<s>new</s>");
 }
 
 TEST(Save, TwoSavesGiveTheSameBytes) {
   Opened deck(Entries{Slide()});
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
-  ASSERT_TRUE(deck.package->Save(deck.folder.Path("one.pptx")).ok);
-  ASSERT_TRUE(deck.package->Save(deck.folder.Path("two.pptx")).ok);
+  ASSERT_TRUE(deck.package->Save(deck.folder.Path("one.pptx")).ok());
+  ASSERT_TRUE(deck.package->Save(deck.folder.Path("two.pptx")).ok());
   EXPECT_EQ(TempFolder::Bytes(deck.folder.Path("one.pptx")),
             TempFolder::Bytes(deck.folder.Path("two.pptx")));
 }
@@ -294,7 +301,7 @@ TEST(Save, TheEditedEntryKeepsItsTime) {
   Opened deck(Entries{Slide()});
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
   const std::string out = deck.folder.Path("out.pptx");
-  ASSERT_TRUE(deck.package->Save(out).ok);
+  ASSERT_TRUE(deck.package->Save(out).ok());
   const std::string bytes = TempFolder::Bytes(out);
   const std::size_t name = bytes.find("ppt/slides/slide1.xml");
   ASSERT_NE(name, std::string::npos);
@@ -304,11 +311,11 @@ TEST(Save, TheEditedEntryKeepsItsTime) {
 TEST(Save, ReadingAndEditingGoOnAfterwards) {
   Opened deck(Entries{Slide()});
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
-  ASSERT_TRUE(deck.package->Save(deck.path).ok);
-  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value, "<s>new</s>");
-  EXPECT_TRUE(deck.package->ReadXmlPart("ppt/presentation.xml").ok);
+  ASSERT_TRUE(deck.package->Save(deck.path).ok());
+  EXPECT_EQ(deck.package->ReadPart("ppt/slides/slide1.xml").value(), "<s>new</s>");
+  EXPECT_TRUE(deck.package->ReadXmlPart("ppt/presentation.xml").ok());
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>newer</s>");
-  ASSERT_TRUE(deck.package->Save(deck.path).ok);
+  ASSERT_TRUE(deck.package->Save(deck.path).ok());
   EXPECT_EQ(Reread(deck.path, "ppt/slides/slide1.xml"), "<s>newer</s>");
 }
 
@@ -318,7 +325,7 @@ TEST(Save, AStoredPartCanBeEdited) {
   Opened deck(Entries{slide});
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
   const std::string out = deck.folder.Path("out.pptx");
-  ASSERT_TRUE(deck.package->Save(out).ok);
+  ASSERT_TRUE(deck.package->Save(out).ok());
   EXPECT_EQ(Reread(out, "ppt/slides/slide1.xml"), "<s>new</s>");
 }
 
@@ -327,7 +334,7 @@ TEST(Save, TheModeOfAnExistingTargetStays) {
   const std::string out = deck.folder.Put("out.pptx", "earlier");
   ASSERT_EQ(chmod(out.c_str(), 0640), 0);
   deck.package->PutPart("ppt/slides/slide1.xml", "<s/>");
-  ASSERT_TRUE(deck.package->Save(out).ok);
+  ASSERT_TRUE(deck.package->Save(out).ok());
   struct stat status = {};
   stat(out.c_str(), &status);
   EXPECT_EQ(status.st_mode & 07777, 0640u);
@@ -339,7 +346,7 @@ TEST(Save, ASymbolicLinkStaysAndItsTargetIsReplaced) {
   const std::string link = deck.folder.Path("link.pptx");
   ASSERT_EQ(symlink("real.pptx", link.c_str()), 0);
   deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
-  ASSERT_TRUE(deck.package->Save(link).ok);
+  ASSERT_TRUE(deck.package->Save(link).ok());
   EXPECT_TRUE(std::filesystem::is_symlink(link));
   EXPECT_EQ(Reread(real, "ppt/slides/slide1.xml"), "<s>new</s>");
 }
@@ -348,7 +355,7 @@ TEST(Save, ALinkToNothingYetMakesItsTarget) {
   Opened deck(Entries{Slide()});
   const std::string link = deck.folder.Path("link.pptx");
   ASSERT_EQ(symlink("real.pptx", link.c_str()), 0);
-  ASSERT_TRUE(deck.package->Save(link).ok);
+  ASSERT_TRUE(deck.package->Save(link).ok());
   EXPECT_TRUE(std::filesystem::is_symlink(link));
   EXPECT_TRUE(std::filesystem::is_regular_file(deck.folder.Path("real.pptx")));
 }
@@ -359,17 +366,17 @@ TEST(Save, AReadOnlyTargetIsRefusedAndStays) {
   ASSERT_EQ(chmod(out.c_str(), 0444), 0);
   deck.package->PutPart("ppt/slides/slide1.xml", "<s/>");
   const auto saved = deck.package->Save(out);
-  EXPECT_FALSE(saved.ok);
-  EXPECT_NE(saved.error.sentence.find("read-only"), std::string::npos);
+  EXPECT_FALSE(saved.ok());
+  EXPECT_NE(saved.error().words.find("read-only"), std::string::npos);
   EXPECT_EQ(TempFolder::Bytes(out), "earlier");
   EXPECT_EQ(deck.folder.Files(), 2u);
 }
 
 TEST(Save, WhatIsNoFileIsNotReplaced) {
   Opened deck;
-  EXPECT_FALSE(deck.package->Save("/dev/full").ok);
-  EXPECT_FALSE(deck.package->Save(deck.folder.Path("")).ok);
-  EXPECT_FALSE(deck.package->Save(deck.folder.Path("no/such/folder/out.pptx")).ok);
+  EXPECT_FALSE(deck.package->Save("/dev/full").ok());
+  EXPECT_FALSE(deck.package->Save(deck.folder.Path("")).ok());
+  EXPECT_FALSE(deck.package->Save(deck.folder.Path("no/such/folder/out.pptx")).ok());
 }
 
 TEST(Save, AFullDiskLeavesTheEarlierFileAndNoTemporary) {
@@ -388,7 +395,7 @@ TEST(Save, AFullDiskLeavesTheEarlierFileAndNoTemporary) {
     struct rlimit small = before;
     small.rlim_cur = 100000;
     setrlimit(RLIMIT_FSIZE, &small);
-    PackageResult<bool> saved = deck.package->Save(out);
+    Result<void> saved = deck.package->Save(out);
     setrlimit(RLIMIT_FSIZE, &before);
     return saved;
   };
@@ -397,13 +404,131 @@ TEST(Save, AFullDiskLeavesTheEarlierFileAndNoTemporary) {
   const auto edited = saveWithLittleRoom();
   std::signal(SIGXFSZ, handler);
   for (const auto& saved : {copied, edited}) {
-    EXPECT_FALSE(saved.ok);
-    EXPECT_EQ(saved.error.sentence, "It cannot be written: File too large.");
+    EXPECT_FALSE(saved.ok());
+    EXPECT_EQ(saved.error().words, "File too large.");
   }
   EXPECT_EQ(TempFolder::Bytes(out), "earlier");
   EXPECT_EQ(deck.folder.Files(), 2u);
-  ASSERT_TRUE(deck.package->Save(out).ok);
+  ASSERT_TRUE(deck.package->Save(out).ok());
   EXPECT_EQ(Reread(out, "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Save, ADeckThatAnotherProgramReplacedMeanwhileIsNotOverwritten) {
+  Opened deck(Entries{Slide()});
+  deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  std::filesystem::rename(deck.folder.Put("theirs", "newer"), deck.path);
+  for (const std::string& target : {deck.path, deck.folder.Path("out.pptx")}) {
+    const auto saved = deck.package->Save(target);
+    EXPECT_FALSE(saved.ok());
+    EXPECT_EQ(saved.error().words, "Another program changed the deck meanwhile.");
+  }
+  EXPECT_EQ(TempFolder::Bytes(deck.path), "newer");
+  EXPECT_EQ(deck.folder.Files(), 1u);
+}
+
+TEST(Save, ADeckThatAnotherProgramWroteToMeanwhileIsNotOverwritten) {
+  Opened deck(Entries{Slide()});
+  deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  std::ofstream(deck.path, std::ios::app) << "more";
+  EXPECT_EQ(deck.package->Save(deck.path).error().words,
+            "Another program changed the deck meanwhile.");
+  EXPECT_EQ(deck.package->Save(deck.folder.Path("out.pptx")).error().words,
+            "Another program changed the deck meanwhile.");
+  EXPECT_TRUE(TempFolder::Bytes(deck.path).ends_with("more"));
+}
+
+TEST(Save, ADeckThatWasRemovedMeanwhileIsStillSavedElsewhere) {
+  Opened deck(Entries{Slide()});
+  deck.package->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  std::filesystem::remove(deck.path);
+  ASSERT_TRUE(deck.package->Save(deck.folder.Path("out.pptx")).ok());
+  EXPECT_EQ(Reread(deck.folder.Path("out.pptx"), "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Save, APrivateDeckGivesAPrivateOutput) {
+  Opened deck(Entries{Slide()});
+  const mode_t mask = umask(022);
+  umask(mask);
+  const std::string out = deck.folder.Path("out.pptx");
+  for (const auto& [bits, expected] : {std::pair<mode_t, mode_t>{0600, 0600}, {0444, 0644}}) {
+    ASSERT_EQ(chmod(deck.path.c_str(), bits), 0);
+    const auto opened = Package::Open(deck.path);
+    ASSERT_TRUE(opened.ok());
+    ASSERT_TRUE(opened.value()->Save(out).ok());
+    struct stat status = {};
+    stat(out.c_str(), &status);
+    EXPECT_EQ(status.st_mode & 07777, expected & ~mask);
+    std::filesystem::remove(out);
+  }
+}
+
+TEST(OutputFile, TheTemporaryFileIsNeverMoreOpenThanTheTargetWillBe) {
+  const TempFolder folder;
+  const std::string target = folder.Put("out.pptx", "earlier");
+  ASSERT_EQ(chmod(target.c_str(), 0600), 0);
+  for (const std::string& name : {target, folder.Path("new.pptx")}) {
+    OutputFile output;
+    ASSERT_EQ(output.Open(name, 0600), "");
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path(""))) {
+      struct stat status = {};
+      stat(entry.path().c_str(), &status);
+      EXPECT_EQ(status.st_mode & 07777, 0600u) << entry.path();
+    }
+  }
+}
+
+TEST(OutputFile, ATemporaryFileOfAKilledRunIsRemovedAndOneInUseIsNot) {
+  const TempFolder folder;
+  const std::string stale = folder.Put(".quillmarch-abcdefgh", "left");
+  const std::string fresh = folder.Put(".quillmarch-12345678", "just made");
+  const std::string other = folder.Put(".quillmarch-notes", "the user's");
+  OutputFile running;
+  ASSERT_EQ(running.Open(folder.Path("a.pptx")), "");
+  constexpr auto kLongAgo = std::chrono::hours(1);
+  for (const auto& entry : std::filesystem::directory_iterator(folder.Path(""))) {
+    if (entry.path() == fresh) continue;
+    std::filesystem::last_write_time(entry.path(),
+                                     std::filesystem::file_time_type::clock::now() - kLongAgo);
+  }
+  OutputFile output;
+  ASSERT_EQ(output.Open(folder.Path("b.pptx")), "");
+  EXPECT_FALSE(std::filesystem::exists(stale));
+  EXPECT_TRUE(std::filesystem::exists(fresh));
+  EXPECT_TRUE(std::filesystem::exists(other));
+  EXPECT_EQ(folder.Files(), 4u);
+}
+
+TEST(OutputFile, ATargetThatAnotherProgramMakesMeanwhileIsNoticed) {
+  const TempFolder folder;
+  OutputFile output;
+  ASSERT_EQ(output.Open(folder.Path("a.pptx")), "");
+  EXPECT_FALSE(output.TargetChanged());
+  folder.Put("a.pptx", "theirs");
+  EXPECT_TRUE(output.TargetChanged());
+}
+
+TEST(Package, OneInMemoryIsReadEditedAndSavedAsOneInAFileIs) {
+  std::vector<BuiltEntry> entries = MinimalEntries();
+  entries.push_back(Slide());
+  const std::string bytes = BuildZip(entries);
+  const auto opened = Package::OpenBytes(bytes);
+  ASSERT_TRUE(opened.ok()) << opened.error().words;
+  EXPECT_EQ(opened.value()->ReadPart("ppt/slides/slide1.xml").value(), kSlide);
+  EXPECT_EQ(opened.value()->SaveBytes().value(), bytes);
+
+  opened.value()->PutPart("ppt/slides/slide1.xml", "<s>new</s>");
+  const auto saved = opened.value()->SaveBytes();
+  ASSERT_TRUE(saved.ok()) << saved.error().words;
+  const TempFolder folder;
+  ASSERT_TRUE(opened.value()->Save(folder.Path("same")).ok());
+  EXPECT_EQ(saved.value(), TempFolder::Bytes(folder.Path("same")));
+  EXPECT_EQ(Reread(folder.Path("same"), "ppt/slides/slide1.xml"), "<s>new</s>");
+}
+
+TEST(Package, OneInMemoryIsRefusedAsOneInAFileIs) {
+  EXPECT_EQ(Package::OpenBytes("").error().words, "The file is empty.");
+  EXPECT_EQ(Package::OpenBytes("PK").error().words,
+            "The file is not a zip archive, so it is not a .pptx file.");
 }
 
 }  // namespace quillmarch::host

@@ -175,7 +175,7 @@ TEST(BadMessages, AnIdlePaneStartsAtMostOneRunForEach) {
     EXPECT_EQ(log.Count("PptPane run finished"), said) << ToUtf8(message);
     EXPECT_LE(log.CountContaining("PptPane unknown action: "), 1);
     ExpectKnownLines(log, message);
-    ASSERT_EQ(h.pane->runActive, 0) << ToUtf8(message);
+    ASSERT_FALSE(h.pane->run().runActive()) << ToUtf8(message);
   }
 }
 
@@ -185,7 +185,7 @@ TEST(BadMessages, ARunGoesOnAndNoSecondOneStarts) {
   h.pageAnswers = false;
   h.Start();
   ASSERT_TRUE(h.WaitForRequests(1));
-  const std::uint64_t id = h.pane->currentRunId;
+  const std::uint64_t id = h.pane->run().currentRunId();
   for (const Wide& message : AllBad()) {
     // A cancel is one also when its quote is never closed, and ends the run as it should.
     if (message.find(u"\"cancel") != Wide::npos) continue;
@@ -196,7 +196,7 @@ TEST(BadMessages, ARunGoesOnAndNoSecondOneStarts) {
               log.Count("PptPane start ignored: run in progress"))
         << ToUtf8(message);
     ExpectKnownLines(log, message);
-    ASSERT_EQ(h.pane->currentRunId, id) << ToUtf8(message);
+    ASSERT_EQ(h.pane->run().currentRunId(), id) << ToUtf8(message);
   }
   h.Say(R"({"action":"resume"})");
   h.pageAnswers = true;
@@ -216,7 +216,7 @@ TEST(BadMessages, APaneThatIsClosingHearsNone) {
   for (const Wide& message : AllBad()) h.SayWide(message);
   EXPECT_TRUE(log.lines().empty());
   EXPECT_TRUE(h.page->calls.empty());
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
 }
 
 TEST(BadMessages, WhileTheGateIsHeldTheLastStartWaitsAndNothingBegins) {
@@ -287,7 +287,7 @@ TEST(BadMessages, MegabytesInAnyFieldLeaveNoRunBehind) {
     for (Field& field : fields) {
       const Wide value = std::exchange(field.value, values[turn++ % values.size()]);
       h.SayWide(Joined(fields));
-      ASSERT_EQ(h.pane->runActive, 0);
+      ASSERT_FALSE(h.pane->run().runActive());
       field.value = value;
     }
   }

@@ -37,8 +37,8 @@ TEST_F(PaneMessages, TheCreationBeginsTheBrowserAndTheWidthTimer) {
   const int timers = h_.thread.timersSet();
   EXPECT_EQ(Send(WindowMessage::kCreate), MessageRoute::kHandled);
   EXPECT_TRUE(log.Has("CPptPane WM_CREATE"));
-  EXPECT_EQ(pane_->windowHandle, kWindow);
-  EXPECT_TRUE(pane_->webViewStarted);
+  EXPECT_EQ(pane_->windowHandle(), kWindow);
+  EXPECT_TRUE(pane_->browser().webViewStarted());
   EXPECT_EQ(h_.thread.timersSet(), timers + 1);
 }
 
@@ -48,7 +48,7 @@ TEST_F(PaneMessages, ANewSizePutsTheBrowserIntoTheWholeClientArea) {
   surroundings.clientSize = [&](const CPptPane&) { return size; };
   pane_ = CPptPane::Create(surroundings);
   EXPECT_EQ(Send(WindowMessage::kSize), MessageRoute::kHandled);  // no browser yet
-  pane_->AttachWebView(h_.page, h_.page);
+  pane_->browser().AttachWebView(h_.page, h_.page);
   size = {321, 654};
   EXPECT_EQ(Send(WindowMessage::kSize, 0, 0x00010001), MessageRoute::kHandled);
   EXPECT_EQ(h_.page->width, 321);
@@ -67,10 +67,10 @@ TEST_F(PaneMessages, EveryTimerIsHandledAndTheFirstCallsTheWidthHook) {
 
 TEST_F(PaneMessages, TheDestructionEndsThePane) {
   Send(WindowMessage::kCreate);
-  pane_->AttachWebView(h_.page, h_.page);
+  pane_->browser().AttachWebView(h_.page, h_.page);
   EXPECT_EQ(Send(WindowMessage::kDestroy), MessageRoute::kHandled);
   EXPECT_FALSE(pane_->HasWindow());
-  EXPECT_EQ(pane_->shuttingDown, 1);
+  EXPECT_TRUE(pane_->shuttingDown());
   EXPECT_EQ(h_.page->closed, 1);
 }
 
@@ -78,7 +78,7 @@ TEST_F(PaneMessages, CallsStillWaitingAreDestroyedUnrunByTheDestruction) {
   Send(WindowMessage::kCreate);
   bool ran = false;
   const auto held = std::make_shared<int>(1);
-  PostToPane(pane_->window, [&ran, held] { ran = true; });
+  PostToPane(pane_->window(), [&ran, held] { ran = true; });
   EXPECT_EQ(held.use_count(), 2);
   Send(WindowMessage::kDestroy);
   EXPECT_EQ(held.use_count(), 1);
@@ -118,8 +118,8 @@ TEST_F(PaneMessages, WhatIsNotReflectedIsNobodys) {
 
 TEST_F(PaneMessages, TheLastReleaseEndsRequestsAndLetsGoOfTheHost) {
   pane_->FinalRelease();
-  EXPECT_EQ(pane_->shuttingDown, 1);
-  EXPECT_FALSE(pane_->hostApp);
+  EXPECT_TRUE(pane_->shuttingDown());
+  EXPECT_FALSE(pane_->hostApp());
 }
 
 TEST(PaneObject, ARunHoldsTheObjectThatTheHostKnowsThePaneBy) {
@@ -128,7 +128,7 @@ TEST(PaneObject, ARunHoldsTheObjectThatTheHostKnowsThePaneBy) {
   PaneSurroundings surroundings = h.Surroundings();
   surroundings.holdObject = [&](CPptPane&) { return object; };
   HandOverBlock().app = h.host.Application();
-  HandOverBlock().context = h.pane->windowContext;
+  HandOverBlock().context = h.pane->windowContext();
   h.pane->OnDestroy();
   h.pane = CPptPane::Create(surroundings);
   HandOverBlock() = {};
@@ -138,7 +138,7 @@ TEST(PaneObject, ARunHoldsTheObjectThatTheHostKnowsThePaneBy) {
   h.Start();
   EXPECT_EQ(object.use_count(), 2);
   h.pageAnswers = true;
-  h.pane->CancelRun();
+  h.pane->run().CancelRun();
   h.Finish();
   EXPECT_EQ(object.use_count(), 1);
 }

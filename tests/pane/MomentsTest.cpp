@@ -36,7 +36,7 @@ class DisturbedRun {
     h.Say(R"({"action":"start"})");
     EXPECT_TRUE(h.RunUntil([this] {
       if (h.pane != nullptr) h.Tick();
-      return h.pane == nullptr || h.pane->runActive == 0;
+      return h.pane == nullptr || !h.pane->run().runActive();
     }));
     h.RunPosts();
   }
@@ -102,7 +102,7 @@ TEST(EveryMoment, ACancelEndsTheRunOnceAndLeavesWholeSlides) {
     DisturbedRun run;
     std::uint64_t id = 0;
     run.With(moment, [&] {
-      id = run.h.pane->currentRunId;
+      id = run.h.pane->run().currentRunId();
       run.h.pane->OnWebMessageReceived(u"{\"action\":\"cancel\"}");
     });
     const std::string ending = run.Ending();
@@ -117,7 +117,7 @@ TEST(EveryMoment, ACancelEndsTheRunOnceAndLeavesWholeSlides) {
     const std::vector<Wide> aborts = run.h.Requests(u"translateAbortForRun");
     EXPECT_EQ(aborts.size(), id == 0 ? 0U : 1U) << moment;
     EXPECT_EQ(run.log.Count("PptPane run finished"), 1) << moment;
-    EXPECT_EQ(run.h.pane->runControl, nullptr);
+    EXPECT_EQ(run.h.pane->run().runControl(), nullptr);
     EXPECT_FALSE(StaGateHasOwner());
   }
   EXPECT_GT(cancelled, 3U);

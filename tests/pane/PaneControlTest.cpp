@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
 #include "pane/PaneHarness.h"
 #include "run/document/StaGate.h"
 #include "support/LogCapture.h"
+#include "support/PageAnswers.h"
 
 namespace quillmarch::addin {
 
@@ -27,18 +30,18 @@ TEST(CPptPane, TakesTheHandOverBlockAndEmptiesItsPageAndMode) {
   block.pendingMode = u"lite";
   ProcessAccessToken() = u"tok";
   const auto pane = CPptPane::Create(h.Surroundings());
-  EXPECT_EQ(pane->windowContext.hwnd, 42);
-  EXPECT_EQ(pane->windowContext.id, 7U);
-  EXPECT_EQ(pane->paneId, 5);
-  EXPECT_EQ(pane->pendingPage, u"glossary");
-  EXPECT_EQ(pane->pendingMode, u"lite");
-  EXPECT_EQ(pane->accessToken, u"tok");
-  EXPECT_TRUE(pane->hostApp);
+  EXPECT_EQ(pane->windowContext().hwnd, 42);
+  EXPECT_EQ(pane->windowContext().id, 7U);
+  EXPECT_EQ(pane->paneId(), 5);
+  EXPECT_EQ(pane->browser().pendingPage(), u"glossary");
+  EXPECT_EQ(pane->browser().pendingMode(), u"lite");
+  EXPECT_EQ(pane->session().accessToken(), u"tok");
+  EXPECT_TRUE(pane->hostApp());
   EXPECT_TRUE(block.pendingPage.empty());
   EXPECT_TRUE(block.pendingMode.empty());
   const auto next = CPptPane::Create(h.Surroundings());
-  EXPECT_EQ(next->pendingPage, u"translate");
-  EXPECT_EQ(next->pendingMode, u"full");
+  EXPECT_EQ(next->browser().pendingPage(), u"translate");
+  EXPECT_EQ(next->browser().pendingMode(), u"full");
   block = {};
   ProcessAccessToken().clear();
 }
@@ -98,7 +101,7 @@ TEST(CPptPane, AVerbWithoutAParentUsesTheOneOfAnEarlierVerb) {
   h.createsWindow = true;
   pane->DoVerb(-1, 0, StockVerb);
   EXPECT_TRUE(pane->HasWindow());
-  EXPECT_EQ(pane->parentWindow, 0x1234U);
+  EXPECT_EQ(pane->parentWindow(), 0x1234U);
   pane->OnDestroy();
 }
 
@@ -149,11 +152,11 @@ TEST(CPptPane, AWidthHookThatIsTakenBackInsideItselfComesToItsEnd) {
 
 TEST(CPptPane, ANewSizeReachesTheBrowserWhenThereIsOne) {
   PaneHarness h;
-  h.pane->OnSize(320, 640);
+  h.pane->browser().PutBounds(320, 640);
   EXPECT_EQ(h.page->width, 320);
   EXPECT_EQ(h.page->height, 640);
-  h.pane->CloseWebView();
-  h.pane->OnSize(1, 1);
+  h.pane->browser().CloseWebView();
+  h.pane->browser().PutBounds(1, 1);
   EXPECT_EQ(h.page->width, 320);
 }
 
@@ -172,13 +175,13 @@ TEST(CPptPane, AfterTheShutdownNoMessageIsHeardAndNothingIsSaid) {
   PaneHarness h;
   h.AddSlide(u"hello");
   h.pane->BeginShutdownEarly();
-  h.pane->AttachWebView(h.page, h.page);
+  h.pane->browser().AttachWebView(h.page, h.page);
   h.Say(R"({"action":"setAccessToken","accessToken":"t"})");
   h.Start();
-  h.pane->CallPage(u"onReady", u"{}");
-  h.pane->StartRun(u"{\"action\":\"start\"}");
-  EXPECT_TRUE(h.pane->accessToken.empty());
-  EXPECT_EQ(h.pane->runActive, 0);
+  h.pane->browser().CallPage(u"onReady", u"{}");
+  h.pane->run().StartRun(u"{\"action\":\"start\"}");
+  EXPECT_TRUE(h.pane->session().accessToken().empty());
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_TRUE(h.page->calls.empty());
 }
 
@@ -187,10 +190,12 @@ TEST(CPptPane, TheWindowsEndKillsAllTimers) {
   h.AddSlide(u"hello");
   h.pageAnswers = false;
   h.Start();
+  // The wait for terminology, which comes first, outlives the window.
+  ASSERT_TRUE(h.WaitForRequests(1));
   EXPECT_EQ(h.thread.timersSet(), 2);
   h.pane->OnDestroy();
   EXPECT_EQ(h.thread.timersSet(), 0);
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
 }
 
 TEST(CPptPane, AShutdownDropsADeferredStart) {
@@ -199,10 +204,10 @@ TEST(CPptPane, AShutdownDropsADeferredStart) {
   const int owner = 0;
   const GateHold gate(&owner, h.thread);
   h.Start();
-  ASSERT_TRUE(h.pane->deferredStartArmed);
+  ASSERT_TRUE(h.pane->run().deferredStartArmed());
   h.pane->BeginShutdownEarly();
-  EXPECT_FALSE(h.pane->deferredStartArmed);
-  EXPECT_TRUE(h.pane->deferredStart.empty());
+  EXPECT_FALSE(h.pane->run().deferredStartArmed());
+  EXPECT_TRUE(h.pane->run().deferredStart().empty());
   EXPECT_EQ(h.thread.timersSet(), 1);
 }
 
@@ -214,12 +219,60 @@ TEST(CPptPane, AShutdownDuringARunEndsItAndItsRequests) {
   h.Start();
   ASSERT_TRUE(h.WaitForRequests(1));
   h.pane->BeginShutdownEarly();
-  EXPECT_EQ(h.pane->runActive, 0);
-  EXPECT_EQ(h.pane->currentRunId, 0U);
-  EXPECT_EQ(h.pane->controller, nullptr);
+  EXPECT_FALSE(h.pane->run().runActive());
+  EXPECT_EQ(h.pane->run().currentRunId(), 0U);
+  EXPECT_FALSE(h.pane->run().HasController());
   EXPECT_TRUE(log.Has("PptPane run finished"));
   ASSERT_EQ(h.records.size(), 1U);
   EXPECT_EQ(h.records[0].outcome, RunOutcome::kAborted);
+}
+
+TEST(CPptPane, ItsEndFailsOpenRequestsWithACodeOfItsOwn) {
+  for (const bool early : {true, false}) {
+    PaneHarness h;
+    TranslateBatchRequest request;
+    request.texts = {u"hello"};
+    h.pageAnswers = false;
+    auto answer = std::async(std::launch::async,
+                             [&] { return h.pane->run().transport().TranslateViaPage(request); });
+    ASSERT_TRUE(h.WaitForRequests(1));
+    if (early) {
+      h.pane->BeginShutdownEarly();
+    } else {
+      h.pane->FinalRelease();
+    }
+    const TranslateBatchResult result = answer.get();
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.code, u"addin_shutdown");
+    EXPECT_EQ(result.message, u"cancelled");
+  }
+}
+
+// A worker that hangs keeps the run, and what it has ready must not reach the deck any more.
+TEST(CPptPane, AfterAnAbortNoTickWrites) {
+  PaneHarness h;
+  LogCapture log;
+  const auto one = h.AddSlide(u"one");
+  h.AddSlide(u"two");
+  h.pageAnswers = false;
+  h.thread.sleepsAreInstant = true;
+  h.Say(R"({"action":"start"})");
+  ASSERT_TRUE(h.WaitForRequests(1));
+  h.SayWide(test::AnswerTo(h.Requests()[0]));
+  ASSERT_TRUE(h.WaitForRequests(2));  // the first slide is ready
+  h.thread.holdsPostsOfWorkers = true;
+  h.pane->OnWebMessageReceived(test::AnswerTo(h.Requests()[1]));
+  h.pane->BeginShutdownEarly();
+  EXPECT_TRUE(log.Has("PptPane shutdown: run worker busy, object kept alive"));
+  for (int tick = 0; tick < 45; ++tick) {
+    h.thread.Advance(CPptPane::kRunTickMs);
+    h.thread.FireDueTimers();
+  }
+  EXPECT_EQ(one->Text(), u"one");
+  h.thread.holdsPostsOfWorkers = false;
+  ASSERT_TRUE(h.WaitForWorker());
+  h.Finish();
+  EXPECT_EQ(one->Text(), u"one");
 }
 
 // The terminology wait is the one that a shutdown does not end.
@@ -256,9 +309,9 @@ TEST(CPptPane, AHungWorkerOfALivingWindowIsStillTickedToItsEnd) {
   h.Start();
   ASSERT_TRUE(h.RunUntil([&] { return h.Requests(u"terminologyResolveRequest").size() == 1; }));
   h.pane->BeginShutdownEarly();
-  EXPECT_EQ(h.pane->runActive, 1);
+  EXPECT_TRUE(h.pane->run().runActive());
   h.Finish();
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_EQ(h.pane.use_count(), 1);
 }
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "foundation/text/JsonText.h"
-#include "pane/HandOver.h"
+#include "pane/KeptPanes.h"
 #include "support/PageAnswers.h"
 
 namespace quillmarch::addin::test {
@@ -71,10 +71,22 @@ void PaneHarness::MakePane(const WindowContext& window, std::uint32_t bridgeWait
   HandOverBlock() = {};
 }
 
+void PaneHarness::RemakePane(const std::function<void(HandOver&, PaneSurroundings&)>& change) {
+  if (pane->HasWindow()) pane->OnDestroy();
+  HandOver& block = HandOverBlock();
+  block.app = host.Application();
+  block.context = pane->windowContext();
+  PaneSurroundings surroundings = Surroundings();
+  change(block, surroundings);
+  pane = CPptPane::Create(surroundings);
+  block = {};
+  OpenWindow();
+}
+
 void PaneHarness::OpenWindow() {
   page->onMessage = [this](const Wide& json) { OnMessage(json); };
   pane->OnCreate(0xBEEF);
-  pane->AttachWebView(page, page);
+  pane->browser().AttachWebView(page, page);
 }
 
 FakeShapeRef PaneHarness::AddSlide(const Wide& text) {
@@ -136,7 +148,7 @@ bool PaneHarness::WaitForWorker() {
 void PaneHarness::Finish() {
   RunUntil([&] {
     Tick();
-    return pane == nullptr || pane->runActive == 0;
+    return pane == nullptr || !pane->run().runActive();
   });
 }
 

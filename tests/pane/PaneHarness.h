@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "pane/CPptPane.h"
+#include "pane/HandOver.h"
 #include "support/FakeHost.h"
 #include "support/ManualHostThread.h"
 #include "support/ScriptedInput.h"
@@ -80,6 +81,8 @@ class PaneHarness {
   // Makes the pane anew, without a window.
   void MakePane(const WindowContext& window, std::uint32_t bridgeWaitMs = kBridgeWaitMs);
   void OpenWindow();
+  // The same window with a pane made anew, whose hand-over and surroundings `change` settles.
+  void RemakePane(const std::function<void(HandOver&, PaneSurroundings&)>& change);
 
  private:
   void OnMessage(const Wide& json);

@@ -7,6 +7,7 @@
 #include "foundation/text/JsonText.h"
 #include "foundation/transport/Endpoint.h"
 #include "pane/PaneHarness.h"
+#include "pane/PanelDispatch.h"
 #include "pane/RunId.h"
 #include "run/document/StaGate.h"
 #include "support/LogCapture.h"
@@ -32,9 +33,9 @@ TEST(StartRun, TranslatesAndReportsToThePage) {
   h.Finish();
   EXPECT_EQ(shape->Text(), u"T(hello)");
   EXPECT_EQ(h.MainEvents(), kCompleted);
-  EXPECT_EQ(h.pane->currentRunId, 0U);
-  EXPECT_EQ(h.pane->runControl, nullptr);
-  EXPECT_EQ(h.pane->controller, nullptr);
+  EXPECT_EQ(h.pane->run().currentRunId(), 0U);
+  EXPECT_EQ(h.pane->run().runControl(), nullptr);
+  EXPECT_FALSE(h.pane->run().HasController());
   EXPECT_EQ(h.pane.use_count(), 1);
   EXPECT_TRUE(log.Has("PptPane StartRun begin scope=1"));
   EXPECT_TRUE(log.Has("PptPane StartRun end (async)"));
@@ -48,10 +49,10 @@ TEST(StartRun, ASecondRunMayFollowWithALargerId) {
   PaneHarness h;
   h.AddSlide(u"hello");
   h.Start();
-  const std::uint64_t first = h.pane->currentRunId;
+  const std::uint64_t first = h.pane->run().currentRunId();
   h.Finish();
   h.Start();
-  EXPECT_GT(h.pane->currentRunId, first);
+  EXPECT_GT(h.pane->run().currentRunId(), first);
   EXPECT_GT(first, 0U);
   h.Finish();
 }
@@ -69,13 +70,65 @@ TEST(StartRun, TheActionDecidesTheScopeBeforeThePanelMode) {
   EXPECT_EQ(log.Count("PptPane StartRun begin scope=0"), 2);
 }
 
+TEST(StartRun, OnlyTheWholeDeckIsPacedAsAFullRun) {
+  PaneHarness h;
+  LogCapture log;
+  h.Say(R"({"action":"start","panelMode":"selection"})");
+  h.Say(R"({"action":"start","panelMode":"slide"})");
+  h.Say(R"({"action":"start"})");
+  for (const char* scope : {"scope=2 full=0", "scope=1 full=0", "scope=0 full=1"}) {
+    EXPECT_EQ(log.Count(std::string("PptCtrl Start begin ") + scope + " bilingual=0 targetLang=en"),
+              1)
+        << scope;
+  }
+}
+
+TEST(StartRun, ARunIsBilingualOnlyWhereTheMessageSaysTrue) {
+  for (const char* field : {"true", "false", "\"true\""}) {
+    PaneHarness h;
+    LogCapture log;
+    h.Start(std::string(",\"pptBilingualSlides\":") + field);
+    const std::string flag = std::string(field) == "true" ? "1" : "0";
+    EXPECT_EQ(log.CountContaining("full=0 bilingual=" + flag), 1) << field;
+  }
+}
+
+TEST(StartRun, ASelectionIsAskedForUnderAUsageOfItsOwn) {
+  PaneHarness h;
+  const auto shape = h.AddSlide(u"hello");
+  h.host.windows.front()->selection->SelectShapes({shape});
+  for (const char* action : {"startSelection", "start"}) {
+    h.Say(std::string(R"({"action":")") + action + R"("})");
+    h.Finish();
+  }
+  ASSERT_EQ(h.Requests().size(), 2U);
+  EXPECT_EQ(JsonGetString(h.Requests()[0], u"usageKind"), u"translate_selection");
+  EXPECT_EQ(JsonGetString(h.Requests()[1], u"usageKind"), u"translate_full");
+}
+
+TEST(StartRun, OnlyASavedSizeAboveZeroTakesThePlaceOfTheFit) {
+  for (const char* size : {"-1", "0", "0.5"}) {
+    PaneHarness h;
+    h.AddSlide(u"hello");
+    h.Say(std::string(R"({"action":"setTargetStyle","targetFontSize":)") + size + "}");
+    h.Start();
+    h.Finish();
+    EXPECT_EQ(h.MainEvents(), kCompleted);
+    // The fit begins with the place of the shape, which nothing else reads.
+    const bool fitted = std::any_of(h.host.calls.begin(), h.host.calls.end(), [](const auto& call) {
+      return call.find("Left") != std::string::npos;
+    });
+    EXPECT_EQ(fitted, std::string(size) != "0.5") << size;
+  }
+}
+
 TEST(StartRun, NothingToTranslateEndsAtOnceWithoutAnError) {
   PaneHarness h;
   LogCapture log;
   h.AddSlide(u"12345");
   h.Start();
   EXPECT_EQ(h.MainEvents(), kCompleted);
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_EQ(log.CountContaining("PptPane run end runId="), 1);
   EXPECT_EQ(log.lines().back(), "PptPane StartRun end");
   EXPECT_EQ(h.thread.timersSet(), 1);
@@ -88,11 +141,11 @@ TEST(StartRun, AStartDuringARunIsIgnored) {
   h.pageAnswers = false;
   h.Start();
   ASSERT_TRUE(h.WaitForRequests(1));
-  const std::uint64_t id = h.pane->currentRunId;
+  const std::uint64_t id = h.pane->run().currentRunId();
   h.Start();
   h.Say(R"({"action":"startSelection"})");
   EXPECT_EQ(log.Count("PptPane start ignored: run in progress"), 2);
-  EXPECT_EQ(h.pane->currentRunId, id);
+  EXPECT_EQ(h.pane->run().currentRunId(), id);
   h.Say(R"({"action":"cancel"})");
   h.Finish();
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);
@@ -102,8 +155,8 @@ TEST(StartRun, TwoStartsAtOnceMakeOneRun) {
   PaneHarness h;
   LogCapture log;
   h.AddSlide(u"hello");
-  h.pane->OnWebMessage(u"{\"action\":\"start\"}");
-  h.pane->OnWebMessage(u"{\"action\":\"start\"}");
+  OnWebMessage(*h.pane, u"{\"action\":\"start\"}");
+  OnWebMessage(*h.pane, u"{\"action\":\"start\"}");
   h.RunPosts();
   EXPECT_EQ(log.Count("PptPane start ignored: run in progress"), 1);
   h.Finish();
@@ -122,21 +175,21 @@ TEST(StartRun, WhileTheGateIsHeldTheNewestStartWaitsAndIsTriedEvery150Ms) {
     h.Start();
     h.Say(R"({"action":"start","panelMode":"slide","targetLang":"fr"})");
     EXPECT_EQ(log.Count("PptPane StartRun deferred: sta mutation in flight"), 2);
-    EXPECT_TRUE(h.pane->deferredStartArmed);
+    EXPECT_TRUE(h.pane->run().deferredStartArmed());
     for (int i = 0; i < 3; ++i) {
       h.thread.Advance(150);
       h.thread.FireDueTimers();
     }
     EXPECT_EQ(log.Count("PptPane StartRun deferred: sta mutation in flight"), 5);
-    EXPECT_EQ(h.pane->runActive, 0);
+    EXPECT_FALSE(h.pane->run().runActive());
   }
   h.thread.Advance(149);
   h.thread.FireDueTimers();
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
   h.thread.Advance(1);
   h.thread.FireDueTimers();
-  EXPECT_EQ(h.pane->runActive, 1);
-  EXPECT_FALSE(h.pane->deferredStartArmed);
+  EXPECT_TRUE(h.pane->run().runActive());
+  EXPECT_FALSE(h.pane->run().deferredStartArmed());
   h.Finish();
   ASSERT_EQ(h.Requests().size(), 1U);
   EXPECT_EQ(JsonGetString(h.Requests()[0], u"targetLang"), u"fr");
@@ -155,7 +208,7 @@ TEST(StartRun, ACancelDropsADeferredStart) {
   h.thread.Advance(1000);
   h.thread.FireDueTimers();
   h.RunPosts();
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_TRUE(h.page->calls.empty());
 }
 
@@ -169,12 +222,12 @@ TEST(StartRun, ADeferralWithoutATimerKeepsTheMessageAndArrangesNoRetry) {
     h.thread.refusesTimers = true;
     h.Start();
     h.thread.refusesTimers = false;
-    EXPECT_FALSE(h.pane->deferredStartArmed);
-    EXPECT_FALSE(h.pane->deferredStart.empty());
+    EXPECT_FALSE(h.pane->run().deferredStartArmed());
+    EXPECT_FALSE(h.pane->run().deferredStart().empty());
   }
   h.thread.Advance(1000);
   h.thread.FireDueTimers();
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
 }
 
 TEST(StartRun, WithoutATickTimerTheRunIsAborted) {
@@ -186,7 +239,7 @@ TEST(StartRun, WithoutATickTimerTheRunIsAborted) {
   EXPECT_TRUE(log.Has("PptPane run tick timer failed; abort run"));
   EXPECT_EQ(log.lines().back(), "PptPane StartRun end");
   // The worker waits for terms, which nobody gives while this thread sleeps.
-  EXPECT_EQ(h.pane->runActive, 1);
+  EXPECT_TRUE(h.pane->run().runActive());
   EXPECT_EQ(h.thread.timersSet(), 1);
 }
 
@@ -196,11 +249,11 @@ TEST(StartRun, TheMessageFillsTheRequest) {
   h.Say(R"({"action":"start","panelMode":"slide","targetLang":"de","sourceLang":"fr",)"
         R"("clientTraceId":"trace1","token":"t2","glossaryIds":["g1","g2"],)"
         R"("globalInstructionId":"i1","targetFont":"Verdana"})");
-  EXPECT_EQ(h.pane->accessToken, u"t2");
+  EXPECT_EQ(h.pane->session().accessToken(), u"t2");
   EXPECT_EQ(ProcessAccessToken(), u"t2");
-  EXPECT_EQ(h.pane->glossaryIds, (std::vector<Wide>{u"g1", u"g2"}));
-  EXPECT_EQ(h.pane->globalInstructionId, u"i1");
-  const std::uint64_t id = h.pane->currentRunId;
+  EXPECT_EQ(h.pane->session().glossaryIds(), (std::vector<Wide>{u"g1", u"g2"}));
+  EXPECT_EQ(h.pane->session().globalInstructionId(), u"i1");
+  const std::uint64_t id = h.pane->run().currentRunId();
   h.Finish();
   ASSERT_EQ(h.Requests().size(), 1U);
   EXPECT_EQ(
@@ -215,7 +268,7 @@ TEST(StartRun, WhatTheMessageLeavesOutHasItsDefault) {
   PaneHarness h;
   const auto shape = h.AddSlide(u"hello");
   h.Say(R"({"action":"start","panelMode":"slide"})");
-  const std::uint64_t id = h.pane->currentRunId;
+  const std::uint64_t id = h.pane->run().currentRunId();
   h.Finish();
   ASSERT_EQ(h.Requests().size(), 1U);
   const Wide request = h.Requests()[0];
@@ -240,36 +293,36 @@ TEST(StartRun, TheTargetFontIsTheMessagesEvenIfEmptyElseTheStyles) {
 TEST(StartRun, TokenIsReadOnlyWhenAccessTokenIsEmpty) {
   PaneHarness h;
   h.Start(R"(,"accessToken":"a","token":"b")");
-  EXPECT_EQ(h.pane->accessToken, u"a");
+  EXPECT_EQ(h.pane->session().accessToken(), u"a");
   h.Start(R"(,"accessToken":"","token":"c")");
-  EXPECT_EQ(h.pane->accessToken, u"c");
+  EXPECT_EQ(h.pane->session().accessToken(), u"c");
   h.Start();
-  EXPECT_EQ(h.pane->accessToken, u"c");
+  EXPECT_EQ(h.pane->session().accessToken(), u"c");
 }
 
 TEST(StartRun, GlossariesAndInstructionAreReplacedByEmptyOnesToo) {
   PaneHarness h;
-  h.pane->glossaryIds = {u"old"};
-  h.pane->globalInstructionId = u"old";
+  h.pane->session().ReadStart(u"{\"glossaryIds\":[\"old\"],\"globalInstructionId\":\"old\"}");
+  ASSERT_EQ(h.pane->session().glossaryIds().size(), 1U);
   h.Start();
-  EXPECT_TRUE(h.pane->glossaryIds.empty());
-  EXPECT_TRUE(h.pane->globalInstructionId.empty());
+  EXPECT_TRUE(h.pane->session().glossaryIds().empty());
+  EXPECT_TRUE(h.pane->session().globalInstructionId().empty());
 }
 
 TEST(StartRun, TransportNativeWinsAndTheChoiceStays) {
   PaneHarness h;
   h.Start(R"(,"transport":"js")");
-  EXPECT_TRUE(h.pane->nativeTranslateViaJs);
+  EXPECT_TRUE(h.pane->session().nativeTranslateViaJs());
   h.Start(R"(,"transport":"native","nativeTranslateViaJs":true)");
-  EXPECT_FALSE(h.pane->nativeTranslateViaJs);
+  EXPECT_FALSE(h.pane->session().nativeTranslateViaJs());
   h.Start(R"(,"transport":"js")");
-  EXPECT_FALSE(h.pane->nativeTranslateViaJs);
+  EXPECT_FALSE(h.pane->session().nativeTranslateViaJs());
   h.Start();
-  EXPECT_FALSE(h.pane->nativeTranslateViaJs);
+  EXPECT_FALSE(h.pane->session().nativeTranslateViaJs());
   h.Start(R"(,"nativeTranslateViaJs":true)");
-  EXPECT_TRUE(h.pane->nativeTranslateViaJs);
+  EXPECT_TRUE(h.pane->session().nativeTranslateViaJs());
   h.Start(R"(,"nativeTranslateViaJs":false)");
-  EXPECT_FALSE(h.pane->nativeTranslateViaJs);
+  EXPECT_FALSE(h.pane->session().nativeTranslateViaJs());
 }
 
 TEST(StartRun, ANativeRunAsksThePageForNothing) {
@@ -341,7 +394,7 @@ TEST(StartRun, TwoWindowsOnOneDeckDoNotRunAtOnce) {
   other.Start();
   ASSERT_EQ(other.MainEvents(), (Texts{"onRunStarted", "onReady", "onError"}));
   EXPECT_NE(other.page->Scripts().back().find("presentation_busy"), std::string::npos);
-  EXPECT_EQ(other.pane->runActive, 0);
+  EXPECT_FALSE(other.pane->run().runActive());
   h.Say(R"({"action":"cancel"})");
   h.Finish();
   other.Start();
@@ -355,7 +408,7 @@ TEST(CancelRun, EndsTheRunAndTellsThePageToDropIt) {
   h.pageAnswers = false;
   h.Start();
   ASSERT_TRUE(h.WaitForRequests(1));
-  const std::string id = std::to_string(h.pane->currentRunId);
+  const std::string id = std::to_string(h.pane->run().currentRunId());
   h.Say(R"({"action":"cancel"})");
   EXPECT_EQ(h.page->Messages().back(), R"({"action":"translateAbortForRun","runId":)" + id + "}");
   h.Finish();
@@ -374,7 +427,7 @@ TEST(CancelRun, DuringTerminologyTheRunEndsWhenThePageHasAnswered) {
   ASSERT_TRUE(h.RunUntil([&] { return h.Requests(u"terminologyResolveRequest").size() == 1; }));
   h.Say(R"({"action":"cancel"})");
   h.Tick();
-  EXPECT_EQ(h.pane->runActive, 1);
+  EXPECT_TRUE(h.pane->run().runActive());
   h.Say(R"({"action":"terminologyResolveResult","requestId":"pptterm_1","ok":true,"result":{}})");
   h.Finish();
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);
@@ -389,8 +442,8 @@ TEST(PauseAndResume, APausedRunSendsNothingUntilItIsResumed) {
   h.Say(R"({"action":"start"})");
   ASSERT_TRUE(h.WaitForRequests(1));
   h.Say(R"({"action":"pause"})");
-  ASSERT_NE(h.pane->runControl, nullptr);
-  EXPECT_EQ(h.pane->runControl->paused, 1);
+  ASSERT_NE(h.pane->run().runControl(), nullptr);
+  EXPECT_EQ(h.pane->run().runControl()->paused, 1);
   h.SayWide(AnswerTo(h.Requests()[0]));
   h.pageAnswers = true;
   for (int i = 0; i < 50; ++i) h.Tick();
@@ -408,14 +461,33 @@ TEST(PauseAndResume, ACancelWakesAPausedRun) {
   h.Say(R"({"action":"start"})");
   ASSERT_TRUE(h.WaitForRequests(1));
   h.Say(R"({"action":"pause"})");
-  EXPECT_EQ(h.pane->runControl->paused, 1);
+  EXPECT_EQ(h.pane->run().runControl()->paused, 1);
   h.SayWide(AnswerTo(h.Requests()[0]));
   h.Say(R"({"action":"cancel"})");
-  ASSERT_NE(h.pane->runControl, nullptr);
-  EXPECT_EQ(h.pane->runControl->cancelled, 1);
-  EXPECT_EQ(h.pane->runControl->paused, 0);
+  ASSERT_NE(h.pane->run().runControl(), nullptr);
+  EXPECT_EQ(h.pane->run().runControl()->cancelled, 1);
+  EXPECT_EQ(h.pane->run().runControl()->paused, 0);
   h.Finish();
   EXPECT_EQ(h.MainEvents(), kCancelledEvents);
+}
+
+TEST(PauseAndResume, APauseIsIgnoredWhileARunIsFinishing) {
+  PaneHarness h;
+  h.AddSlide(u"one");
+  h.Start();
+  ASSERT_TRUE(h.WaitForWorker());
+  int paused = 0;
+  int calls = 0;
+  h.host.onCall = [&](const std::string&) {
+    if (calls++ > 0) return;
+    h.Say(R"({"action":"pause"})");
+    paused = h.pane->run().runControl()->paused;
+  };
+  h.Finish();
+  h.host.onCall = {};
+  EXPECT_GT(calls, 0);
+  EXPECT_EQ(paused, 0);
+  EXPECT_EQ(h.MainEvents(), kCompleted);
 }
 
 TEST(NavigationStarting, EndsTheBatchesWaitAtOnce) {

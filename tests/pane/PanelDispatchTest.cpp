@@ -4,6 +4,7 @@
 
 #include "foundation/automation/HostMembers.h"
 #include "pane/PaneHarness.h"
+#include "pane/PanelDispatch.h"
 #include "pane/RunEvents.h"
 #include "run/document/StaGate.h"
 #include "support/LogCapture.h"
@@ -34,18 +35,18 @@ TEST(OnWebMessage, AnUnknownActionIsLoggedAndNotAnswered) {
   h.Say(R"({"action":"sessionQuery"})");
   EXPECT_EQ(log.lines(), Texts{"PptPane unknown action: Start"});
   EXPECT_TRUE(h.page->calls.empty());
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
 }
 
 TEST(OnWebMessage, AStartIsOnlyPostedByTheHandler) {
   PaneHarness h;
   LogCapture log;
   h.AddSlide(u"hello");
-  h.pane->OnWebMessage(u"{\"action\":\"restart\",\"panelMode\":\"slide\"}");
-  EXPECT_EQ(h.pane->runActive, 0);
+  OnWebMessage(*h.pane, u"{\"action\":\"restart\",\"panelMode\":\"slide\"}");
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_EQ(log.lines(), Texts{"PptPane start action=restart panelMode=slide"});
   h.RunPosts();
-  EXPECT_EQ(h.pane->runActive, 1);
+  EXPECT_TRUE(h.pane->run().runActive());
   h.Finish();
 }
 
@@ -65,13 +66,13 @@ TEST(OnWebMessage, TheTokenIsKeptForThisPaneAndForLaterOnes) {
   h.Say(R"({"action":"requestAccessToken"})");
   EXPECT_EQ(h.page->Messages(), Texts{R"({"action":"accessToken","accessToken":"a\"b"})"});
   PaneHarness later(h, {});
-  EXPECT_EQ(later.pane->accessToken, u"a\"b");
+  EXPECT_EQ(later.pane->session().accessToken(), u"a\"b");
   h.Say(R"({"action":"clearAccessToken"})");
-  EXPECT_TRUE(h.pane->accessToken.empty());
+  EXPECT_TRUE(h.pane->session().accessToken().empty());
   EXPECT_TRUE(ProcessAccessToken().empty());
   h.Say(R"({"action":"setAccessToken","accessToken":"x"})");
   h.Say(R"({"action":"setAccessToken","accessToken":""})");
-  EXPECT_TRUE(h.pane->accessToken.empty());
+  EXPECT_TRUE(h.pane->session().accessToken().empty());
   EXPECT_TRUE(ProcessAccessToken().empty());
 }
 
@@ -79,16 +80,16 @@ TEST(OnWebMessage, AStyleTouchesOnlyTheKeysThatItNames) {
   PaneHarness h;
   h.Say(R"({"action":"setTargetStyle","targetFont":"Arial","targetFontSize":12.5,)"
         R"("targetFontColor":"#0102fF","targetFontBold":1})");
-  EXPECT_EQ(h.pane->targetStyle.font, u"Arial");
-  EXPECT_EQ(h.pane->targetStyle.size, 12.5);
-  EXPECT_EQ(h.pane->targetStyle.color, 0x01 + 0x02 * 256 + 0xFF * 65536);
-  EXPECT_EQ(h.pane->targetStyle.bold, 1);
+  EXPECT_EQ(h.pane->session().targetStyle().font, u"Arial");
+  EXPECT_EQ(h.pane->session().targetStyle().size, 12.5);
+  EXPECT_EQ(h.pane->session().targetStyle().color, 0x01 + 0x02 * 256 + 0xFF * 65536);
+  EXPECT_EQ(h.pane->session().targetStyle().bold, 1);
   h.Say(R"({"action":"setTargetStyle","targetFontBold":2})");
-  EXPECT_EQ(h.pane->targetStyle.bold, -1);
+  EXPECT_EQ(h.pane->session().targetStyle().bold, -1);
   h.Say(R"({"action":"setTargetStyle","targetFontColor":"#12345"})");
-  EXPECT_EQ(h.pane->targetStyle.color, -1);
-  EXPECT_EQ(h.pane->targetStyle.font, u"Arial");
-  EXPECT_EQ(h.pane->targetStyle.size, 12.5);
+  EXPECT_EQ(h.pane->session().targetStyle().color, -1);
+  EXPECT_EQ(h.pane->session().targetStyle().font, u"Arial");
+  EXPECT_EQ(h.pane->session().targetStyle().size, 12.5);
 }
 
 TEST(OnWebMessage, FontsAreListedAsTheDesktopListsThemWithoutVerticalOnes) {
@@ -128,7 +129,9 @@ TEST(OnWebMessage, APreviewThatFailsInTheMidstTellsThePageSo) {
   WindowWithoutMemory window;
   PaneHarness h;
   test::ScriptedObject* application = nullptr;
-  h.pane->hostApp = test::ScriptedObject::Make(application);
+  h.RemakePane([&](HandOver& block, PaneSurroundings&) {
+    block.app = test::ScriptedObject::Make(application);
+  });
   application->Interface(ppt::kApplication);
   application->Value(u"ActiveWindow", ppt::application::kActiveWindow.id,
                      Variant::Object(ObjectRef(&window)));
@@ -151,14 +154,14 @@ TEST(OnWebMessage, NoPreviewIsPushedDuringARunOrAMutationOrWithoutAPage) {
   h.Start();
   ASSERT_TRUE(h.WaitForRequests(1));
   h.Say(R"({"action":"requestSelectionPreview"})");
-  h.pane->PushSelectionPreview();
+  PushSelectionPreview(*h.pane);
   for (const std::string& script : h.page->Scripts()) {
     EXPECT_EQ(script.find("Preview"), std::string::npos);
   }
   h.Say(R"({"action":"cancel"})");
   h.Finish();
-  h.pane->CloseWebView();
-  h.pane->PushSelectionPreview();
+  h.pane->browser().CloseWebView();
+  PushSelectionPreview(*h.pane);
 }
 
 TEST(OnWebMessage, TheTerminologyPagesQuestionsAreKnownAndUnanswered) {
@@ -180,7 +183,7 @@ TEST(OnWebMessage, ActionsInTheWrongStateDoNothing) {
   }
   EXPECT_TRUE(log.lines().empty());
   EXPECT_TRUE(h.page->calls.empty());
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_FALSE(h.pane->run().runActive());
 }
 
 TEST(OnWebMessage, BrokenMessagesDoNoHarm) {
@@ -200,8 +203,8 @@ TEST(OnWebMessage, BrokenMessagesDoNoHarm) {
       u"{\"action\":\"" + megabyte,
   };
   for (const Wide& text : texts) h.SayWide(text);
-  EXPECT_EQ(h.pane->accessToken, u"unclosed");
-  EXPECT_EQ(h.pane->runActive, 0);
+  EXPECT_EQ(h.pane->session().accessToken(), u"unclosed");
+  EXPECT_FALSE(h.pane->run().runActive());
   EXPECT_TRUE(h.page->calls.empty());
 }
 
@@ -246,7 +249,7 @@ TEST(FillRunSink, AnEventWithoutAPageOrAfterThePaneIsLost) {
   PaneHarness h;
   RunSink sink;
   FillRunSink(*h.pane, 1, sink);
-  h.pane->CloseWebView();
+  h.pane->browser().CloseWebView();
   sink.onRunStarted();
   h.RunPosts();
   h.pane->OnDestroy();

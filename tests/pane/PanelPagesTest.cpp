@@ -27,20 +27,30 @@ class PanelPages : public testing::Test {
     std::uint32_t ignored = 0;
     WriteUiLang(u"ja", ignored);
     DetectHost(h_.host.Application().get());
-    h_.pane->apiHost = u"api.example";
-    h_.pane->apiPort = 443;
-    h_.pane->apiSecure = true;
-    h_.page->steps.clear();
+    Remake(0);
   }
 
-  std::string Url(const Wide& page) { return ToUtf8(h_.pane->BuildPanelUrl(page)); }
+  void Remake(std::int32_t paneId, const Endpoint& apiHost = {u"api.example", 443, true}) {
+    h_.RemakePane([&](HandOver& block, PaneSurroundings& surroundings) {
+      block.paneId = paneId;
+      surroundings.apiHost = apiHost;
+    });
+    h_.page->steps.clear();
+  }
+  // As after a navigation whose address nobody asks for.
+  void ShowPage(const Wide& page) {
+    h_.pane->browser().NavigateTo(page);
+    h_.page->addresses.clear();
+  }
+
+  std::string Url(const Wide& page) { return ToUtf8(h_.pane->browser().BuildPanelUrl(page)); }
   std::string Tick() { return std::to_string(h_.thread.TickCount()); }
   // Which page the pane takes a source address for.
   Wide PageAt(const Wide& source) {
     h_.page->source = source;
-    h_.pane->currentPage = u"before";
-    h_.pane->RefreshCurrentPage();
-    return h_.pane->currentPage;
+    ShowPage(u"before");
+    h_.pane->browser().RefreshCurrentPage();
+    return h_.pane->browser().currentPage();
   }
 
   UserConfigFile config_;
@@ -52,24 +62,23 @@ class PanelPages : public testing::Test {
 TEST_F(PanelPages, AnAddressHasItsFieldsInTheirFixedOrder) {
   EXPECT_EQ(Url(u"translate"),
             "https://api.example/panel/ppt/?_=" + Tick() + "&host=ppt&mode=full&uiLang=ja");
-  h_.pane->paneId = 1;
-  h_.pane->mode = u"slide";
+  Remake(1);
+  h_.pane->browser().SetMode(u"slide");
   EXPECT_EQ(Url(u"account"), "https://api.example/panel/ppt/account.html?_=" + Tick() +
                                  "&host=ppt&pane=ppt1&mode=slide&uiLang=ja");
 }
 
 TEST_F(PanelPages, TheFirstPaneOfAProcessHasNoPaneField) {
-  h_.pane->paneId = 0;
+  Remake(0);
   EXPECT_EQ(Url(u"translate").find("&pane="), std::string::npos);
-  h_.pane->paneId = 12;
+  Remake(12);
   EXPECT_NE(Url(u"translate").find("&pane=ppt12&"), std::string::npos);
 }
 
 TEST_F(PanelPages, TheAddressNamesThePanesOwnServer) {
-  h_.pane->apiHost = u"localhost";
-  h_.pane->apiPort = 8443;
+  Remake(0, {u"localhost", 8443, true});
   EXPECT_TRUE(Url(u"translate").starts_with("https://localhost:8443/panel/ppt/?"));
-  h_.pane->apiSecure = false;
+  Remake(0, {u"localhost", 8443, false});
   EXPECT_TRUE(Url(u"translate").starts_with("http://localhost:8443/panel/ppt/?"));
 }
 
@@ -87,7 +96,7 @@ TEST_F(PanelPages, TwoAddressesOfOnePageDifferInTheirCacheBreaker) {
 }
 
 TEST_F(PanelPages, TheModeGoesInAsItStands) {
-  h_.pane->mode = u"a b&c";
+  h_.pane->browser().SetMode(u"a b&c");
   EXPECT_NE(Url(u"translate").find("&mode=a b&c&uiLang="), std::string::npos);
 }
 
@@ -134,92 +143,92 @@ TEST_F(PanelPages, ASourceOutsideThePanelOrNoneLeavesThePage) {
 
 TEST_F(PanelPages, GoingToAPageIsLoggedWithItsAddress) {
   LogCapture log;
-  h_.pane->NavigateTo(u"support");
+  h_.pane->browser().NavigateTo(u"support");
   ASSERT_THAT(h_.page->addresses, SizeIs(1));
-  EXPECT_EQ(h_.pane->currentPage, u"support");
+  EXPECT_EQ(h_.pane->browser().currentPage(), u"support");
   EXPECT_TRUE(log.Has("CPptPane navigate " + ToUtf8(h_.page->addresses[0])));
 }
 
 TEST_F(PanelPages, WithoutABrowserOrAfterTheShutdownNothingIsGoneTo) {
-  h_.pane->shuttingDown = 1;
-  h_.pane->NavigateTo(u"support");
-  h_.pane->shuttingDown = 0;
-  h_.pane->CloseWebView();
-  h_.pane->NavigateTo(u"support");
+  h_.pane->browser().CloseWebView();
+  h_.pane->browser().NavigateTo(u"support");
+  h_.pane->BeginShutdownEarly();
+  h_.pane->browser().AttachWebView(h_.page, h_.page);
+  h_.pane->browser().NavigateTo(u"support");
   EXPECT_THAT(h_.page->addresses, IsEmpty());
-  EXPECT_EQ(h_.pane->currentPage, u"translate");
+  EXPECT_EQ(h_.pane->browser().currentPage(), u"translate");
 }
 
 TEST_F(PanelPages, BeforeTheBrowserIsThereThePageWaits) {
-  h_.pane->CloseWebView();
-  h_.pane->pendingMode = u"slide";
-  h_.pane->SetPanelPage(u"account");
-  EXPECT_EQ(h_.pane->pendingPage, u"account");
-  EXPECT_EQ(h_.pane->pendingMode, u"slide");
-  h_.pane->SetPanelPage(u"");
-  EXPECT_EQ(h_.pane->pendingPage, u"translate");
+  h_.pane->browser().CloseWebView();
+  h_.pane->browser().SetPendingMode(u"slide");
+  h_.pane->browser().SetPanelPage(u"account");
+  EXPECT_EQ(h_.pane->browser().pendingPage(), u"account");
+  EXPECT_EQ(h_.pane->browser().pendingMode(), u"slide");
+  h_.pane->browser().SetPanelPage(u"");
+  EXPECT_EQ(h_.pane->browser().pendingPage(), u"translate");
 }
 
 TEST_F(PanelPages, TheTranslatePageThatIsShownGetsANewModeAsAMessageAndNoReload) {
-  h_.pane->pendingMode = u"selection";
-  h_.pane->SetPanelPage(u"translate");
+  h_.pane->browser().SetPendingMode(u"selection");
+  h_.pane->browser().SetPanelPage(u"translate");
   EXPECT_THAT(h_.page->Messages(), ElementsAre(R"({"action":"setMode","mode":"selection"})"));
   EXPECT_THAT(h_.page->addresses, IsEmpty());
-  EXPECT_EQ(h_.pane->mode, u"selection");
-  EXPECT_EQ(h_.pane->pendingPage, u"");
+  EXPECT_EQ(h_.pane->browser().mode(), u"selection");
+  EXPECT_EQ(h_.pane->browser().pendingPage(), u"");
 }
 
 TEST_F(PanelPages, TheModeThatIsShownAlreadyIsNotSentAgain) {
-  h_.pane->pendingMode = u"full";
-  h_.pane->SetPanelPage(u"translate");
-  h_.pane->pendingMode.clear();
-  h_.pane->SetPanelPage(u"translate");
+  h_.pane->browser().SetPendingMode(u"full");
+  h_.pane->browser().SetPanelPage(u"translate");
+  h_.pane->browser().SetPendingMode(Wide());
+  h_.pane->browser().SetPanelPage(u"translate");
   EXPECT_THAT(h_.page->Messages(), IsEmpty());
   EXPECT_THAT(h_.page->addresses, IsEmpty());
 }
 
 TEST_F(PanelPages, APageNameInAnotherCaseIsTheSamePage) {
-  h_.pane->currentPage = u"Translate";
-  h_.pane->SetPanelPage(u"TRANSLATE");
+  ShowPage(u"Translate");
+  h_.pane->browser().SetPanelPage(u"TRANSLATE");
   EXPECT_THAT(h_.page->addresses, IsEmpty());
   EXPECT_TRUE(SamePage(u"Glossary", u"glossary"));
   EXPECT_FALSE(SamePage(u"glossary", u"glossar"));
 }
 
 TEST_F(PanelPages, AnotherPageIsGoneToAndDropsThePendingMode) {
-  h_.pane->pendingMode = u"slide";
-  h_.pane->SetPanelPage(u"glossary");
+  h_.pane->browser().SetPendingMode(u"slide");
+  h_.pane->browser().SetPanelPage(u"glossary");
   ASSERT_THAT(h_.page->addresses, SizeIs(1));
-  EXPECT_EQ(h_.pane->currentPage, u"glossary");
-  EXPECT_EQ(h_.pane->pendingMode, u"");
-  EXPECT_EQ(h_.pane->pendingPage, u"");
+  EXPECT_EQ(h_.pane->browser().currentPage(), u"glossary");
+  EXPECT_EQ(h_.pane->browser().pendingMode(), u"");
+  EXPECT_EQ(h_.pane->browser().pendingPage(), u"");
 }
 
 TEST_F(PanelPages, AnotherPageThatIsShownAlreadyIsLoadedAnew) {
-  h_.pane->SetPanelPage(u"glossary");
-  h_.pane->SetPanelPage(u"glossary");
+  h_.pane->browser().SetPanelPage(u"glossary");
+  h_.pane->browser().SetPanelPage(u"glossary");
   EXPECT_THAT(h_.page->addresses, SizeIs(2));
 }
 
 TEST_F(PanelPages, FromAnotherPageTheTranslatePageIsGoneToAndKeepsThePendingMode) {
-  h_.pane->currentPage = u"account";
-  h_.pane->pendingMode = u"slide";
-  h_.pane->SetPanelPage(u"translate");
+  ShowPage(u"account");
+  h_.pane->browser().SetPendingMode(u"slide");
+  h_.pane->browser().SetPanelPage(u"translate");
   ASSERT_THAT(h_.page->addresses, SizeIs(1));
   EXPECT_THAT(h_.page->Messages(), IsEmpty());
-  EXPECT_EQ(h_.pane->pendingMode, u"slide");
+  EXPECT_EQ(h_.pane->browser().pendingMode(), u"slide");
 }
 
 TEST_F(PanelPages, AnUnknownCurrentPageIsNoReasonToStay) {
-  h_.pane->currentPage.clear();
-  h_.pane->SetPanelPage(u"translate");
+  ShowPage(Wide());
+  h_.pane->browser().SetPanelPage(u"translate");
   EXPECT_THAT(h_.page->addresses, SizeIs(1));
 }
 
 TEST_F(PanelPages, AModeIsKeptAlsoWhenThereIsNoPageToTell) {
-  h_.pane->CloseWebView();
-  h_.pane->SetMode(u"slide");
-  EXPECT_EQ(h_.pane->mode, u"slide");
+  h_.pane->browser().CloseWebView();
+  h_.pane->browser().SetMode(u"slide");
+  EXPECT_EQ(h_.pane->browser().mode(), u"slide");
   EXPECT_THAT(h_.page->Messages(), IsEmpty());
 }
 

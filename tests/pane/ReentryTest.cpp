@@ -29,8 +29,8 @@ Outcome RunWith(PaneHarness& h, std::size_t at, Inside inside) {
   h.LetIn(at, count, inside);
   h.Say(R"({"action":"start"})");
   h.WaitForWorker();
-  for (int i = 0; i < 12 && h.pane != nullptr && h.pane->runActive != 0; ++i) h.Tick();
-  if (h.pane != nullptr && h.pane->runActive != 0) h.Finish();
+  for (int i = 0; i < 12 && h.pane != nullptr && h.pane->run().runActive(); ++i) h.Tick();
+  if (h.pane != nullptr && h.pane->run().runActive()) h.Finish();
   h.host.onCall = {};
   h.RunPosts();
   return {h.MainEvents(), {one->Text(), two->Text()}, count};
@@ -90,7 +90,7 @@ TEST(Reentry, TheWindowsEndAtEveryHostCallLeavesNothingBehind) {
     bool workerHadEnded = false;
     const std::weak_ptr<CPptPane> weak = h.pane;
     RunWith(h, at, [&] {
-      workerHadEnded = h.pane->runControl != nullptr && h.thread.outsideWork() == 0;
+      workerHadEnded = h.pane->run().runControl() != nullptr && h.thread.outsideWork() == 0;
       h.pane->OnDestroy();
       h.pane.reset();
     });
@@ -156,7 +156,7 @@ TickedOutcome TickedRunWith(PaneHarness& h, std::size_t at, Inside inside) {
   };
   h.pageAnswers = false;
   h.Say(R"({"action":"start"})");
-  const auto over = [&h] { return h.pane == nullptr || h.pane->runActive == 0; };
+  const auto over = [&h] { return h.pane == nullptr || !h.pane->run().runActive(); };
   const auto answer = [&](std::size_t request) {
     h.RunUntil([&] { return over() || h.Requests().size() > request; });
     return !over() && h.Requests().size() > request;
@@ -229,7 +229,7 @@ TEST(ReentryWhileTheWorkerRuns,
     PaneHarness h;
     bool slotWasEmpty = false;
     const TickedOutcome outcome = TickedRunWith(h, at, [&] {
-      slotWasEmpty = h.pane->runControl == nullptr;
+      slotWasEmpty = h.pane->run().runControl() == nullptr;
       h.Say(R"({"action":"cancel"})");
     });
     const bool inTicks = at > whole.ticksBegan && at <= whole.ticksEnded;
@@ -277,7 +277,7 @@ TEST(Reentry, ARunIsTickedWhileTheGateIsHeldByItself) {
     if (!StaGateHasOwner() || sawGate) return;
     sawGate = true;
     h.pane->OnTimer(CPptPane::kRunTickTimer);
-    EXPECT_EQ(h.pane->runActive, 1);
+    EXPECT_TRUE(h.pane->run().runActive());
   };
   h.Start();
   h.Finish();

@@ -6,7 +6,7 @@
 
 #include "foundation/identity/Analytics.h"
 #include "pane/PaneHarness.h"
-#include "pane/WebViewHost.h"
+#include "pane/WebViewFailure.h"
 #include "support/LogCapture.h"
 #include "support/ScriptedBrowser.h"
 #include "support/ScriptedDesktop.h"

@@ -116,9 +116,9 @@ TEST_F(ObjectServerTest, TheServerHoldsWhatTheOtherSideHoldsAndNothingElse) {
 TEST_F(ObjectServerTest, AnInterfaceIsAnsweredToAsTheObjectAnswers) {
   child->Value(u"Name", ppt::shape::kName.id, Variant::Text(u"n"));
   Variant value;
-  EXPECT_EQ(kNoInterface, TypedGet(Child().get(), ppt::shape::kName, value));
+  EXPECT_EQ(kNoInterface, CallMember(Child().get(), ppt::shape::kName, value));
   child->Interface(ppt::kShape);
-  EXPECT_EQ(kOk, TypedGet(Child().get(), ppt::shape::kName, value));
+  EXPECT_EQ(kOk, CallMember(Child().get(), ppt::shape::kName, value));
   EXPECT_EQ(u"n", value.text());
 }
 
@@ -128,11 +128,11 @@ TEST_F(ObjectServerTest, EachRoadCanBeClosedAloneAndTheRootStaysOpen) {
   Variant value;
   server.faults.refuseNames = true;
   EXPECT_EQ(kUnknownName, AutoGet(Child().get(), u"Name", value));
-  EXPECT_EQ(kOk, TypedGet(Child().get(), ppt::shape::kName, value));
+  EXPECT_EQ(kOk, CallMember(Child().get(), ppt::shape::kName, value));
   server.faults = {};
   server.faults.refuseTypes = true;
   EXPECT_EQ(kOk, AutoGet(Child().get(), u"Name", value));
-  EXPECT_EQ(kNoInterface, TypedGet(Child().get(), ppt::shape::kName, value));
+  EXPECT_EQ(kNoInterface, CallMember(Child().get(), ppt::shape::kName, value));
 }
 
 TEST_F(ObjectServerTest, OneCallCanBeMadeToFail) {

@@ -157,8 +157,8 @@ TEST(BeginShutdown, EndsEveryLivePane) {
   LogCapture log;
   EXPECT_EQ(h.connect->OnBeginShutdown(), kOk);
   EXPECT_EQ(log.Count("PptPane BeginShutdownEarly"), 2);
-  EXPECT_EQ(h.made(0).pane->shuttingDown, 1);
-  EXPECT_EQ(h.made(1).pane->shuttingDown, 1);
+  EXPECT_TRUE(h.made(0).pane->shuttingDown());
+  EXPECT_TRUE(h.made(1).pane->shuttingDown());
   EXPECT_EQ(h.made(0).browser->page->closed, 1);
 }
 
@@ -212,7 +212,7 @@ TEST(BeginShutdown, AWorkerThatHangsKeepsItsPaneAndTheBrowserIsClosedAllTheSame)
   h.connect->OnBeginShutdown();
   EXPECT_TRUE(log.Has("PptPane shutdown: run worker busy, object kept alive"));
   EXPECT_EQ(h.made(0).browser->page->closed, 1);
-  EXPECT_EQ(pane.runActive, 1);
+  EXPECT_TRUE(pane.run().runActive());
   pane.OnDestroy();
   EXPECT_EQ(ReleaseEndedPanes(), 1U);
 }

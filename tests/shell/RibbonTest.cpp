@@ -292,8 +292,8 @@ TEST_F(RibbonInvoke, EachButtonOpensItsPageInItsMode) {
     EXPECT_EQ(h.Click(button.id, 0), kOk);
     EXPECT_TRUE(log.Has("PPT Invoke ribbon dispid=" + std::to_string(button.id)));
     ASSERT_EQ(h.madeCount(), 1U) << button.id;
-    EXPECT_EQ(h.made(0).pane->pendingPage, button.page);
-    EXPECT_EQ(h.made(0).pane->pendingMode, *button.mode == 0 ? u"full" : button.mode);
+    EXPECT_EQ(h.made(0).pane->browser().pendingPage(), button.page);
+    EXPECT_EQ(h.made(0).pane->browser().pendingMode(), *button.mode == 0 ? u"full" : button.mode);
   }
 }
 
@@ -314,19 +314,19 @@ TEST_F(RibbonInvoke, TheControlIsTheFirstObjectAmongTheFirstFourArguments) {
                                    Object(h_.ControlIn(0))};
   h_.connect->Invoke(103, fourth, nullptr, code_);
   ASSERT_EQ(h_.madeCount(), 1U);
-  EXPECT_EQ(h_.made(0).pane->windowContext.hwnd, h_.window(1)->hwnd);
+  EXPECT_EQ(h_.made(0).pane->windowContext().hwnd, h_.window(1)->hwnd);
   // The fifth is not looked at: the click counts as one in the active window.
   const RibbonArgument fifth[] = {text, text, text, text, Object(h_.ControlIn(1))};
   h_.connect->Invoke(103, fifth, nullptr, code_);
   ASSERT_EQ(h_.madeCount(), 2U);
-  EXPECT_EQ(h_.made(1).pane->windowContext.hwnd, h_.window(0)->hwnd);
+  EXPECT_EQ(h_.made(1).pane->windowContext().hwnd, h_.window(0)->hwnd);
 }
 
 TEST_F(RibbonInvoke, AnObjectByReferenceIsNoControl) {
   h_.AddWindow();
   const RibbonArgument args[] = {{0x4009, Variant::Object(h_.ControlIn(1))}};
   h_.connect->Invoke(103, args, nullptr, code_);
-  EXPECT_EQ(h_.made(0).pane->windowContext.hwnd, h_.window(0)->hwnd);
+  EXPECT_EQ(h_.made(0).pane->windowContext().hwnd, h_.window(0)->hwnd);
 }
 
 TEST_F(RibbonInvoke, AClickWithoutAnyControlIsOneInTheActiveWindow) {

@@ -3,7 +3,7 @@
 #include "foundation/text/JsonText.h"
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
-#include "pane/WebViewHost.h"
+#include "pane/WebViewFailure.h"
 #include "support/ScriptedObject.h"
 
 namespace quillmarch::addin::test {

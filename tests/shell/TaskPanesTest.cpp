@@ -33,6 +33,7 @@ TEST(PaneMapKey, IsTheHandleElseTheNegatedIdentityElseAllBits) {
   EXPECT_EQ(PaneMapKey({0x10010, 0x77}), 0x10010);
   EXPECT_EQ(PaneMapKey({-2, 0}), 0xFFFFFFFELL);  // zero-extended
   EXPECT_EQ(PaneMapKey({0, 0x77}), -0x77);
+  EXPECT_EQ(PaneMapKey({0, 0x8000000000000000U}), INT64_MIN);  // its own negative
   EXPECT_EQ(PaneMapKey({0, 0}), -1);
 }
 
@@ -126,9 +127,9 @@ TEST(TaskPanes, AClickOpensThePageInANewPaneOfItsWindow) {
   EXPECT_EQ(made.task->window->Identity(), h.host.ContextOf(*h.window(0)).id);
   EXPECT_TRUE(made.task->visible);
   EXPECT_EQ(made.task->dock, 2);
-  EXPECT_EQ(made.pane->pendingPage, u"glossary");
-  EXPECT_EQ(made.pane->windowContext.hwnd, h.window(0)->hwnd);
-  EXPECT_TRUE(made.pane->hostApp);
+  EXPECT_EQ(made.pane->browser().pendingPage(), u"glossary");
+  EXPECT_EQ(made.pane->windowContext().hwnd, h.window(0)->hwnd);
+  EXPECT_TRUE(made.pane->hostApp());
   EXPECT_TRUE(log.Has("PPT ShowPanePage page=glossary via=ribbon_window " + ContextUtf8(h, 0)));
   EXPECT_TRUE(
       log.Has("PPT CreateCTP OK key=" + KeyText(h, 0) + " " + ContextUtf8(h, 0) + " panes=1"));
@@ -156,7 +157,7 @@ TEST(TaskPanes, TwoWindowsOfOnePresentationGetTwoPanes) {
   h.Click(ribbon::kTranslateFullDocClicked, 1);
   ASSERT_EQ(h.madeCount(), 2U);
   EXPECT_THAT(h.connect->panes, SizeIs(2));
-  EXPECT_NE(h.made(0).pane->windowContext.hwnd, h.made(1).pane->windowContext.hwnd);
+  EXPECT_NE(h.made(0).pane->windowContext().hwnd, h.made(1).pane->windowContext().hwnd);
   EXPECT_TRUE(log.Has("PPT EnsureTaskPane no-match panes=1 want " + ContextUtf8(h, 1)));
   EXPECT_TRUE(log.Has("PPT   existing key=" + KeyText(h, 0) + " " + ContextUtf8(h, 0)));
 }
@@ -166,7 +167,7 @@ TEST(TaskPanes, AClickInAnInactiveWindowOpensThePaneThere) {
   h.AddWindow();
   ASSERT_EQ(h.host.activeWindow, h.window(0));
   h.Click(ribbon::kAccountClicked, 1);
-  EXPECT_EQ(h.made(0).pane->windowContext.hwnd, h.window(1)->hwnd);
+  EXPECT_EQ(h.made(0).pane->windowContext().hwnd, h.window(1)->hwnd);
 }
 
 TEST(TaskPanes, AHostWithoutHandlesIsMatchedByIdentity) {
@@ -178,8 +179,8 @@ TEST(TaskPanes, AHostWithoutHandlesIsMatchedByIdentity) {
   h.Click(ribbon::kAccountClicked, 1);
   h.Click(ribbon::kSupportClicked, 1);
   ASSERT_EQ(h.madeCount(), 2U);
-  EXPECT_EQ(h.made(0).pane->pendingPage, u"glossary");
-  EXPECT_EQ(h.made(1).pane->pendingPage, u"support");
+  EXPECT_EQ(h.made(0).pane->browser().pendingPage(), u"glossary");
+  EXPECT_EQ(h.made(1).pane->browser().pendingPage(), u"support");
 }
 
 TEST(TaskPanes, NumbersCountAttemptsSoThatOneMayBeSkipped) {
@@ -190,7 +191,7 @@ TEST(TaskPanes, NumbersCountAttemptsSoThatOneMayBeSkipped) {
   EXPECT_EQ(NextPaneId(), next + 1);
   h.createResult = kOk;
   h.Click(ribbon::kTranslateFullDocClicked, 0);
-  EXPECT_EQ(h.made(0).pane->paneId, next + 1);
+  EXPECT_EQ(h.made(0).pane->paneId(), next + 1);
   EXPECT_EQ(NextPaneId(), next + 2);
 }
 
@@ -252,8 +253,8 @@ TEST(TaskPanes, APaneThatWasDockedElsewhereIsDockedRightAgain) {
 TEST(TaskPanes, AModeGoesToTheLivePane) {
   ShellHarness h;
   h.Click(ribbon::kTranslateSelectionClicked, 0);
-  EXPECT_EQ(h.made(0).pane->pendingMode, u"selection");
-  EXPECT_EQ(h.made(0).pane->mode, u"selection");
+  EXPECT_EQ(h.made(0).pane->browser().pendingMode(), u"selection");
+  EXPECT_EQ(h.made(0).pane->browser().mode(), u"selection");
   h.made(0).browser->Complete();
   ASSERT_THAT(h.made(0).browser->page->addresses, SizeIs(1));
   EXPECT_THAT(ToUtf8(h.made(0).browser->page->addresses[0]), HasSubstr("&mode=selection&"));
@@ -274,24 +275,24 @@ TEST(TaskPanes, AClickWithoutAModeLeavesTheModeThatIsThere) {
   h.Click(ribbon::kTranslateSelectionClicked, 0);
   h.made(0).browser->Complete();
   h.Click(ribbon::kShowPaneClicked, 0);
-  EXPECT_EQ(h.made(0).pane->mode, u"selection");
+  EXPECT_EQ(h.made(0).pane->browser().mode(), u"selection");
   EXPECT_THAT(h.made(0).browser->page->Messages(), IsEmpty());
 }
 
 TEST(TaskPanes, APaneWithoutAWindowKeepsTheModeForLater) {
   ShellHarness h;
   h.Click(ribbon::kTranslateFullDocClicked, 0);
-  h.made(0).pane->window->Destroy();
+  h.made(0).pane->window()->Destroy();
   h.Click(ribbon::kTranslateCurrentSlideClicked, 0);
-  EXPECT_EQ(h.made(0).pane->pendingMode, u"slide");
-  EXPECT_EQ(h.made(0).pane->mode, u"full");
+  EXPECT_EQ(h.made(0).pane->browser().pendingMode(), u"slide");
+  EXPECT_EQ(h.made(0).pane->browser().mode(), u"full");
 }
 
 TEST(TaskPanes, WithoutANameTheTranslatePageIsMeant) {
   ShellHarness h;
   LogCapture log;
   h.connect->ShowPanePage(nullptr, h.ControlIn(0).get(), u"");
-  EXPECT_EQ(h.made(0).pane->pendingPage, u"translate");
+  EXPECT_EQ(h.made(0).pane->browser().pendingPage(), u"translate");
   EXPECT_EQ(log.CountContaining("PPT ShowPanePage page=(null) via="), 1);
   h.connect->ShowPanePage(u"", h.ControlIn(0).get(), u"");
   EXPECT_EQ(log.CountContaining("PPT ShowPanePage page= via="), 1);
@@ -305,7 +306,7 @@ TEST(TaskPanes, APaneThatIsShuttingDownIsNotTheLiveOneOfItsWindow) {
   h.Click(ribbon::kAccountClicked, 0);
   ASSERT_EQ(h.madeCount(), 2U);
   h.Click(ribbon::kSupportClicked, 0);
-  EXPECT_EQ(h.made(1).pane->pendingPage, u"support");
+  EXPECT_EQ(h.made(1).pane->browser().pendingPage(), u"support");
 }
 
 // ---- Pruning -----------------------------------------------------------------------------------

@@ -42,6 +42,7 @@ bool ManualHostThread::PumpUntil(const std::function<bool()>& done, std::uint32_
 
 bool ManualHostThread::Post(Callable call) {
   if (refusesPosts) return false;
+  while (holdsPostsOfWorkers && !OnHostThread()) std::this_thread::yield();
   const std::lock_guard lock(mutex_);
   posts_.emplace_back(++postings_, std::move(call));
   changed_.notify_all();

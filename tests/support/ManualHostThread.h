@@ -56,6 +56,8 @@ class ManualHostThread final : public HostThread {
   bool sleepsAreInstant = false;  // Sleep then never waits for outside work
   bool refusesTimers = false;
   bool refusesPosts = false;
+  // Posts of other threads wait as long as it is set.
+  std::atomic<bool> holdsPostsOfWorkers{false};
   bool toldToEnd = false;  // as by a quit message
   int timersSet() const { return static_cast<int>(timers_.size()); }
 

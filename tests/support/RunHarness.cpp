@@ -63,10 +63,9 @@ void RunHarness::UseScope(Scope scope) {
 bool RunHarness::Start() {
   ObjectRef app = host.Application();
   if (wrapApplication) app = wrapApplication(app);
+  const RunObserver observer = [this](const RunRecord& record) { records.push_back(record); };
   ctrl = std::make_unique<PptCtrl>(std::move(app),
-                                   RunSurroundings{thread, input, [this](const RunRecord& record) {
-                                                     records.push_back(record);
-                                                   }});
+                                   RunSurroundings{thread, input, observer, startThread});
   started = ctrl->Start(params, &sink, outMessage);
   return started;
 }

@@ -74,6 +74,7 @@ class RunHarness {
   // Replaces `translate` when set; runs on the worker (and on the host thread for a repair).
   std::function<TranslateBatchResult(const TranslateBatchRequest&)> onBatch;
   std::function<ObjectRef(const ObjectRef&)> wrapApplication;
+  ThreadStart startThread;
   std::unique_ptr<PptCtrl> ctrl;
 
  private:

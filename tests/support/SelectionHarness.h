@@ -24,17 +24,20 @@ inline FakeShapeRef Numbers(FakeShapeRef table, std::int32_t id) {
 }
 
 struct SelectionHarness {
-  SelectionHarness() {
-    run.windowContext = harness.params.windowContext;
-    run.sink = &harness.sink;
-  }
+  SelectionHarness() { document.windowContext = harness.params.windowContext; }
 
   FakePresentation& deck() { return harness.deck(); }
   FakeSelection& selection() { return *harness.window().selection; }
 
   ResultCode Run() {
-    run.app = harness.host.Application();
-    return CollectSelection(run, message);
+    document.app = harness.host.Application();
+    return Collect();
+  }
+
+  ResultCode Collect() {
+    const Status collected = CollectSelection(document, &harness.sink, run);
+    message = collected.words;
+    return collected.code;
   }
 
   // For a second collection.
@@ -46,7 +49,8 @@ struct SelectionHarness {
 
   RunHarness harness;
   Wide message;
-  RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
+  RunDocument document;
+  RunTexts run;
 };
 
 }  // namespace quillmarch::addin::test

@@ -103,7 +103,8 @@ TEST(TranslateTexts, AFailedPlaceholderCheckIsNeitherRetriedNorSplit) {
   std::vector<Wide> translations;
   Wide message;
   Wide code;
-  EXPECT_FALSE(TranslateTexts(config, {u"plain", kSource}, translations, message, code, nullptr));
+  EXPECT_FALSE(TranslateTexts(config, std::vector<Wide>{u"plain", kSource}, translations, message,
+                              code, nullptr));
   EXPECT_EQ(message, u"Translation altered locked placeholders (cross-ref/formula)");
   // The batch and the one repair.
   EXPECT_EQ(page.Sizes(), (std::vector<std::size_t>{2, 1}));

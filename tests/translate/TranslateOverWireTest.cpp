@@ -162,7 +162,8 @@ TEST_F(TranslateOverWire, APauseOfTwoSecondsHoldsTheNextRequestAndLosesNothing) 
 
 TEST_F(TranslateOverWire, ACancelReachesTheTransportBetweenTwoPiecesOfTheAnswer) {
   server::Next("held " + server::Answer(200, "{\"translations\":[\"uno\"]}"));
-  const TranslateBatchRequest request = BuildBatchRequest(config_, {u"one"}, nullptr);
+  const TranslateBatchRequest request =
+      BuildBatchRequest(config_, std::vector<Wide>{u"one"}, nullptr);
   auto call = std::async(std::launch::async, [&] { return PostTranslate(config_, request); });
   server::WaitForRequests(1);
   config_.cancelled = 1;
@@ -175,7 +176,8 @@ TEST_F(TranslateOverWire, ACancelReachesTheTransportBetweenTwoPiecesOfTheAnswer)
 
 TEST_F(TranslateOverWire, APauseReachesTheTransport) {
   config_.paused = 1;
-  const TranslateBatchRequest request = BuildBatchRequest(config_, {u"one"}, nullptr);
+  const TranslateBatchRequest request =
+      BuildBatchRequest(config_, std::vector<Wide>{u"one"}, nullptr);
   auto call = std::async(std::launch::async, [&] { return PostTranslate(config_, request); });
   EXPECT_EQ(call.wait_for(std::chrono::milliseconds(120)), std::future_status::timeout);
   EXPECT_EQ(server::ConnectionCount(), 0);

@@ -280,7 +280,7 @@ TEST(BuildBatchRequest, CopiesWhatTheRunKnows) {
   config.clientTraceId = u"trace";
   config.runId = 7;
   config.batchSeq = 3;
-  const TranslateBatchRequest request = BuildBatchRequest(config, {u"a"}, nullptr);
+  const TranslateBatchRequest request = BuildBatchRequest(config, std::vector<Wide>{u"a"}, nullptr);
   EXPECT_EQ(request.texts, (std::vector<Wide>{u"a"}));
   EXPECT_TRUE(request.unitIds.empty());
   EXPECT_EQ(request.sourceLang, u"en");
@@ -296,8 +296,8 @@ TEST(BuildBatchRequest, CopiesWhatTheRunKnows) {
 TEST(BuildBatchRequest, TakesUnitIdsOnlyWhenTheyAreAsManyAsTheTexts) {
   const TranslateConfig config;
   const std::vector<Wide> ids = {u"u0", u"u1"};
-  EXPECT_EQ(BuildBatchRequest(config, {u"a", u"b"}, &ids).unitIds, ids);
-  EXPECT_TRUE(BuildBatchRequest(config, {u"a"}, &ids).unitIds.empty());
+  EXPECT_EQ(BuildBatchRequest(config, std::vector<Wide>{u"a", u"b"}, &ids).unitIds, ids);
+  EXPECT_TRUE(BuildBatchRequest(config, std::vector<Wide>{u"a"}, &ids).unitIds.empty());
 }
 
 TEST(BuildBatchRequest, TakesTheTermsThatThisBatchUsesInTheirOrder) {
@@ -308,7 +308,7 @@ TEST(BuildBatchRequest, TakesTheTermsThatThisBatchUsesInTheirOrder) {
                      {u"plan", u"4", u""},
                      {u"cost", u"5", u""}};
   const TranslateBatchRequest request =
-      BuildBatchRequest(config, {u"Plan A", u"net profits"}, nullptr);
+      BuildBatchRequest(config, std::vector<Wide>{u"Plan A", u"net profits"}, nullptr);
   ASSERT_EQ(request.glossary.size(), 2u);
   EXPECT_EQ(request.glossary[0].target, u"1");
   EXPECT_EQ(request.glossary[1].target, u"3");
@@ -318,7 +318,7 @@ TEST(BuildBatchRequest, TakesTheTermsThatThisBatchUsesInTheirOrder) {
 TEST(BuildBatchRequest, ATermAcrossTwoTextsIsInNeither) {
   TranslateConfig config;
   config.glossary = {{u"AB", u"x", u""}};
-  EXPECT_TRUE(BuildBatchRequest(config, {u"A", u"B"}, nullptr).glossary.empty());
+  EXPECT_TRUE(BuildBatchRequest(config, std::vector<Wide>{u"A", u"B"}, nullptr).glossary.empty());
 }
 
 }  // namespace

@@ -131,7 +131,7 @@ TEST(TranslateOnce, WritesOneTraceLineForEachAttempt) {
   std::vector<Wide> translations;
   Wide message;
   Wide code;
-  TranslateTexts(config, {u"計画", u"😀"}, translations, message, code, nullptr);
+  TranslateTexts(config, std::vector<Wide>{u"計画", u"😀"}, translations, message, code, nullptr);
   const std::string start =
       "[0000-00-00T00:00:00.000] cpp.http.translate clientTraceId=" + mark + " runId=9 batchSeq=0 ";
   const std::string end = " httpMs=0 ok=0 code=x\n";
@@ -148,7 +148,7 @@ TEST(TranslateOnce, ACancelledAttemptWritesNoLine) {
   std::vector<Wide> translations;
   Wide message;
   Wide code;
-  TranslateOnce(config, {u"a"}, translations, message, code, nullptr);
+  TranslateOnce(config, std::vector<Wide>{u"a"}, translations, message, code, nullptr);
   EXPECT_EQ(TraceLines(mark), "");
 }
 

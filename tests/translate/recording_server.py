@@ -19,6 +19,7 @@ Actions:
   stubborn HEX                  as echo, but status 500 when the request holds these bytes
   answer STATUS HEX [HEADERS]   one whole answer; HEADERS are further header lines
   chunks STATUS HEX HEX...      a chunked answer; each piece after the first is a held step
+  flood STATUS BYTES            a chunked answer of so many letters
   cut STATUS HEX                announces ten bytes more than it sends, then closes
   close                         closes without an answer
   reset                         resets the connection without an answer
@@ -162,6 +163,9 @@ class Connection(threading.Thread):
         if name == "chunks":
             self.send_chunks(int(words[0]), [unhex(word) for word in words[1:]])
             return True
+        if name == "flood":
+            self.flood(int(words[0]), int(words[1]))
+            return True
         if name == "cut":
             body = unhex(words[1])
             head = head_of(int(words[0]), ["Content-Length: %d" % (len(body) + 10)])
@@ -170,6 +174,15 @@ class Connection(threading.Thread):
             # Lingering for no time makes the system send a reset in place of an orderly end.
             self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         return False
+
+    def flood(self, status, length):
+        piece = b"y" * (1 << 18)
+        self.socket.sendall(head_of(status, ["Transfer-Encoding: chunked"]))
+        while length > 0:
+            part = piece[:length]
+            self.socket.sendall(b"%x\r\n%s\r\n" % (len(part), part))
+            length -= len(part)
+        self.socket.sendall(b"0\r\n\r\n")
 
     def send_chunks(self, status, pieces):
         head = head_of(status, ["Transfer-Encoding: chunked"])

@@ -51,7 +51,7 @@ std::vector<std::shared_ptr<CPptPane>> LivePanes() {
 
 void BroadcastUiLangChanged(const Wide& lang) {
   const Wide json = u"{\"action\":\"uiLangChanged\",\"uiLang\":\"" + lang + u"\"}";
-  for (const std::shared_ptr<CPptPane>& pane : LivePanes()) pane->PostToPage(json);
+  for (const std::shared_ptr<CPptPane>& pane : LivePanes()) pane->browser().PostToPage(json);
 }
 
 }  // namespace quillmarch::addin

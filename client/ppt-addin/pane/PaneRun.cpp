@@ -1,4 +1,5 @@
-// A pane's run from the page's start message to its ending.
+#include "pane/PaneRun.h"
+
 #include <exception>
 #include <utility>
 
@@ -8,6 +9,7 @@
 #include "pane/RunEvents.h"
 #include "pane/RunId.h"
 #include "pane/Terminology.h"
+#include "pane/TransportMessages.h"
 #include "run/document/StaGate.h"
 
 namespace quillmarch::addin {
@@ -16,7 +18,7 @@ namespace {
 
 constexpr char16_t kDefaultTargetFont[] = u"Times New Roman";
 
-// While one lives, a controller's call is on the stack.
+// While one lives, a controller_'s call is on the stack.
 class InController {
  public:
   explicit InController(bool& flag) : flag_(flag) { flag_ = true; }
@@ -42,57 +44,74 @@ void TakeUnlessEmpty(Wide& field, Wide value) {
 
 }  // namespace
 
-void CPptPane::StartRun(const Wide& message) {
-  if (shuttingDown != 0) return;
-  if (runActive != 0) {
+PaneRun::PaneRun(CPptPane& pane)
+    : pane_(pane),
+      transport_({pane.surroundings().thread,
+                  [this] { return !pane_.shuttingDown() && pane_.browser().pageThere(); },
+                  [this](Wide json) {
+                    PostToPane(pane_.window(),
+                               [weak = pane_.weak_from_this(), json = std::move(json)] {
+                                 if (const auto held = weak.lock())
+                                   held->browser().PostToPage(json);
+                               });
+                  },
+                  pane.surroundings().bridgeWaitMs}) {}
+
+void PaneRun::StartRun(const Wide& message) {
+  if (pane_.shuttingDown()) return;
+  if (runActive_ != 0) {
     LogLine(u"PptPane start ignored: run in progress");
     return;
   }
   if (DeferStart(message)) return;
   const Scope scope = ScopeOf(message);
   LogLine(u"PptPane StartRun begin scope=" + Decimal(static_cast<std::int32_t>(scope)));
-  if (runActive.exchange(1) != 0) {
+  if (runActive_.exchange(1) != 0) {
     LogLine(u"PptPane start ignored: run in progress");
     return;
   }
-  const std::shared_ptr<CPptPane> self = shared_from_this();
-  runReference_ = self;
-  if (surroundings_.holdObject) runHoldsObject_ = surroundings_.holdObject(*this);
+  const std::shared_ptr<CPptPane> self = pane_.shared_from_this();
+  references_.pane = self;
+  const PaneSurroundings& surroundings = pane_.surroundings();
+  if (surroundings.holdObject) references_.object = surroundings.holdObject(pane_);
   try {
     BeginRun(message, scope);
   } catch (const std::exception&) {
     // Memory ran out. A worker that runs already is left to the tick, or to the shutdown.
-    if (controller == nullptr || !controller->WorkerRunning()) EndRun();
+    if (controller_ == nullptr || !controller_->WorkerRunning()) EndRun();
   }
 }
 
 // A newer message replaces the one that waits.
-bool CPptPane::DeferStart(const Wide& message) {
+bool PaneRun::DeferStart(const Wide& message) {
   if (!StaGateHasOwner()) return false;
-  deferredStart = message;
-  if (!deferredStartArmed) deferredStartArmed = SetPaneTimer(kDeferredStartTimer, kDeferredStartMs);
+  deferredStart_ = message;
+  if (!deferredStartArmed_) {
+    deferredStartArmed_ =
+        pane_.SetPaneTimer(CPptPane::kDeferredStartTimer, CPptPane::kDeferredStartMs);
+  }
   LogLine(u"PptPane StartRun deferred: sta mutation in flight");
   return true;
 }
 
-void CPptPane::DropDeferredStart() {
-  KillPaneTimer(kDeferredStartTimer);
-  deferredStartArmed = false;
-  deferredStart.clear();
+void PaneRun::DropDeferredStart() {
+  pane_.KillPaneTimer(CPptPane::kDeferredStartTimer);
+  deferredStartArmed_ = false;
+  deferredStart_.clear();
 }
 
-void CPptPane::OnDeferredStart() {
-  const Wide message = std::move(deferredStart);
+void PaneRun::OnDeferredStart() {
+  const Wide message = std::move(deferredStart_);
   DropDeferredStart();
   if (!message.empty()) StartRun(message);
 }
 
-RunParams CPptPane::MakeRunParams(const Wide& message, Scope scope, std::uint64_t runId) {
+RunParams PaneRun::MakeRunParams(const Wide& message, Scope scope, std::uint64_t runId) {
   RunParams params;
   params.runId = runId;
-  params.windowContext = windowContext;
-  params.configSlot = &runControl;
-  params.owner = this;
+  params.windowContext = pane_.windowContext();
+  params.configSlot = &runControl_;
+  params.owner = &pane_;
   params.scope = scope;
   params.full = scope == Scope::kWholeDeck;
   params.usageKind = scope == Scope::kSelection ? u"translate_selection" : u"translate_full";
@@ -101,23 +120,20 @@ RunParams CPptPane::MakeRunParams(const Wide& message, Scope scope, std::uint64_
   TakeUnlessEmpty(params.targetLang, JsonGetString(message, u"targetLang"));
   TakeUnlessEmpty(params.sourceLang, JsonGetString(message, u"sourceLang"));
 
-  Wide token = JsonGetString(message, u"accessToken");
-  if (token.empty()) token = JsonGetString(message, u"token");
-  if (!token.empty()) SetAccessToken(token);
-  params.accessToken = accessToken;
-  glossaryIds = JsonGetStringArray(message, u"glossaryIds");
-  globalInstructionId = JsonGetString(message, u"globalInstructionId");
-  ReadTransport(message);
+  PaneSession& session = pane_.session();
+  session.ReadStart(message);
+  params.accessToken = session.accessToken();
 
+  const TargetStyle& style = session.targetStyle();
   if (JsonHasKey(message, u"targetFont")) {
     params.targetFont = JsonGetString(message, u"targetFont");
   } else {
-    params.targetFont = targetStyle.font.empty() ? Wide(kDefaultTargetFont) : targetStyle.font;
+    params.targetFont = style.font.empty() ? Wide(kDefaultTargetFont) : style.font;
   }
-  params.targetStyle = targetStyle;
-  params.useTargetFontSize = targetStyle.size > 0;
+  params.targetStyle = style;
+  params.useTargetFontSize = style.size > 0;
   params.bilingual = JsonGetBool(message, u"pptBilingualSlides");
-  if (nativeTranslateViaJs) {
+  if (session.nativeTranslateViaJs()) {
     params.translateViaPage = [this](const TranslateBatchRequest& request) {
       return transport_.TranslateViaPage(request);
     };
@@ -126,26 +142,17 @@ RunParams CPptPane::MakeRunParams(const Wide& message, Scope scope, std::uint64_
   return params;
 }
 
-// "transport" comes last and can only switch the page's road off.
-void CPptPane::ReadTransport(const Wide& message) {
-  if (JsonHasKey(message, u"nativeTranslateViaJs")) {
-    nativeTranslateViaJs = JsonGetBool(message, u"nativeTranslateViaJs");
-  }
-  if (JsonHasKey(message, u"transport") && JsonGetString(message, u"transport") == u"native") {
-    nativeTranslateViaJs = false;
-  }
-}
-
 // Called by the worker, so it reads nothing that this thread may change meanwhile.
-ResolveTerminologyHook CPptPane::MakeTerminologyHook() {
-  if (!nativeTranslateViaJs) {
+ResolveTerminologyHook PaneRun::MakeTerminologyHook() {
+  const PaneSession& session = pane_.session();
+  if (!session.nativeTranslateViaJs()) {
     return [](const std::vector<Wide>& texts, Wide& instruction,
               std::vector<GlossaryEntry>& glossary, Wide&, Wide&) {
       ResolveTerminologyNative(texts, instruction, glossary);
       return true;
     };
   }
-  return [this, ids = glossaryIds, instructionId = globalInstructionId](
+  return [this, ids = session.glossaryIds(), instructionId = session.globalInstructionId()](
              const std::vector<Wide>& texts, Wide& instruction,
              std::vector<GlossaryEntry>& glossary, Wide& code, Wide& errorText) {
     return transport_.ResolveTerminologyViaPage(ids, instructionId, texts, instruction, glossary,
@@ -154,63 +161,106 @@ ResolveTerminologyHook CPptPane::MakeTerminologyHook() {
   };
 }
 
-void CPptPane::BeginRun(const Wide& message, Scope scope) {
-  const std::uint64_t runId = NewRunId(surroundings_.thread.TickCount());
+void PaneRun::BeginRun(const Wide& message, Scope scope) {
+  const PaneSurroundings& surroundings = pane_.surroundings();
+  const std::uint64_t runId = NewRunId(surroundings.thread.TickCount());
   const RunParams params = MakeRunParams(message, scope, runId);
-  FillRunSink(*this, runId, runSink);
-  currentRunId = runId;
-  controller.reset();
-  controller = std::make_unique<PptCtrl>(
-      hostApp, RunSurroundings{surroundings_.thread, surroundings_.input, surroundings_.observer});
+  FillRunSink(pane_, runId, runSink_);
+  currentRunId_ = runId;
+  controller_.reset();
+  controller_ = std::make_unique<PptCtrl>(
+      pane_.hostApp(),
+      RunSurroundings{surroundings.thread, surroundings.input, surroundings.observer});
   Wide endText;
   bool started = false;
   {
     const InController call(inController_);
-    started = controller->Start(params, &runSink, endText);
+    started = controller_->Start(params, &runSink_, endText);
   }
   if (!started) {
     LogLine(u"PptPane run end runId=" + DecimalUnsigned(runId) + u": " + endText);
     EndRun();
-  } else if (SetPaneTimer(kRunTickTimer, kRunTickMs)) {
+  } else if (pane_.SetPaneTimer(CPptPane::kRunTickTimer, CPptPane::kRunTickMs)) {
     LogLine(u"PptPane StartRun end (async)");
     return;
   } else {
     LogLine(u"PptPane run tick timer failed; abort run");
     const InController call(inController_);
-    // A worker that stays busy keeps its controller, and nothing ticks it any more.
-    if (controller->Abort()) EndRun();
+    // A worker that stays busy keeps its controller_, and nothing ticks it any more.
+    if (controller_->Abort()) EndRun();
   }
   LogLine(u"PptPane StartRun end");
 }
 
-void CPptPane::OnRunTick() {
-  if (controller == nullptr || inController_) return;
+void PaneRun::OnRunTick() {
+  if (controller_ == nullptr || inController_) return;
   const InController call(inController_);
-  if (!controller->finished() && controller->WorkerRunning()) {
-    if (!controller->abortRequested()) controller->Tick();
+  if (!controller_->finished() && controller_->WorkerRunning()) {
+    if (!controller_->abortRequested()) controller_->Tick();
     // A host call of the tick may have let the window's end in, and then no tick follows.
-    if (HasWindow() || controller->WorkerRunning()) return;
+    if (pane_.HasWindow() || controller_->WorkerRunning()) return;
   }
-  controller->Finish();
+  controller_->Finish();
   EndRun();
 }
 
-void CPptPane::EndRun() {
-  KillPaneTimer(kRunTickTimer);
-  controller.reset();
-  currentRunId = 0;
-  runActive = 0;
+void PaneRun::EndRun() {
+  pane_.KillPaneTimer(CPptPane::kRunTickTimer);
+  controller_.reset();
+  currentRunId_ = 0;
+  runActive_ = 0;
   LogLine(u"PptPane run finished");
-  runReference_.reset();  // the callers hold the pane themselves
-  runHoldsObject_.reset();
+  references_ = {};  // the callers hold the pane themselves
   // Where the window went inside a step of the run, its end handed the run's references on.
-  if (!HasWindow()) ReleaseEndedPanes();
+  if (!pane_.HasWindow()) ReleaseEndedPanes();
 }
 
-void CPptPane::StopFlags() {
-  if (runControl == nullptr) return;
-  runControl->cancelled = 1;
-  runControl->paused = 0;
+void PaneRun::CancelRun() {
+  DropDeferredStart();
+  StopFlags();
+  transport_.FailAllPendingTranslate(u"cancelled");
+  if (currentRunId_ != 0) pane_.browser().PostToPage(AbortForRunMessage(currentRunId_));
+}
+
+void PaneRun::Pause() {
+  // Once the worker has ended a pause would hold this thread, in the repairs of the run's finish,
+  // and only this thread could lift it.
+  const bool finishing = controller_ != nullptr && controller_->finished();
+  if (runControl_ != nullptr && !finishing) runControl_->paused = 1;
+}
+
+void PaneRun::Resume() {
+  if (runControl_ != nullptr) runControl_->paused = 0;
+}
+
+void PaneRun::ShutDown() {
+  DropDeferredStart();
+  StopFlags();
+  FailRequests();
+  if (controller_ == nullptr) return;
+  if (controller_->Abort()) {
+    EndRun();
+  } else {
+    LogLine(u"PptPane shutdown: run worker busy, object kept alive");
+  }
+}
+
+void PaneRun::FailRequests() {
+  transport_.FailAllPendingTranslate(u"addin_shutdown");
+}
+
+void PaneRun::DestroyController() {
+  controller_.reset();
+}
+
+RunReferences PaneRun::TakeReferences() {
+  return std::exchange(references_, {});
+}
+
+void PaneRun::StopFlags() {
+  if (runControl_ == nullptr) return;
+  runControl_->cancelled = 1;
+  runControl_->paused = 0;
 }
 
 }  // namespace quillmarch::addin

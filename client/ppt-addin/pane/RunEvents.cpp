@@ -10,7 +10,7 @@ namespace quillmarch::addin {
 
 namespace {
 
-// Appends the fields behind the run id, each with its comma. A run has an event for every text, so
+// Appends the fields after the run id, each with its comma. A run has an event for every text, so
 // the JSON text grows in one buffer.
 class Fields {
  public:
@@ -54,7 +54,7 @@ struct EventRoad {
       if (const std::shared_ptr<CPptPane> held = to.lock()) {
         Fields fields(id);
         add(fields);
-        held->CallPage(name, std::move(fields).Payload());
+        held->browser().CallPage(name, std::move(fields).Payload());
       }
     });
   }
@@ -65,7 +65,7 @@ void AddNothing(Fields&) {}
 }  // namespace
 
 void FillRunSink(CPptPane& pane, std::uint64_t runId, RunSink& sink) {
-  const EventRoad road{pane.window, pane.weak_from_this(), runId};
+  const EventRoad road{pane.window(), pane.weak_from_this(), runId};
   sink.onRunStarted = [road] { road.Send(u"onRunStarted", AddNothing); };
   sink.onScanProgress = [road](std::int32_t current, std::int32_t total, const Wide& phase) {
     // The phase is one of the run's own fixed words, so it goes in as it stands.

@@ -42,8 +42,8 @@ PptCtrl::PptCtrl(ObjectRef app, RunSurroundings surroundings)
 PptCtrl::~PptCtrl() {
   if (state_->thread.joinable()) {
     // The worker holds pointers into the run, so it is waited for, however long it takes.
-    state_->config.cancelled.store(1, std::memory_order_relaxed);
-    state_->config.paused.store(0, std::memory_order_relaxed);
+    state_->job.config.cancelled.store(1, std::memory_order_relaxed);
+    state_->job.config.paused.store(0, std::memory_order_relaxed);
     state_->thread.join();
     if (state_->params.configSlot != nullptr) *state_->params.configSlot = nullptr;
   }

@@ -2,7 +2,9 @@
 // worker sees strings and flags only.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <thread>
 
 #include "foundation/automation/AutomationObject.h"
 #include "foundation/seams/HostThread.h"
@@ -13,11 +15,15 @@
 
 namespace quillmarch::addin {
 
-// What a run stands in: handed in at construction, outlives the run.
+// Starts the worker's thread; throws what std::thread throws.
+using ThreadStart = std::function<std::thread(std::function<void()>)>;
+
+// What surrounds a run: handed in at construction, outlives it.
 struct RunSurroundings {
   HostThread& thread;
   InputState& input;
-  RunObserver observer;  // may be empty
+  RunObserver observer;          // may be empty
+  ThreadStart startThread = {};  // empty: std::thread
 };
 
 class PptCtrl {

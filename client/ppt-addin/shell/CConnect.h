@@ -71,8 +71,13 @@ class CConnect {
   // Opens a page in the pane of the window that was clicked in; what goes wrong is shown to the
   // user and is success all the same. Null `page` means "translate"; empty `mode` leaves the mode.
   ResultCode ShowPanePage(const char16_t* page, AutomationObject* control, const Wide& mode);
-  ResultCode EnsureTaskPane(const WindowContext& context, const ObjectRef& window,
-                            bool& justCreatedOut);
+  struct EnsuredPane {
+    ResultCode code = kFail;
+    std::shared_ptr<TaskPane> pane;  // null also when the host let it go again at once
+    bool justCreated = false;
+  };
+  // The window's task pane, made when there is none. The user has been told of a failure.
+  EnsuredPane EnsureTaskPane(const WindowContext& context, const ObjectRef& window);
   void PrunePanes();
 
   // ---- Width (ConnectWidth.cpp) ----------------------------------------------------------------
@@ -101,11 +106,13 @@ class CConnect {
 
   void OpenPage(const char16_t* page, AutomationObject* control, const Wide& mode);
   bool IsGoodEntry(std::int64_t key, const WindowContext& context);
+  std::shared_ptr<TaskPane> ReusePane(std::int64_t key, const WindowContext& context);
   void LogNoMatch(std::int64_t key, const WindowContext& context) const;
   ResultCode CreateTaskPane(TaskPaneFactory& factory, const WindowContext& context,
                             const ObjectRef& window, std::shared_ptr<TaskPane>& pane);
-  void KeepPane(std::int64_t key, const WindowContext& context,
-                const std::shared_ptr<TaskPane>& pane, std::int32_t width);
+  // Gives the pane that the map then holds for the key.
+  std::shared_ptr<TaskPane> KeepPane(std::int64_t key, const WindowContext& context,
+                                     const std::shared_ptr<TaskPane>& pane, std::int32_t width);
   void DropPane(std::int64_t key, const PaneMapEntry& entry, const char16_t* reason);
 
   void ServeWidthHook();

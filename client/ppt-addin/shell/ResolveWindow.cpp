@@ -8,28 +8,28 @@ namespace quillmarch::addin {
 namespace {
 
 bool IsActive(AutomationObject* window) {
-  Variant active;
-  return Succeeded(TypedGet(window, ppt::documentWindow::kActive, active)) && VariantToFlag(active);
+  bool active = false;
+  return Get(window, ppt::documentWindow::kActive, active) && active;
 }
 
 bool Shows(AutomationObject* window, AutomationObject* presentation) {
   ObjectRef shown;
-  return TypedGetObject(window, ppt::documentWindow::kPresentation, shown) &&
-         shown->Identity() != 0 && shown->Identity() == presentation->Identity();
+  return Get(window, ppt::documentWindow::kPresentation, shown) && shown->Identity() != 0 &&
+         shown->Identity() == presentation->Identity();
 }
 
 // The active one of the windows that show the presentation, else the first of them.
 ObjectRef WindowOfPresentation(AutomationObject* application, AutomationObject* presentation) {
   ObjectRef windows;
   std::int32_t count = 0;
-  if (!TypedGetObject(application, ppt::application::kWindows, windows) ||
-      !TypedGetWhole(windows.get(), ppt::documentWindows::kCount, count)) {
+  if (!Get(application, ppt::application::kWindows, windows) ||
+      !Get(windows.get(), ppt::documentWindows::kCount, count)) {
     return {};
   }
   ObjectRef first;
   for (std::int32_t i = 1; i <= count; ++i) {
     ObjectRef window;
-    if (!TypedGetObjectAt(windows.get(), ppt::documentWindows::kItem, i, window) ||
+    if (!GetAt(windows.get(), ppt::documentWindows::kItem, i, window) ||
         !Shows(window.get(), presentation)) {
       continue;
     }
@@ -51,7 +51,7 @@ bool Found(ObjectRef window, const char16_t* via, ResolvedWindow& out) {
 
 WindowContext ContextOfWindow(AutomationObject* window) {
   WindowContext context;
-  TypedGetWhole(window, ppt::documentWindow::kHwnd, context.hwnd);
+  Get(window, ppt::documentWindow::kHwnd, context.hwnd);
   context.id = window->Identity();
   return context;
 }
@@ -75,7 +75,7 @@ bool ResolveWindow(AutomationObject* application, AutomationObject* control, Res
     }
   }
   ObjectRef active;
-  return TypedGetObject(application, ppt::application::kActiveWindow, active) &&
+  return Get(application, ppt::application::kActiveWindow, active) &&
          Found(std::move(active), u"active_window", out);
 }
 

@@ -59,7 +59,7 @@ std::shared_ptr<CPptPane> LivePaneOf(const WindowContext& context) {
   const std::vector<std::shared_ptr<CPptPane>> live = LivePanes();
   const auto find = [&](auto matches) -> std::shared_ptr<CPptPane> {
     for (const std::shared_ptr<CPptPane>& pane : live) {
-      if (pane->shuttingDown == 0 && matches(pane->windowContext)) return pane;
+      if (!pane->shuttingDown() && matches(pane->windowContext())) return pane;
     }
     return nullptr;
   };
@@ -108,58 +108,46 @@ void CConnect::OpenPage(const char16_t* page, AutomationObject* control, const W
           clicked.via + u" " + ContextText(clicked.context));
   const Wide asked = page == nullptr || *page == 0 ? kDefaultPage : page;
   HandOverBlock().pendingPage = asked;
-  bool justCreated = false;
-  if (Failed(EnsureTaskPane(clicked.context, clicked.window, justCreated))) return;
-
-  const auto entry = panes.find(PaneMapKey(clicked.context));
-  if (entry == panes.end() || entry->second.pane == nullptr) return;
-  const std::shared_ptr<TaskPane> taskPane = entry->second.pane;
-  DockRight(*taskPane);
+  const EnsuredPane ensured = EnsureTaskPane(clicked.context, clicked.window);
+  if (Failed(ensured.code) || ensured.pane == nullptr) return;
+  DockRight(*ensured.pane);
   const std::shared_ptr<CPptPane> live = LivePaneOf(clicked.context);
   HandOverBlock().pendingMode = mode;
   if (live != nullptr && !mode.empty()) {
-    live->pendingMode = mode;
-    if (live->HasWindow()) live->SetMode(mode);
+    live->browser().SetPendingMode(mode);
+    if (live->HasWindow()) live->browser().SetMode(mode);
   }
-  if (live != nullptr) live->SetPanelPage(asked);
+  if (live != nullptr) live->browser().SetPanelPage(asked);
   // Let go of in one of these calls, the pane has been hidden for good.
   if (!panes.contains(PaneMapKey(clicked.context))) return;
-  taskPane->PutVisible(true);
+  ensured.pane->PutVisible(true);
   LogLine(u"PPT ShowPanePage visible panes=" + DecimalUnsigned(panes.size()) + u" justCreated=" +
-          Decimal(justCreated ? 1 : 0));
+          Decimal(ensured.justCreated ? 1 : 0));
 }
 
-ResultCode CConnect::EnsureTaskPane(const WindowContext& context, const ObjectRef& window,
-                                    bool& justCreatedOut) {
-  justCreatedOut = false;
+CConnect::EnsuredPane CConnect::EnsureTaskPane(const WindowContext& context,
+                                               const ObjectRef& window) {
   // Held, as the host may take the factory back inside its own call.
   const std::shared_ptr<TaskPaneFactory> factory = ctpFactory;
   if (factory == nullptr) {
     LogLine(u"PPT EnsureTaskPane: CTP factory null");
     ShowBox(Text(u"msg.paneFactory.ppt"), Desktop::kIconError);
-    return kFail;
+    return {};
   }
   PrunePanes();
   const std::int64_t key = PaneMapKey(context);
-  if (IsGoodEntry(key, context)) {
-    LogLine(u"PPT EnsureTaskPane reuse panes=" + DecimalUnsigned(panes.size()) + u" " +
-            Decimal(key));
-    // As behind a creation, save that the width stays what the user made of it.
-    if (const auto entry = panes.find(key); entry != panes.end()) entry->second.context = context;
-    ServeWidthHook();
-    return kOk;
-  }
+  if (IsGoodEntry(key, context)) return {kOk, ReusePane(key, context), false};
   LogNoMatch(key, context);
 
   // The host let go of us while panes were hidden.
-  if (!hostApp) return kFail;
+  if (!hostApp) return {};
   std::shared_ptr<TaskPane> pane;
   const ResultCode code = CreateTaskPane(*factory, context, window, pane);
   if (Failed(code) || pane == nullptr) {
     const ResultCode failure = Failed(code) ? code : kFail;
     LogLine(u"PPT CreateCTP failed hr=" + HrText(failure));
     ShowBox(FormatHr(Text(u"msg.createPaneFailed"), failure), Desktop::kIconError);
-    return failure;
+    return {failure, nullptr, false};
   }
   DockRight(*pane);
   if (!StandsIn(*pane, context)) {
@@ -169,12 +157,11 @@ ResultCode CConnect::EnsureTaskPane(const WindowContext& context, const ObjectRe
   }
   const std::int32_t width = LoadInitialWidth();
   // Or in any call since: nobody would release what is kept now.
-  if (!hostApp) return kFail;
-  KeepPane(key, context, pane, width);
+  if (!hostApp) return {};
+  const std::shared_ptr<TaskPane> kept = KeepPane(key, context, pane, width);
   LogLine(u"PPT CreateCTP OK key=" + Decimal(key) + u" " + ContextText(context) + u" panes=" +
           DecimalUnsigned(panes.size()));
-  justCreatedOut = true;
-  return kOk;
+  return {kOk, kept, true};
 }
 
 bool CConnect::IsGoodEntry(std::int64_t key, const WindowContext& context) {
@@ -182,6 +169,16 @@ bool CConnect::IsGoodEntry(std::int64_t key, const WindowContext& context) {
   if (entry == panes.end()) return false;
   const std::shared_ptr<TaskPane> pane = entry->second.pane;
   return pane != nullptr && StandsIn(*pane, context);
+}
+
+// As after creating a pane, except that the user's width is kept.
+std::shared_ptr<TaskPane> CConnect::ReusePane(std::int64_t key, const WindowContext& context) {
+  LogLine(u"PPT EnsureTaskPane reuse panes=" + DecimalUnsigned(panes.size()) + u" " + Decimal(key));
+  ServeWidthHook();
+  const auto entry = panes.find(key);
+  if (entry == panes.end()) return nullptr;
+  entry->second.context = context;
+  return entry->second.pane;
 }
 
 void CConnect::LogNoMatch(std::int64_t key, const WindowContext& context) const {
@@ -205,8 +202,9 @@ ResultCode CConnect::CreateTaskPane(TaskPaneFactory& factory, const WindowContex
   return factory.CreateCTP(kPaneProgId, PaneTitle(), window, pane);
 }
 
-void CConnect::KeepPane(std::int64_t key, const WindowContext& context,
-                        const std::shared_ptr<TaskPane>& pane, std::int32_t width) {
+std::shared_ptr<TaskPane> CConnect::KeepPane(std::int64_t key, const WindowContext& context,
+                                             const std::shared_ptr<TaskPane>& pane,
+                                             std::int32_t width) {
   PaneMapEntry& entry = panes[key];
   entry.pane = pane;
   entry.context = context;
@@ -214,7 +212,9 @@ void CConnect::KeepPane(std::int64_t key, const WindowContext& context,
   PaneWidthState state;
   BeginWidth(state, *pane, width, IsWpsProcess());
   const auto still = panes.find(key);
-  if (still != panes.end()) still->second.width = state;
+  if (still == panes.end()) return nullptr;
+  still->second.width = state;
+  return still->second.pane;
 }
 
 void CConnect::PrunePanes() {

@@ -74,7 +74,7 @@ std::size_t PlaceholderLength(WideView text) {
 bool RepairPlaceholders(TranslateConfig& config, const Wide& source, std::int32_t expected,
                         Wide& translation, Wide& outMessage, Wide& outCode) {
   std::vector<Wide> repaired;
-  if (!TranslateOnce(config, {source}, repaired, outMessage, outCode, nullptr) ||
+  if (!TranslateOnce(config, std::span(&source, 1), repaired, outMessage, outCode, nullptr) ||
       repaired.size() != 1) {
     if (outMessage.empty()) outMessage = u"Placeholder repair failed";
     return false;
@@ -132,7 +132,7 @@ std::int32_t CountPlaceholders(WideView text) {
   return count;
 }
 
-bool CheckPlaceholders(TranslateConfig& config, const std::vector<Wide>& sources,
+bool CheckPlaceholders(TranslateConfig& config, std::span<const Wide> sources,
                        std::vector<Wide>& translations, Wide& outMessage, Wide& outCode) {
   for (std::size_t i = 0; i < sources.size() && i < translations.size(); ++i) {
     if (!HoldWhilePaused(&config.cancelled, &config.paused)) {

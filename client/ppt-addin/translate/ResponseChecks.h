@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "foundation/text/Wide.h"
@@ -15,7 +16,7 @@ TranslateBatchResult ReadTranslateResponse(std::uint32_t status, WideView body,
 Wide ReadErrorMessage(WideView body);
 std::int32_t CountPlaceholders(WideView text);
 // May replace entries of `translations`, by one further attempt each.
-bool CheckPlaceholders(TranslateConfig& config, const std::vector<Wide>& sources,
+bool CheckPlaceholders(TranslateConfig& config, std::span<const Wide> sources,
                        std::vector<Wide>& translations, Wide& outMessage, Wide& outCode);
 
 }  // namespace quillmarch::addin

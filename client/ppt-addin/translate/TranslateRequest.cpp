@@ -24,7 +24,7 @@ bool EndsTheRun(const Wide& code) {
   return code == u"insufficient_credits" || code == u"unauthorized" || code == u"cancelled";
 }
 
-bool OccursInAny(const std::vector<Wide>& texts, const Wide& term) {
+bool OccursInAny(std::span<const Wide> texts, const Wide& term) {
   return std::any_of(texts.begin(), texts.end(),
                      [&term](const Wide& text) { return text.find(term) != Wide::npos; });
 }
@@ -34,14 +34,14 @@ std::vector<Wide> Slice(const std::vector<Wide>& list, std::size_t from, std::si
           list.begin() + static_cast<std::ptrdiff_t>(to)};
 }
 
-bool TranslateSlice(TranslateConfig& config, const std::vector<Wide>& texts, std::size_t from,
+bool TranslateSlice(TranslateConfig& config, std::span<const Wide> texts, std::size_t from,
                     std::size_t to, std::vector<Wide>& joined, Wide& outMessage, Wide& outCode,
                     const std::vector<Wide>* unitIds) {
   std::vector<Wide> ids;
   const bool withIds = unitIds != nullptr && unitIds->size() == texts.size();
   if (withIds) ids = Slice(*unitIds, from, to);
   std::vector<Wide> part;
-  if (!TranslateTexts(config, Slice(texts, from, to), part, outMessage, outCode,
+  if (!TranslateTexts(config, texts.subspan(from, to - from), part, outMessage, outCode,
                       withIds ? &ids : nullptr)) {
     return false;
   }
@@ -49,7 +49,7 @@ bool TranslateSlice(TranslateConfig& config, const std::vector<Wide>& texts, std
   return true;
 }
 
-bool TranslateInHalves(TranslateConfig& config, const std::vector<Wide>& texts,
+bool TranslateInHalves(TranslateConfig& config, std::span<const Wide> texts,
                        std::vector<Wide>& outTranslations, Wide& outMessage, Wide& outCode,
                        const std::vector<Wide>* unitIds) {
   const std::size_t middle = texts.size() / 2;
@@ -69,7 +69,7 @@ bool TranslateInHalves(TranslateConfig& config, const std::vector<Wide>& texts,
 
 }  // namespace
 
-bool TranslateTexts(TranslateConfig& config, const std::vector<Wide>& texts,
+bool TranslateTexts(TranslateConfig& config, std::span<const Wide> texts,
                     std::vector<Wide>& outTranslations, Wide& outMessage, Wide& outCode,
                     const std::vector<Wide>* unitIds) {
   outTranslations.clear();
@@ -104,7 +104,7 @@ bool TranslateTexts(TranslateConfig& config, const std::vector<Wide>& texts,
   return false;
 }
 
-bool TranslateOnce(TranslateConfig& config, const std::vector<Wide>& texts,
+bool TranslateOnce(TranslateConfig& config, std::span<const Wide> texts,
                    std::vector<Wide>& outTranslations, Wide& outMessage, Wide& outCode,
                    const std::vector<Wide>* unitIds) {
   outTranslations.clear();
@@ -151,7 +151,8 @@ bool TranslateSingle(TranslateConfig& config, const Wide& text, Wide& outTransla
                      Wide& outMessage, Wide& outCode) {
   outTranslation.clear();
   std::vector<Wide> translations;
-  if (!TranslateTexts(config, {text}, translations, outMessage, outCode, nullptr)) return false;
+  if (!TranslateTexts(config, std::span(&text, 1), translations, outMessage, outCode, nullptr))
+    return false;
   if (translations.size() != 1) {
     outMessage = u"Internal translation error";
     outCode.clear();
@@ -161,11 +162,10 @@ bool TranslateSingle(TranslateConfig& config, const Wide& text, Wide& outTransla
   return true;
 }
 
-TranslateBatchRequest BuildBatchRequest(const TranslateConfig& config,
-                                        const std::vector<Wide>& texts,
+TranslateBatchRequest BuildBatchRequest(const TranslateConfig& config, std::span<const Wide> texts,
                                         const std::vector<Wide>* unitIds) {
   TranslateBatchRequest request;
-  request.texts = texts;
+  request.texts.assign(texts.begin(), texts.end());
   if (unitIds != nullptr && unitIds->size() == texts.size()) request.unitIds = *unitIds;
   request.sourceLang = config.sourceLang;
   request.targetLang = config.targetLang;

@@ -2,6 +2,7 @@
 // ladder of retry and split, and one trace line for each attempt.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,18 +12,17 @@
 namespace quillmarch::addin {
 
 // True and as many translations as texts, or false with message and code. `unitIds` may be null.
-bool TranslateTexts(TranslateConfig& config, const std::vector<Wide>& texts,
+bool TranslateTexts(TranslateConfig& config, std::span<const Wide> texts,
                     std::vector<Wide>& outTranslations, Wide& outMessage, Wide& outCode,
                     const std::vector<Wide>* unitIds);
 // One attempt.
-bool TranslateOnce(TranslateConfig& config, const std::vector<Wide>& texts,
+bool TranslateOnce(TranslateConfig& config, std::span<const Wide> texts,
                    std::vector<Wide>& outTranslations, Wide& outMessage, Wide& outCode,
                    const std::vector<Wide>* unitIds);
 bool TranslateSingle(TranslateConfig& config, const Wide& text, Wide& outTranslation,
                      Wide& outMessage, Wide& outCode);
 
-TranslateBatchRequest BuildBatchRequest(const TranslateConfig& config,
-                                        const std::vector<Wide>& texts,
+TranslateBatchRequest BuildBatchRequest(const TranslateConfig& config, std::span<const Wide> texts,
                                         const std::vector<Wide>* unitIds);
 // The request body as JSON text, no blanks, keys in their fixed order.
 Wide BuildRequestBody(const TranslateBatchRequest& request);

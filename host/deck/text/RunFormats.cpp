@@ -20,7 +20,7 @@ RunFormatRef RunFormats::Read(std::string raw, pugi::xml_node element) const {
 
 RunFormatRef RunFormats::OfElement(pugi::xml_node element) {
   if (!element) return none_;
-  const ElementSpan span = FindElement(bytes_, static_cast<std::size_t>(element.offset_debug()));
+  const ElementSpan span = FindElement(bytes_, element);
   const std::string_view raw =
       span.found ? bytes_.substr(span.begin, span.end - span.begin) : std::string_view();
   // The same words may mean something else in another place.

@@ -14,13 +14,35 @@ constexpr char16_t kLineBreak = u'\v';
 // A line end inside a run's text is white space to the file format; as CR it would be taken for a
 // paragraph's mark.
 Wide RunText(const XmlNames& names, pugi::xml_node run) {
-  const pugi::xml_node node = names.Child(run, kA, "t");
-  const pugi::xml_node only = node.first_child();
-  Wide text = only && !only.next_sibling() ? ToWide(only.value()) : ToWide(ElementText(node));
+  Wide text;
+  // A run has one a:t. Some writers give it several, which read as one text.
+  for (pugi::xml_node node = names.Child(run, kA, "t"); node; node = node.next_sibling()) {
+    if (!names.Is(node, kA, "t")) continue;
+    const pugi::xml_node only = node.first_child();
+    text += only && !only.next_sibling() ? ToWide(only.value()) : ToWide(ElementText(node));
+  }
   for (char16_t& unit : text) {
     if (unit == u'\r' || unit == u'\n' || unit == u'\v') unit = u' ';
   }
   return text;
+}
+
+// Whether the run or field holds nothing but its properties and its text, so that writing both anew
+// loses nothing.
+bool HoldsOnlyText(const XmlNames& names, pugi::xml_node run) {
+  for (const pugi::xml_node child : run.children()) {
+    if (child.type() != pugi::node_element) continue;
+    if (names.SpaceOf(child) != kA) return false;
+    const std::string_view local = LocalName(child.name());
+    if (local == "t") {
+      for (const pugi::xml_node inner : child.children()) {
+        if (inner.type() == pugi::node_element) return false;
+      }
+    } else if (local != "rPr" && local != "pPr") {
+      return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace
@@ -38,7 +60,7 @@ TextBody::TextBody(const XmlNames& names, std::string_view bytes, RunFormats& fo
     length_ += para.length + (paragraphs_.size() > 1 ? 1 : 0);
   }
   sourceCount_ = paragraphs_.size();
-  starts_.resize(paragraphs_.size());
+  MeasureParagraphs();
 }
 
 void TextBody::ReadParagraph(pugi::xml_node node, Para& para) const {
@@ -58,15 +80,14 @@ void TextBody::ReadParagraph(pugi::xml_node node, Para& para) const {
         para.level = known ? static_cast<std::size_t>(level) : 0;
         continue;
       }
-      if (local == "r") {
-        piece.kind = TextPiece::Kind::kRun;
+      if (local == "r" || local == "fld") {
+        if (HoldsOnlyText(names_, child)) {
+          piece.kind = local == "r" ? TextPiece::Kind::kRun : TextPiece::Kind::kField;
+        }
         piece.text = RunText(names_, child);
       } else if (local == "br") {
         piece.kind = TextPiece::Kind::kBreak;
         piece.text = kLineBreak;
-      } else if (local == "fld") {
-        piece.kind = TextPiece::Kind::kField;
-        piece.text = RunText(names_, child);
       }
     } else if (names_.Is(child, XmlNamespace::kMarkupCompatibility, "AlternateContent")) {
       for (const pugi::xml_node inner : ChosenBranch(names_, child).children()) {
@@ -84,32 +105,20 @@ void TextBody::ReadParagraph(pugi::xml_node node, Para& para) const {
   }
 }
 
-void TextBody::EnsureStarts(std::size_t index) {
-  if (startsValid_ == 0 && !starts_.empty()) {
-    starts_[0] = 0;
-    startsValid_ = 1;
-  }
-  for (; startsValid_ <= index && startsValid_ < starts_.size(); ++startsValid_) {
-    starts_[startsValid_] = starts_[startsValid_ - 1] + paragraphs_[startsValid_ - 1].length + 1;
-  }
+void TextBody::MeasureParagraphs() {
+  std::vector<std::size_t> lengths;
+  lengths.reserve(paragraphs_.size());
+  for (const Para& para : paragraphs_) lengths.push_back(para.length + 1);
+  starts_.Assign(lengths);
 }
 
-TextSpan TextBody::Paragraph(std::size_t index) {
-  EnsureStarts(index);
+TextSpan TextBody::Paragraph(std::size_t index) const {
   const bool marked = index + 1 < paragraphs_.size();
-  return {starts_[index], paragraphs_[index].length + (marked ? 1 : 0)};
+  return {starts_.Before(index), paragraphs_[index].length + (marked ? 1 : 0)};
 }
 
-std::size_t TextBody::ParagraphAt(std::size_t position) {
-  if (paragraphs_.empty()) return 0;
-  EnsureStarts(0);
-  while (startsValid_ < starts_.size() &&
-         starts_[startsValid_ - 1] + paragraphs_[startsValid_ - 1].length < position) {
-    EnsureStarts(startsValid_);
-  }
-  const auto begin = starts_.begin();
-  const auto end = begin + static_cast<std::ptrdiff_t>(startsValid_);
-  return static_cast<std::size_t>(std::upper_bound(begin, end, position) - begin) - 1;
+std::size_t TextBody::ParagraphAt(std::size_t position) const {
+  return paragraphs_.empty() ? 0 : starts_.At(position);
 }
 
 Wide TextBody::Text(TextSpan span) {

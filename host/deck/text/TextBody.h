@@ -20,6 +20,7 @@
 #include "host/deck/XmlNames.h"
 #include "host/deck/text/CharProps.h"
 #include "host/deck/text/ParagraphProps.h"
+#include "host/deck/text/PrefixSums.h"
 #include "host/deck/text/RunFormats.h"
 #include "host/package/xml/Splice.h"
 
@@ -63,7 +64,7 @@ struct TextPiece {
     kRun,
     kBreak,
     kField,
-    kOpaque  // an equation or something else that is never rewritten
+    kOpaque  // an equation, a run with unknown content: what is never rewritten
   };
   Kind kind = Kind::kRun;
   bool textChanged = false;
@@ -89,15 +90,15 @@ class TextBody {
   // Paragraphs as they are now, 0-based. The span holds the mark behind every paragraph but the
   // last.
   std::size_t ParagraphCount() const { return paragraphs_.size(); }
-  TextSpan Paragraph(std::size_t index);
-  std::size_t ParagraphAt(std::size_t position);
+  TextSpan Paragraph(std::size_t index) const;
+  std::size_t ParagraphAt(std::size_t position) const;
   // Stretches of equal character properties in the range; none reaches over a paragraph's end.
   std::vector<TextSpan> Runs(TextSpan span);
 
   // Replaces the range, which becomes the new text's. CR, LF and CR LF split paragraphs, VT breaks
   // lines. All of it bears the properties of the first run of the range. False, and nothing is
-  // changed, when the range holds an equation. The same text again is no edit. A range that begins
-  // or ends inside a surrogate pair takes the whole pair, here and in EditProps.
+  // changed, when the range holds an opaque piece. The same text again is no edit. A range that
+  // begins or ends inside a surrogate pair takes the whole pair, here and in EditProps.
   bool PutText(TextSpan& span, WideView text);
 
   // Calls `visit` for the properties, inheritance included, of each stretch of text in the range;
@@ -141,7 +142,7 @@ class TextBody {
 
   void ReadParagraph(pugi::xml_node node, Para& para) const;
   bool ReadOpaque(pugi::xml_node node, TextPiece& piece) const;
-  void EnsureStarts(std::size_t index);
+  void MeasureParagraphs();
   TextSpan WholePairs(TextSpan span);
   void Touch(std::size_t paragraph);
   const RunFormatRef& FormatOf(const TextPiece& piece) const;
@@ -172,8 +173,7 @@ class TextBody {
   pugi::xml_node node_;
   std::string prefix_;  // of the drawing namespace, with its colon
   std::vector<Para> paragraphs_;
-  std::vector<std::size_t> starts_;  // valid for the first `startsValid_` paragraphs
-  std::size_t startsValid_ = 0;
+  PrefixSums starts_;  // of the paragraphs with their marks; the last one's counts too
   std::size_t length_ = 0;
   std::size_t sourceCount_ = 0;
   bool edited_ = false;

@@ -79,7 +79,7 @@ void AppendPieces(WideView text, const RunFormatRef& format, std::vector<TextPie
 
 std::string TextBody::RawElement(pugi::xml_node node) const {
   if (!node) return {};
-  const ElementSpan span = FindElement(bytes_, static_cast<std::size_t>(node.offset_debug()));
+  const ElementSpan span = FindElement(bytes_, node);
   return span.found ? std::string(bytes_.substr(span.begin, span.end - span.begin)) : std::string();
 }
 
@@ -150,7 +150,7 @@ void TextBody::Touch(std::size_t paragraph) {
   para.edited = true;
   para.length = 0;
   for (const TextPiece& piece : para.pieces) para.length += piece.text.size();
-  startsValid_ = std::min(startsValid_, paragraph + 1);
+  starts_.Set(paragraph, para.length + 1);
   edited_ = true;
   ++revision_;
 }
@@ -256,10 +256,9 @@ bool TextBody::PutText(TextSpan& place, WideView text) {
     paragraphs_.insert(paragraphs_.begin() + static_cast<std::ptrdiff_t>(first) + 1,
                        std::make_move_iterator(added.begin()),
                        std::make_move_iterator(added.end()));
-    starts_.resize(paragraphs_.size());
+    MeasureParagraphs();
   }
   for (std::size_t i = first + addedCount + 1; i-- > first;) Touch(i);
-  startsValid_ = std::min(startsValid_, first + 1);
   length_ = newLength;
   place = put;
   return true;

@@ -1,4 +1,6 @@
 // An edited text body as edits on its part's bytes.
+#include <optional>
+
 #include "host/deck/text/RunPropertiesEdit.h"
 #include "host/deck/text/TextBody.h"
 #include "host/package/xml/XmlText.h"
@@ -7,11 +9,6 @@ namespace quillmarch::host::deck {
 namespace {
 
 constexpr XmlNamespace kA = XmlNamespace::kDrawing;
-
-ElementSpan SpanOf(std::string_view bytes, pugi::xml_node node) {
-  const std::ptrdiff_t offset = node.offset_debug();
-  return offset <= 0 ? ElementSpan{} : FindElement(bytes, static_cast<std::size_t>(offset));
-}
 
 }  // namespace
 
@@ -31,8 +28,10 @@ std::string TextBody::PieceXml(const TextPiece& piece) const {
       return raw.substr(0, element.contentBegin) + piece.own->raw +
              raw.substr(element.contentBegin);
     }
-    const auto shift = static_cast<std::size_t>(old.offset_debug() - piece.node.offset_debug());
-    const ElementSpan inner = FindElement(raw, 1 + shift);
+    const std::optional<std::size_t> outerName = OffsetOf(bytes_, piece.node);
+    const std::optional<std::size_t> innerName = OffsetOf(bytes_, old);
+    if (!outerName || !innerName) return raw;
+    const ElementSpan inner = FindElement(raw, 1 + *innerName - *outerName);
     if (!inner.found) return raw;
     return raw.substr(0, inner.begin) + piece.own->raw + raw.substr(inner.end);
   }
@@ -57,7 +56,7 @@ std::string TextBody::ParagraphXml(const Para& para) const {
 }
 
 void TextBody::AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) const {
-  const ElementSpan element = SpanOf(bytes_, para.node);
+  const ElementSpan element = FindElement(bytes_, para.node);
   if (!element.found) return;
   if (element.selfClosed) {
     edits.push_back({element.begin, element.end - element.begin, ParagraphXml(para)});
@@ -68,7 +67,7 @@ void TextBody::AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) 
   for (const pugi::xml_node child : para.node.children()) {
     if (child.type() != pugi::node_element) continue;
     if (names_.Is(child, kA, "endParaRPr")) continue;
-    const ElementSpan span = SpanOf(bytes_, child);
+    const ElementSpan span = FindElement(bytes_, child);
     if (!span.found) return;
     if (names_.Is(child, kA, "pPr"))
       from = span.end;
@@ -103,7 +102,7 @@ void TextBody::AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) 
     edits.push_back({from, to - from, std::move(text)});
   }
   if (para.ownEnd) {
-    const ElementSpan end = SpanOf(bytes_, EndNode(para));
+    const ElementSpan end = FindElement(bytes_, EndNode(para));
     const std::size_t place = end.found ? end.begin : element.contentEnd;
     edits.push_back({place, end.found ? end.end - end.begin : 0,
                      RenamedElement(para.ownEnd->raw, prefix_ + "endParaRPr")});
@@ -123,14 +122,14 @@ void TextBody::AppendEdits(std::vector<Edit>& edits) const {
     if (para.edited) AppendParagraphEdits(para, edits);
     const auto next = static_cast<std::size_t>(&para - paragraphs_.data()) + 1;
     if (next < paragraphs_.size() && paragraphs_[next].source < 0) {
-      behind = SpanOf(bytes_, para.node).end;
+      behind = FindElement(bytes_, para.node).end;
     }
   }
   std::size_t index = 0;
   for (const pugi::xml_node child : node_.children()) {
     if (child.type() != pugi::node_element || !names_.Is(child, kA, "p")) continue;
     if (index < kept.size() && !kept[index]) {
-      const ElementSpan span = SpanOf(bytes_, child);
+      const ElementSpan span = FindElement(bytes_, child);
       if (span.found) edits.push_back({span.begin, span.end - span.begin, {}});
     }
     ++index;

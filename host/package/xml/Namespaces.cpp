@@ -90,6 +90,10 @@ constexpr TypeRow kOfficeTypes[] = {
     {RelationshipKind::kComments, "comments"},
     {RelationshipKind::kCommentAuthors, "commentAuthors"},
     {RelationshipKind::kCustomXml, "customXml"},
+    {RelationshipKind::kWorksheet, "worksheet"},
+    {RelationshipKind::kSharedStrings, "sharedStrings"},
+    {RelationshipKind::kStyles, "styles"},
+    {RelationshipKind::kTable, "table"},
 };
 
 constexpr TypeRow kOtherTypes[] = {

@@ -79,6 +79,10 @@ enum class RelationshipKind {
   kComments,
   kCommentAuthors,
   kCustomXml,
+  kWorksheet,
+  kSharedStrings,
+  kStyles,
+  kTable,
 };
 
 RelationshipKind RelationshipKindOf(std::string_view type);

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "host/package/xml/Utf8.h"
+#include "host/package/xml/XmlChar.h"
 
 namespace quillmarch::host {
 

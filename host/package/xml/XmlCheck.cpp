@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/package/xml/Utf8.h"
+#include "host/package/xml/XmlChar.h"
 #include "host/package/xml/XmlNameChars.h"
 #include "host/package/xml/XmlReference.h"
 #include "host/package/xml/XmlText.h"

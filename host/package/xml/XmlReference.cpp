@@ -1,6 +1,6 @@
 #include "host/package/xml/XmlReference.h"
 
-#include "host/package/xml/Utf8.h"
+#include "host/package/xml/XmlChar.h"
 
 namespace quillmarch::host {
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "host/package/xml/Utf8.h"
+#include "host/package/xml/XmlChar.h"
 #include "host/package/xml/XmlReference.h"
 
 namespace quillmarch::host {
@@ -125,6 +125,26 @@ std::string Unescape(std::string_view raw) {
     result += c;
   }
   return result;
+}
+
+std::optional<std::size_t> OffsetOf(std::string_view bytes, pugi::xml_node element) {
+  if (element.type() != pugi::node_element) return std::nullopt;
+  const std::ptrdiff_t offset = element.offset_debug();
+  const auto at = static_cast<std::size_t>(offset);
+  if (offset <= 0 || at >= bytes.size() || bytes[at - 1] != '<') return std::nullopt;
+  if (!bytes.substr(at).starts_with(element.name())) return std::nullopt;
+  return at;
+}
+
+ElementSpan FindElement(std::string_view bytes, pugi::xml_node element) {
+  const std::optional<std::size_t> offset = OffsetOf(bytes, element);
+  return offset ? FindElement(bytes, *offset) : ElementSpan{};
+}
+
+AttributeSpan FindAttribute(std::string_view bytes, pugi::xml_node element,
+                            std::string_view attribute) {
+  const std::optional<std::size_t> offset = OffsetOf(bytes, element);
+  return offset ? FindAttribute(bytes, *offset, attribute) : AttributeSpan{};
 }
 
 ElementSpan FindStartTag(std::string_view xml, std::size_t nameOffset) {

@@ -3,15 +3,16 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
 
 namespace quillmarch::host {
 
-// How a part is parsed for reading: whitespace-only texts are kept ("<a:t> </a:t>" holds a blank),
-// entities and line ends are resolved as XML says. The tree is never saved, only read; its
-// offset_debug() values are offsets into the bytes that were parsed, a byte order mark included.
+// How a part is parsed for reading: whitespace-only texts are kept ("<a:t> </a:t>" holds a space),
+// entities and line ends are resolved as XML says. The tree is never saved, only read, and OffsetOf
+// tells where its elements lie in the bytes that were parsed, a byte order mark included.
 inline constexpr unsigned kXmlParseOptions = pugi::parse_default | pugi::parse_ws_pcdata;
 
 // Parses bytes that ReadXmlPart gave. False only when memory runs out.
@@ -30,6 +31,11 @@ std::string EscapeAttribute(std::string_view value);
 // Anything else stays as it is.
 std::string Unescape(std::string_view raw);
 
+// Where an element's name begins in `bytes`, from which ParseXml made the element's document and
+// which have not changed since. Nothing for any other node, and nothing when the name does not
+// stand in the bytes there, as after an edit: then no splice may be made from the two.
+std::optional<std::size_t> OffsetOf(std::string_view bytes, pugi::xml_node element);
+
 // Where an element lies in the bytes of its part; half-open ranges.
 struct ElementSpan {
   std::size_t begin = 0;         // its "<"
@@ -40,9 +46,11 @@ struct ElementSpan {
   bool found = false;            // false when no element starts there or it never ends
 };
 
-// The element whose name starts at `nameOffset`, as pugi's offset_debug() of an element says.
-// Quotes, comments, CDATA sections and processing instructions are seen for what they are.
+// The element whose name starts at `nameOffset`. Quotes, comments, CDATA sections and processing
+// instructions are seen for what they are.
 ElementSpan FindElement(std::string_view xml, std::size_t nameOffset);
+// The same for an element that OffsetOf finds; otherwise not found.
+ElementSpan FindElement(std::string_view bytes, pugi::xml_node element);
 
 // As FindElement, the start tag only: begin, contentBegin and selfClosed are set, the others are
 // set for a self-closed element. Cheaper when the content is of no interest.
@@ -60,6 +68,9 @@ struct AttributeSpan {
 // The attribute of that very name (prefix included) in the start tag of the element whose name
 // starts at `nameOffset`.
 AttributeSpan FindAttribute(std::string_view xml, std::size_t nameOffset,
+                            std::string_view attribute);
+// The same for an element that OffsetOf finds; otherwise not found.
+AttributeSpan FindAttribute(std::string_view bytes, pugi::xml_node element,
                             std::string_view attribute);
 
 }  // namespace quillmarch::host

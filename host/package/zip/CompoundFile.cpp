@@ -30,31 +30,41 @@ bool IsStream(const char* entry, std::string_view name) {
 
 }  // namespace
 
-std::string CompoundFileSentence(const InputFile& file) {
+CompoundKind CompoundKindOf(const InputFile& file) {
   char head[8] = {};
-  if (file.ReadAt(0, head, sizeof head) != sizeof head) return {};
-  if (std::string_view(head, sizeof head) != kSignature) return {};
+  if (file.ReadAt(0, head, sizeof head) != sizeof head) return CompoundKind::kNone;
+  if (std::string_view(head, sizeof head) != kSignature) return CompoundKind::kNone;
 
   // Every aligned place is looked at rather than the chain followed: a damaged or truncated file
   // still tells what it was.
-  bool encrypted = false;
-  bool binary = false;
+  CompoundKind kind = CompoundKind::kOther;
   std::vector<char> chunk(kChunkBytes);
   const std::uint64_t end = std::min(file.Size(), kSearchedBytes);
-  for (std::uint64_t at = 0; at < end && !encrypted; at += kChunkBytes) {
+  for (std::uint64_t at = 0; at < end; at += kChunkBytes) {
     const std::size_t got = file.ReadAt(at, chunk.data(), kChunkBytes);
     for (std::size_t i = 0; i + kEntryBytes <= got; i += kEntryBytes) {
-      encrypted = encrypted || IsStream(&chunk[i], "EncryptedPackage");
-      binary = binary || IsStream(&chunk[i], "PowerPoint Document");
+      if (IsStream(&chunk[i], "EncryptedPackage")) return CompoundKind::kEncrypted;
+      if (IsStream(&chunk[i], "PowerPoint Document")) kind = CompoundKind::kPresentation;
+      // "Book" is what Excel 5 and 95 wrote.
+      if (IsStream(&chunk[i], "Workbook") || IsStream(&chunk[i], "Book")) {
+        kind = CompoundKind::kWorkbook;
+      }
     }
   }
-  if (encrypted) {
-    return "The file is password-protected (encrypted); remove its password in PowerPoint first.";
+  return kind;
+}
+
+std::string CompoundFileSentence(const InputFile& file) {
+  switch (CompoundKindOf(file)) {
+    case CompoundKind::kNone:
+      return {};
+    case CompoundKind::kEncrypted:
+      return "The file is password-protected (encrypted); remove its password in PowerPoint first.";
+    case CompoundKind::kPresentation:
+      return "The file is an old .ppt file; save it as .pptx in PowerPoint first.";
+    default:
+      return "The file is an OLE compound file, not a .pptx file.";
   }
-  if (binary) {
-    return "The file is an old .ppt file; save it as .pptx in PowerPoint first.";
-  }
-  return "The file is an OLE compound file, not a .pptx file.";
 }
 
 }  // namespace quillmarch::host

@@ -7,6 +7,16 @@
 
 namespace quillmarch::host {
 
+enum class CompoundKind {
+  kNone,       // no compound file
+  kEncrypted,  // any Office file with a password
+  kPresentation,
+  kWorkbook,
+  kOther,
+};
+
+CompoundKind CompoundKindOf(const InputFile& file);
+
 // One sentence that says which of them the file is; empty when it is no compound file.
 std::string CompoundFileSentence(const InputFile& file);
 

@@ -1,10 +1,10 @@
-// The zip archive under a package, through libzip: its entries, their bytes, and a copy of it with
-// some entries replaced. One thread at a time.
+// The zip archive under a package: its entries, their bytes, and a copy of it with some entries
+// replaced, in which everything else keeps its bytes.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,18 +12,9 @@
 #include "host/package/InputFile.h"
 #include "host/package/OutputFile.h"
 #include "host/package/zip/PartCompressor.h"
+#include "host/package/zip/ZipDirectory.h"
 
 namespace quillmarch::host {
-
-struct ZipEntry {
-  std::string name;
-  std::uint64_t size = 0;    // inflated, as declared
-  std::uint64_t packed = 0;  // in the archive
-  std::uint32_t crc = 0;
-  std::time_t time = 0;
-  std::uint16_t method = 0;
-  bool encrypted = false;
-};
 
 struct ZipReplacement {
   std::size_t entry = 0;
@@ -33,27 +24,31 @@ struct ZipReplacement {
 class ZipArchive {
  public:
   // `file` outlives the archive.
-  explicit ZipArchive(const InputFile& file);
-  ~ZipArchive();
+  explicit ZipArchive(const InputFile& file) : file_(file) {}
 
-  // Reads the directory and compares it with the entries. Empty when all is well, else one
-  // sentence.
+  // Reads and judges the directory. Empty when all is well, else one sentence.
   std::string Open(std::size_t maxEntries);
-  const std::vector<ZipEntry>& Entries() const;
+  const std::vector<ZipEntry>& Entries() const { return directory_.entries; }
 
   // The entry's bytes, checked against its declared size and CRC. Empty when all is well, else why
   // not, as the end of a sentence. Memory: twice the declared size at most. Any thread.
-  std::string Read(std::size_t entry, std::string& bytes);
+  std::string Read(std::size_t entry, std::string& bytes) const;
 
   // Writes the archive with the replaced entries into `output`, not yet committed; everything else
-  // keeps its compressed bytes, order and times. False when it failed: the output's Failure() says
-  // why, or `reason` when it was not the output.
-  bool Write(const std::vector<ZipReplacement>& replacements, OutputFile& output,
-             std::string& reason);
+  // keeps its bytes and order. An entry that is copied and has never been read is checked against
+  // its CRC first. Empty when done, else one sentence.
+  std::string Write(const std::vector<ZipReplacement>& replacements, OutputFile& output) const;
 
  private:
-  struct State;
-  std::unique_ptr<State> state_;
+  std::string ReadUnchecked(const ZipEntry& entry, std::string& bytes) const;
+  std::string CheckCopied(std::size_t entry) const;
+  bool CrcOfStored(const ZipEntry& entry, std::uint32_t& crc) const;
+  bool CrcOfDeflated(const ZipEntry& entry, std::uint32_t& crc) const;
+
+  const InputFile& file_;
+  ZipDirectory directory_;
+  // By entry: its bytes were read and agree with its CRC.
+  std::unique_ptr<std::atomic<bool>[]> sound_;
 };
 
 // Inflates `deflated` to exactly `size` bytes. Empty when all is well, else why not.

@@ -1,110 +1,282 @@
 #include "host/package/zip/ZipDirectory.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <string>
+#include <cstring>
+#include <numeric>
 #include <string_view>
+#include <unordered_set>
+
+#include "host/package/PartName.h"
+#include "host/package/zip/ZipFields.h"
 
 namespace quillmarch::host {
 
+using namespace zip;
+
 namespace {
 
-constexpr std::size_t kEndBytes = 22;
-constexpr std::size_t kCountAt = 10;
-constexpr std::size_t kCommentBytes = 0xFFFF;
-constexpr std::size_t kLocatorBytes = 20;
-constexpr std::size_t kLocatorOffsetAt = 8;
-constexpr std::size_t kEnd64CountAt = 32;
-constexpr std::size_t kLengthAt = 12;  // of the directory, in the end record
-constexpr std::size_t kStartAt = 16;
-constexpr std::uint64_t kElsewhere = 0xFFFFFFFF;  // the 64-bit form has the number
-// Of an entry in the directory, and of the header before its data.
-constexpr std::size_t kEntryBytes = 46;
-constexpr std::size_t kEntryFlagsAt = 8;
-constexpr std::size_t kNameLengthAt = 28;
-constexpr std::size_t kExtraLengthAt = 30;
-constexpr std::size_t kCommentLengthAt = 32;
-constexpr std::size_t kHeaderAt = 42;
-constexpr std::size_t kHeaderFlagsAt = 6;
-constexpr std::uint64_t kNameIsUtf8 = 0x800;
+constexpr std::size_t kMostCommentBytes = 0xFFFF;
+// What is read of a header's name and extra field together with it.
+constexpr std::size_t kHeaderReadBytes = 256;
+constexpr std::uint64_t kNewestVersion = 63;  // 6.3
+constexpr std::uint64_t kVersionMask = 0xFF;  // the rest tells which system it is for
+constexpr char kCutOff[] =
+    "The file is cut off or damaged: the zip directory at its end is missing.";
+constexpr char kDisagree[] =
+    "The zip archive is cut off or damaged: its directory and its end "
+    "record do not agree.";
 
-std::uint64_t Number(const char* at, std::size_t bytes) {
-  std::uint64_t value = 0;
-  for (std::size_t i = bytes; i-- > 0;) value = value << 8 | static_cast<unsigned char>(at[i]);
-  return value;
+std::string EntrySentence(const ZipEntry& entry, std::string_view what) {
+  return "The zip entry \"" + Printable(entry.name) + "\" " + std::string(what) + ".";
 }
 
-// Where the end record begins in the archive's last bytes; npos when there is none.
-std::size_t EndRecord(const std::string& tail) {
-  const std::size_t end = tail.rfind("PK\5\6");
-  return end != std::string::npos && end + kEndBytes > tail.size() ? std::string::npos : end;
+class Reader {
+ public:
+  Reader(const InputFile& file, ZipDirectory& directory) : file_(file), directory_(directory) {}
+
+  std::string Read(std::size_t maxEntries);
+
+ private:
+  std::string FindEnd(std::size_t maxEntries);
+  std::string Find64(std::uint64_t endAt);
+  std::string ReadRecords();
+  std::string ReadRecord(std::size_t& at);
+  std::string Take64(std::string_view extra, std::size_t extraAt, ZipEntry& entry);
+  std::string CheckHeader(ZipEntry& entry) const;
+  std::string CheckPlaces();
+
+  const InputFile& file_;
+  ZipDirectory& directory_;
+  std::uint64_t count_ = 0;
+  std::uint64_t length_ = 0;
+  std::uint64_t afterRecords_ = 0;  // where the directory has to end
+};
+
+std::string Reader::FindEnd(std::size_t maxEntries) {
+  char head[4] = {};
+  if (file_.ReadAt(0, head, sizeof head) != sizeof head ||
+      (std::string_view(head, sizeof head) != kHeaderMark &&
+       std::string_view(head, sizeof head) != kEndMark)) {
+    return "The file is not a zip archive, so it is not a .pptx file.";
+  }
+  const std::uint64_t searched = std::min<std::uint64_t>(
+      file_.Size(), kEndBytes + kMostCommentBytes + kLocatorBytes + kEnd64Bytes);
+  const std::uint64_t from = file_.Size() - searched;
+  std::string bytes(static_cast<std::size_t>(searched), '\0');
+  if (file_.ReadAt(from, bytes.data(), bytes.size()) != bytes.size()) return kCutOff;
+  const std::size_t end = bytes.rfind(kEndMark);
+  if (end == std::string::npos || end + kEndBytes > bytes.size()) return kCutOff;
+  const char* const record = &bytes[end];
+  if (end + kEndBytes + Number(record + kEndCommentAt, 2) > bytes.size()) return kCutOff;
+  if (Number(record + kEndDiskAt, 2) != Number(record + kEndFirstDiskAt, 2)) {
+    return "The zip archive is only one piece of several.";
+  }
+  count_ = Number(record + kEndCountAt, 2);
+  length_ = Number(record + kEndLengthAt, 4);
+  directory_.recordsAt = Number(record + kEndStartAt, 4);
+  afterRecords_ = from + end;
+  if (end >= kLocatorBytes &&
+      std::string_view(bytes).substr(end - kLocatorBytes, 4) == kLocatorMark) {
+    std::string fault = Find64(from + end);
+    if (!fault.empty()) return fault;
+  }
+  // Before room is made for all that are declared.
+  if (count_ > maxEntries) {
+    return "The zip archive has more than " + std::to_string(maxEntries) + " entries.";
+  }
+  if (directory_.recordsAt > afterRecords_ || length_ != afterRecords_ - directory_.recordsAt) {
+    return kDisagree;
+  }
+  directory_.endAt = static_cast<std::size_t>(from + end - afterRecords_);
+  directory_.tail.resize(static_cast<std::size_t>(file_.Size() - afterRecords_));
+  if (file_.ReadAt(afterRecords_, directory_.tail.data(), directory_.tail.size()) !=
+      directory_.tail.size()) {
+    return kCutOff;
+  }
+  return {};
 }
 
-bool IsAscii(std::string_view text) {
-  return std::all_of(text.begin(), text.end(),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+std::string Reader::Find64(std::uint64_t endAt) {
+  char locator[kLocatorBytes] = {};
+  char record[kEnd64Bytes] = {};
+  const std::uint64_t locatorAt = endAt - kLocatorBytes;
+  if (file_.ReadAt(locatorAt, locator, sizeof locator) != sizeof locator) return kCutOff;
+  const std::uint64_t at = Number(locator + kLocatorOffsetAt, 8);
+  if (at >= locatorAt || file_.ReadAt(at, record, sizeof record) != sizeof record ||
+      std::string_view(record, kEnd64Mark.size()) != kEnd64Mark || locatorAt - at != kEnd64Bytes ||
+      Number(record + kEnd64OwnSizeAt, 8) != kEnd64Bytes - 12) {
+    return kDisagree;
+  }
+  // The short record may leave a number to the long one, but not give another.
+  const auto agreed = [](std::uint64_t& number, std::uint64_t elsewhere, std::uint64_t full) {
+    const bool same = number == elsewhere || number == full;
+    number = full;
+    return same;
+  };
+  if (!agreed(count_, kElsewhere16, Number(record + kEnd64CountAt, 8)) ||
+      !agreed(length_, kElsewhere32, Number(record + kEnd64LengthAt, 8)) ||
+      !agreed(directory_.recordsAt, kElsewhere32, Number(record + kEnd64StartAt, 8))) {
+    return kDisagree;
+  }
+  directory_.is64 = true;
+  directory_.locatorAt = static_cast<std::size_t>(locatorAt - at);
+  afterRecords_ = at;
+  return {};
 }
 
-bool Read(const OutputFile& file, std::uint64_t offset, std::size_t length, std::string& bytes) {
-  bytes.resize(length);
-  return file.ReadAt(offset, bytes.data(), length);
+// The numbers that a 64-bit extra field holds, each only where the short field leaves it open.
+std::string Reader::Take64(std::string_view extra, std::size_t extraAt, ZipEntry& entry) {
+  const ExtraPiece piece = FindExtra(extra, kExtra64);
+  std::size_t at = piece.at == std::string_view::npos ? 0 : piece.at + kExtraHeadBytes;
+  const std::size_t end = piece.at == std::string_view::npos ? 0 : at + piece.bytes;
+  const auto take = [&](std::uint64_t& number) {
+    if (number != kElsewhere32) return true;
+    if (at + 8 > end) return false;
+    number = Number(&extra[at], 8);
+    at += 8;
+    return true;
+  };
+  if (!take(entry.size) || !take(entry.packed)) return EntrySentence(entry, "has no size");
+  if (entry.headerAt == kElsewhere32) {
+    entry.offsetFieldAt = extraAt + at;
+    entry.offsetIs64 = true;
+    if (!take(entry.headerAt)) return EntrySentence(entry, "has no place in the archive");
+  }
+  return {};
+}
+
+std::string Reader::ReadRecord(std::size_t& at) {
+  const std::string& records = directory_.records;
+  if (at + kRecordBytes > records.size() || records.compare(at, 4, kRecordMark) != 0) {
+    return kDisagree;
+  }
+  const char* const record = &records[at];
+  const char* const common = record + kRecordCommonAt;
+  const auto nameBytes = static_cast<std::size_t>(Number(record + kRecordNameLengthAt, 2));
+  const auto extraBytes = static_cast<std::size_t>(Number(record + kRecordExtraLengthAt, 2));
+  const std::size_t bytes = kRecordBytes + nameBytes + extraBytes +
+                            static_cast<std::size_t>(Number(record + kRecordCommentLengthAt, 2));
+  if (at + bytes > records.size()) return kDisagree;
+  ZipEntry entry;
+  entry.name.assign(record + kRecordBytes, nameBytes);
+  entry.size = Number(common + kSizeAt, 4);
+  entry.packed = Number(common + kPackedAt, 4);
+  entry.crc = static_cast<std::uint32_t>(Number(common + kCrcAt, 4));
+  entry.method = static_cast<std::uint16_t>(Number(common + kMethodAt, 2));
+  entry.encrypted = (Number(common + kFlagsAt, 2) & kFlagEncrypted) != 0;
+  entry.headerAt = Number(record + kRecordOffsetAt, 4);
+  entry.recordAt = at;
+  entry.recordBytes = bytes;
+  entry.offsetFieldAt = at + kRecordOffsetAt;
+  const std::size_t extraAt = at + kRecordBytes + nameBytes;
+  if ((Number(common + kVersionAt, 2) & kVersionMask) > kNewestVersion) {
+    return EntrySentence(entry, "needs a newer version of the zip format than there is");
+  }
+  std::string fault = Take64(std::string_view(records).substr(extraAt, extraBytes), extraAt, entry);
+  if (!fault.empty()) return fault;
+  at += bytes;
+  directory_.entries.push_back(std::move(entry));
+  return {};
+}
+
+std::string Reader::ReadRecords() {
+  directory_.records.resize(static_cast<std::size_t>(length_));
+  if (file_.ReadAt(directory_.recordsAt, directory_.records.data(), directory_.records.size()) !=
+      directory_.records.size()) {
+    return kCutOff;
+  }
+  for (std::size_t at = 0; at < directory_.records.size();) {
+    if (directory_.entries.size() == count_) return kDisagree;
+    std::string fault = ReadRecord(at);
+    if (!fault.empty()) return fault;
+  }
+  return directory_.entries.size() == count_ ? std::string() : kDisagree;
+}
+
+std::string Reader::CheckHeader(ZipEntry& entry) const {
+  char bytes[kHeaderReadBytes] = {};
+  const std::size_t got = file_.ReadAt(entry.headerAt, bytes, sizeof bytes);
+  if (entry.headerAt >= directory_.recordsAt || got < kHeaderBytes ||
+      std::string_view(bytes, kHeaderMark.size()) != kHeaderMark) {
+    return EntrySentence(entry, "is not where the zip directory says");
+  }
+  const auto nameBytes = static_cast<std::size_t>(Number(bytes + kHeaderNameLengthAt, 2));
+  const auto extraBytes = static_cast<std::size_t>(Number(bytes + kHeaderExtraLengthAt, 2));
+  std::string rest(nameBytes + extraBytes, '\0');
+  const std::size_t held = std::min(got - kHeaderBytes, rest.size());
+  std::memcpy(rest.data(), bytes + kHeaderBytes, held);
+  if (held < rest.size() && file_.ReadAt(entry.headerAt + kHeaderBytes + held, rest.data() + held,
+                                         rest.size() - held) != rest.size() - held) {
+    return EntrySentence(entry, "is cut off");
+  }
+  entry.dataAt = entry.headerAt + kHeaderBytes + rest.size();
+  if (rest.compare(0, nameBytes, entry.name) != 0) {
+    return EntrySentence(entry, "has another name before its data");
+  }
+  const char* const common = bytes + kHeaderCommonAt;
+  const std::uint64_t flags = Number(common + kFlagsAt, 2);
+  if (((flags & kFlagEncrypted) != 0) != entry.encrypted ||
+      Number(common + kMethodAt, 2) != entry.method) {
+    return EntrySentence(entry, "is packed in two different ways, by its header and the directory");
+  }
+  std::uint64_t size = Number(common + kSizeAt, 4);
+  std::uint64_t packed = Number(common + kPackedAt, 4);
+  const ExtraPiece piece = FindExtra(std::string_view(rest).substr(nameBytes), kExtra64);
+  if (piece.at != std::string_view::npos && piece.bytes >= 16) {
+    const char* const long64 = &rest[nameBytes + piece.at + kExtraHeadBytes];
+    if (size == kElsewhere32) size = Number(long64, 8);
+    if (packed == kElsewhere32) packed = Number(long64 + 8, 8);
+  }
+  const bool follow = (flags & kFlagDescriptor) != 0;
+  const auto agrees = [follow](std::uint64_t here, std::uint64_t listed) {
+    return here == listed || (follow && (here == 0 || here == kElsewhere32));
+  };
+  if (!agrees(size, entry.size) || !agrees(packed, entry.packed)) {
+    return EntrySentence(entry, "has two different sizes, in its header and in the directory");
+  }
+  return {};
+}
+
+std::string Reader::CheckPlaces() {
+  std::vector<ZipEntry>& entries = directory_.entries;
+  std::unordered_set<std::string_view> names;
+  for (ZipEntry& entry : entries) {
+    if (!names.insert(entry.name).second) {
+      return "The archive contains the part " + Printable(entry.name) + " twice.";
+    }
+    std::string fault = CheckHeader(entry);
+    if (!fault.empty()) return fault;
+  }
+  std::vector<std::size_t>& order = directory_.physicalOrder;
+  order.resize(entries.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::sort(order.begin(), order.end(), [&entries](std::size_t first, std::size_t second) {
+    return entries[first].headerAt < entries[second].headerAt;
+  });
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const ZipEntry& entry = entries[order[i]];
+    const bool last = i + 1 == order.size();
+    const std::uint64_t bound = last ? directory_.recordsAt : entries[order[i + 1]].headerAt;
+    if (entry.dataAt <= bound && entry.packed <= bound - entry.dataAt) continue;
+    return EntrySentence(entry,
+                         last ? "runs into the zip directory" : "overlaps with the one after it");
+  }
+  return {};
+}
+
+std::string Reader::Read(std::size_t maxEntries) {
+  directory_ = {};
+  std::string fault = FindEnd(maxEntries);
+  if (fault.empty()) fault = ReadRecords();
+  if (fault.empty()) fault = CheckPlaces();
+  return fault;
 }
 
 }  // namespace
 
-std::uint64_t DeclaredEntries(const InputFile& file) {
-  const std::uint64_t tailBytes =
-      std::min<std::uint64_t>(file.Size(), kEndBytes + kCommentBytes + kLocatorBytes);
-  std::string tail(static_cast<std::size_t>(tailBytes), '\0');
-  tail.resize(file.ReadAt(file.Size() - tailBytes, tail.data(), tail.size()));
-  const std::size_t end = EndRecord(tail);
-  if (end == std::string::npos) return 0;
-  std::uint64_t count = Number(&tail[end + kCountAt], 2);
-  if (end >= kLocatorBytes && tail.compare(end - kLocatorBytes, 4, "PK\6\7") == 0) {
-    char record[kEnd64CountAt + 8] = {};
-    const std::uint64_t at = Number(&tail[end - kLocatorBytes + kLocatorOffsetAt], 8);
-    if (at < file.Size() && file.ReadAt(at, record, sizeof record) == sizeof record) {
-      count = std::max(count, Number(record + kEnd64CountAt, 8));
-    }
-  }
-  return count;
-}
-
-bool AgreeEntryFlags(OutputFile& archive) {
-  const std::uint64_t size = archive.Size();
-  std::string tail;
-  const auto tailBytes =
-      static_cast<std::size_t>(std::min<std::uint64_t>(size, kEndBytes + kCommentBytes));
-  if (!Read(archive, size - tailBytes, tailBytes, tail)) return false;
-  const std::size_t end = EndRecord(tail);
-  if (end == std::string::npos) return false;
-  const std::uint64_t length = Number(&tail[end + kLengthAt], 4);
-  const std::uint64_t start = Number(&tail[end + kStartAt], 4);
-  if (length == kElsewhere || start == kElsewhere) return true;
-  if (start + length > size) return false;
-
-  std::string directory;
-  if (!Read(archive, start, static_cast<std::size_t>(length), directory)) return false;
-  bool changed = false;
-  for (std::size_t at = 0; at + kEntryBytes <= directory.size();) {
-    if (directory.compare(at, 4, "PK\1\2") != 0) return false;
-    char* const entry = &directory[at];
-    const std::size_t name = Number(entry + kNameLengthAt, 2);
-    const std::uint64_t header = Number(entry + kHeaderAt, 4);
-    if (at + kEntryBytes + name > directory.size()) return false;
-    if (header != kElsewhere && IsAscii({entry + kEntryBytes, name})) {
-      std::string flags;
-      if (!Read(archive, header + kHeaderFlagsAt, 2, flags)) return false;
-      if (((Number(flags.data(), 2) ^ Number(entry + kEntryFlagsAt, 2)) & kNameIsUtf8) != 0) {
-        char& high = entry[kEntryFlagsAt + 1];
-        high = static_cast<char>(high ^ static_cast<char>(kNameIsUtf8 >> 8));
-        changed = true;
-      }
-    }
-    at += kEntryBytes + name + Number(entry + kExtraLengthAt, 2) +
-          Number(entry + kCommentLengthAt, 2);
-  }
-  return !changed || archive.Write(start, directory.data(), directory.size());
+std::string ReadZipDirectory(const InputFile& file, std::size_t maxEntries,
+                             ZipDirectory& directory) {
+  return Reader(file, directory).Read(maxEntries);
 }
 
 }  // namespace quillmarch::host

@@ -152,8 +152,8 @@ TEST(AddinHost, AnotherModeDuringARunLeavesItsPageAlone) {
   addin.Click(u"btnTranslateCurrentSlide", s.Window(0));
   s.Pass(kPastAPollMs);
   EXPECT_THAT(s.loaded, SizeIs(1));
-  EXPECT_EQ(addin.taskPanes()[0]->pane->runActive, 1);
-  EXPECT_EQ(addin.taskPanes()[0]->pane->mode, u"slide");
+  EXPECT_TRUE(addin.taskPanes()[0]->pane->run().runActive());
+  EXPECT_EQ(addin.taskPanes()[0]->pane->browser().mode(), u"slide");
 }
 
 TEST(AddinHost, AnotherPageDuringARunEndsItsRequestAndTheRunGoesOn) {
@@ -187,7 +187,7 @@ TEST(AddinHost, AWindowThatClosesInMidRunEndsItsRunAndLeavesTheOtherWindowsAlone
   ASSERT_THAT(s.records, SizeIs(1));
   EXPECT_EQ(s.records[0].outcome, RunOutcome::kAborted);
   EXPECT_EQ(second->text->text, u"two");
-  EXPECT_EQ(addin.taskPanes()[0]->pane->runActive, 1);
+  EXPECT_TRUE(addin.taskPanes()[0]->pane->run().runActive());
   // The other run's page answers at last, by loading anew.
   s.panelTranslates = true;
   ASSERT_TRUE(s.OpenPage(addin, u"btnAccount", s.Window(0)));
@@ -327,7 +327,7 @@ TEST(AddinHost, ADisconnectionWithoutABeginShutdownHidesThePanesAndTheRunGoesOn)
 
 std::string Saved(Host& host) {
   const std::string path = testing::TempDir() + "addin-" + std::to_string(getpid()) + ".pptx";
-  EXPECT_TRUE(host.Save(path).ok);
+  EXPECT_TRUE(host.Save(path));
   std::ifstream file(path, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(file), {}};
   file.close();
@@ -338,7 +338,7 @@ std::string Saved(Host& host) {
 std::unique_ptr<Host> OpenSample() {
   auto host = std::make_unique<Host>(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  EXPECT_TRUE(host->Open(QUILLMARCH_SAMPLES "/quarterly-review.pptx", warnings).ok);
+  EXPECT_TRUE(host->Open(QUILLMARCH_SAMPLES "/quarterly-review.pptx", warnings));
   return host;
 }
 

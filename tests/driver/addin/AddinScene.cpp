@@ -4,7 +4,7 @@
 #include "foundation/text/JsonText.h"
 #include "pane/HandOver.h"
 #include "pane/LivePanes.h"
-#include "pane/WebViewHost.h"
+#include "pane/WebViewFailure.h"
 #include "support/PageAnswers.h"
 
 namespace quillmarch::host::test {

@@ -245,13 +245,13 @@ TEST(AutoPut, FailuresAreGivenBack) {
   EXPECT_EQ(kPointer, AutoPut(nullptr, u"Name", Variant::I4(1)));
 }
 
-TEST(TypedGet, TheInterfaceIsAskedForAndTheMemberInvokedByItsFixedId) {
+TEST(CallMember, TheInterfaceIsAskedForAndTheMemberInvokedByItsFixedId) {
   Scripted typed;
   typed->Value(u"Count", ppt::shapes::kCount.id, Variant::I4(4));
   Scripted host;
   host->Interface(ppt::kShapes, typed.ref);
   Variant value;
-  EXPECT_EQ(kOk, TypedGet(host.object, ppt::shapes::kCount, value));
+  EXPECT_EQ(kOk, CallMember(host.object, ppt::shapes::kCount, value));
   EXPECT_EQ(4, value.whole());
   EXPECT_TRUE(host->calls().empty());
   ASSERT_EQ(1u, typed->calls().size());
@@ -259,74 +259,108 @@ TEST(TypedGet, TheInterfaceIsAskedForAndTheMemberInvokedByItsFixedId) {
   EXPECT_TRUE(typed->lookUps().empty());
 }
 
-TEST(TypedGet, ARefusedInterfaceIsTheFailure) {
+TEST(CallMember, ARefusedInterfaceIsTheFailure) {
   Scripted host;
   host->Value(u"Count", ppt::shapes::kCount.id, Variant::I4(4));
   Variant value = Variant::I4(1);
-  EXPECT_EQ(kNoInterface, TypedGet(host.object, ppt::shapes::kCount, value));
+  EXPECT_EQ(kNoInterface, CallMember(host.object, ppt::shapes::kCount, value));
   EXPECT_EQ(VariantType::kEmpty, value.type());
   EXPECT_TRUE(host->calls().empty());
-  EXPECT_EQ(kPointer, TypedGet(nullptr, ppt::shapes::kCount, value));
+  EXPECT_EQ(kPointer, CallMember(nullptr, ppt::shapes::kCount, value));
 }
 
-TEST(TypedGetObject, TheCodeTellsAFailedCallFromOneThatGaveNothing) {
+TEST(GetMember, TheCodeTellsAFailedCallFromOneThatGaveNothing) {
   Scripted host;
   host->Interface(ppt::kShape);
   host->Value(u"TextFrame", ppt::shape::kTextFrame.id, Variant::Object(ObjectRef()));
   host->Fails(u"Table", ppt::shape::kTable.id, kHostException);
   ObjectRef out = host.ref;
   ResultCode code = kFail;
-  EXPECT_FALSE(TypedGetObject(host.object, ppt::shape::kTextFrame, out, &code));
+  EXPECT_FALSE(Get(host.object, ppt::shape::kTextFrame, out, &code));
   EXPECT_EQ(kOk, code);
   EXPECT_EQ(nullptr, out.get());
-  EXPECT_FALSE(TypedGetObject(host.object, ppt::shape::kTable, out, &code));
+  EXPECT_FALSE(Get(host.object, ppt::shape::kTable, out, &code));
   EXPECT_EQ(kHostException, code);
 }
 
-TEST(TypedGetObjectAt, IndexesGoLastFirst) {
+TEST(GetMember, IndexesGoLastFirst) {
   Scripted cell;
   Scripted host;
   host->Interface(ppt::kTextRange);
   host->Value(u"Paragraphs", ppt::textRange::kParagraphs.id, Variant::Object(cell.ref));
   ObjectRef out;
-  EXPECT_TRUE(TypedGetObjectAt(host.object, ppt::textRange::kParagraphs, 3, out));
+  EXPECT_TRUE(GetAt(host.object, ppt::textRange::kParagraphs, 3, out));
   EXPECT_EQ(cell.object, out.get());
-  EXPECT_TRUE(TypedGetObjectAt2(host.object, ppt::textRange::kParagraphs, 3, 1, out));
+  EXPECT_TRUE(GetAt(host.object, ppt::textRange::kParagraphs, 3, 1, out));
   const auto& sent = host->calls().at(1).reversedArgs;
   EXPECT_EQ(1, sent.at(0).whole());
   EXPECT_EQ(3, sent.at(1).whole());
 }
 
-TEST(TypedGetWhole, AValueThatIsNoNumberLeavesTheTarget) {
+TEST(GetMember, AValueThatIsNoNumberLeavesTheTarget) {
   Scripted host;
   host->Interface(ppt::kShape);
   host->Value(u"Id", ppt::shape::kId.id, Variant::Text(u"abc"));
   host->Value(u"Left", ppt::shape::kLeft.id, Variant::R4(1.5F));
   host->Value(u"Name", ppt::shape::kName.id, Variant::I4(3));
   std::int32_t whole = 77;
-  EXPECT_FALSE(TypedGetWhole(host.object, ppt::shape::kId, whole));
+  EXPECT_FALSE(Get(host.object, ppt::shape::kId, whole));
   EXPECT_EQ(77, whole);
   float single = 0;
-  EXPECT_TRUE(TypedGetSingle(host.object, ppt::shape::kLeft, single));
+  EXPECT_TRUE(Get(host.object, ppt::shape::kLeft, single));
   EXPECT_EQ(1.5F, single);
   Wide text = u"kept";
-  EXPECT_FALSE(TypedGetText(host.object, ppt::shape::kName, text));
-  EXPECT_FALSE(TypedGetText(host.object, ppt::shape::kTop, text));
+  EXPECT_FALSE(Get(host.object, ppt::shape::kName, text));
+  const Member<Wide> unknown{{ppt::kShape, 4711}};
+  EXPECT_FALSE(Get(host.object, unknown, text));
   EXPECT_EQ(u"kept", text);
 }
 
-TEST(TypedPut, TheValueIsTheNamedArgument) {
+template <class T, class Value>
+concept Reads = requires(const Member<T>& member, Value& out) {
+  Get(nullptr, member, out);
+};
+template <class T, class Value>
+concept Writes = requires(const Member<T>& member, Value value) {
+  Put(nullptr, member, value);
+};
+
+TEST(GetMember, AValueOfAnotherTypeThanTheMembersDoesNotCompile) {
+  static_assert(Reads<float, float> && !Reads<float, std::int32_t>);
+  static_assert(Reads<std::int32_t, std::int32_t> && !Reads<std::int32_t, float>);
+  static_assert(Reads<Wide, Wide> && !Reads<Wide, ObjectRef>);
+  static_assert(Reads<ObjectRef, ObjectRef> && !Reads<void, ObjectRef>);
+  static_assert(Writes<Wide, WideView> && !Writes<ObjectRef, ObjectRef>);
+}
+
+TEST(GetMember, AFlagIsReadFromEveryTypeThatHostsSendItAs) {
+  Scripted host;
+  host->Interface(ppt::kDocumentWindow);
+  bool active = false;
+  host->Value(u"Active", ppt::documentWindow::kActive.id, Variant::I4(-1));
+  EXPECT_TRUE(Get(host.object, ppt::documentWindow::kActive, active));
+  EXPECT_TRUE(active);
+  host->Value(u"Active", ppt::documentWindow::kActive.id, Variant::Text(u"-1"));
+  EXPECT_TRUE(Get(host.object, ppt::documentWindow::kActive, active));
+  EXPECT_FALSE(active);
+  host->Fails(u"Active", ppt::documentWindow::kActive.id, kHostException);
+  active = true;
+  EXPECT_FALSE(Get(host.object, ppt::documentWindow::kActive, active));
+  EXPECT_TRUE(active);
+}
+
+TEST(PutMember, TheValueIsTheNamedArgument) {
   Scripted host;
   host->Interface(ppt::kFont);
   const auto accept = [](const ScriptedCall&, Variant&) { return kOk; };
   host->Member(u"Size", ppt::font::kSize.id, accept);
   host->Member(u"Bold", ppt::font::kBold.id, accept);
   host->Member(u"Name", ppt::font::kName.id, accept);
-  EXPECT_TRUE(TypedPutSingle(host.object, ppt::font::kSize, 12.5F));
-  EXPECT_TRUE(TypedPutWhole(host.object, ppt::font::kBold, -1));
-  EXPECT_TRUE(TypedPutText(host.object, ppt::font::kName, u"Arial"));
-  EXPECT_FALSE(TypedPutWhole(host.object, ppt::font::kItalic, -1));
-  EXPECT_FALSE(TypedPutWhole(host.object, ppt::shape::kId, 1));
+  EXPECT_TRUE(Put(host.object, ppt::font::kSize, 12.5F));
+  EXPECT_TRUE(Put(host.object, ppt::font::kBold, -1));
+  EXPECT_TRUE(Put(host.object, ppt::font::kName, u"Arial"));
+  EXPECT_FALSE(Put(host.object, ppt::font::kItalic, -1));
+  EXPECT_FALSE(Put(host.object, ppt::shape::kId, 1));
   ASSERT_EQ(4u, host->calls().size());
   EXPECT_EQ(VariantType::kR4, host->calls()[0].reversedArgs.at(0).type());
   EXPECT_EQ(VariantType::kI4, host->calls()[1].reversedArgs.at(0).type());

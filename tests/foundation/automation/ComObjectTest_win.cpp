@@ -173,7 +173,7 @@ TEST(ComObject, TheTypedRoadInvokesWhatTheInterfaceQueryGave) {
   host.Interface(kShapeIid, &typed);
   const ObjectRef object = WrapDispatch(&host);
   Variant value;
-  EXPECT_EQ(kOk, TypedGet(object.get(), ppt::shape::kName, value));
+  EXPECT_EQ(kOk, CallMember(object.get(), ppt::shape::kName, value));
   EXPECT_EQ(2, value.whole());
   EXPECT_TRUE(host.calls().empty());
   EXPECT_EQ(0, typed.lookUps());
@@ -184,7 +184,7 @@ TEST(ComObject, ARefusedInterfaceIsTheTypedRoadsFailureAndLeavesTheOtherRoadOpen
   host.Value(L"Name", ppt::shape::kName.id, Whole(1));
   const ObjectRef object = WrapDispatch(&host);
   Variant value;
-  EXPECT_EQ(kNoInterface, TypedGet(object.get(), ppt::shape::kName, value));
+  EXPECT_EQ(kNoInterface, CallMember(object.get(), ppt::shape::kName, value));
   EXPECT_TRUE(host.calls().empty());
   EXPECT_EQ(kOk, AutoGet(object.get(), u"Name", value));
 }

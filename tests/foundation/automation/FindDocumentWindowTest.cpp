@@ -78,8 +78,8 @@ TEST(FindRunWindow, AWindowThatShowsAnotherPresentationDoesNotCount) {
   ObjectRef second;
   const WindowContext context = w.host.ContextOf(*w.host.windows[1]);
   ObjectRef presentation;
-  ASSERT_TRUE(TypedGetObject(FindDocumentWindow(w.app.get(), context).get(),
-                             ppt::documentWindow::kPresentation, presentation));
+  ASSERT_TRUE(Get(FindDocumentWindow(w.app.get(), context).get(),
+                  ppt::documentWindow::kPresentation, presentation));
   EXPECT_EQ(w.Found(FindRunWindow(w.app.get(), context, presentation.get())), 2);
   EXPECT_FALSE(
       FindRunWindow(w.app.get(), w.host.ContextOf(*w.host.windows[0]), presentation.get()));

@@ -72,6 +72,11 @@ TEST(TagOfLanguageId, TellsTraditionalFromSimplifiedChinese) {
   for (const std::uint32_t id : {2052u, 4100u, 4u}) EXPECT_EQ(TagOfLanguageId(id), u"zh-CN") << id;
 }
 
+TEST(TagOfLanguageId, TheOrderOfSortingInAnIdDoesNotChangeItsScript) {
+  EXPECT_EQ(TagOfLanguageId(0x00030404), u"zh-TW");  // by the phonetic symbols
+  EXPECT_EQ(TagOfLanguageId(0x00020804), u"zh-CN");  // by the strokes
+}
+
 TEST(TagOfLanguageId, GivesEachPrimaryLanguageItsTagAndEnglishToTheRest) {
   EXPECT_EQ(TagOfLanguageId(0x0401), u"ar");
   EXPECT_EQ(TagOfLanguageId(0x0C07), u"de");

@@ -102,7 +102,8 @@ TEST_P(HttpTransport, SendsNoAuthorizationWithoutAToken) {
 }
 
 TEST_P(HttpTransport, SendsALargeBodyWholeAndWithoutWaitingForLeave) {
-  const std::string body(300'000, 'x');
+  // Long enough that a library would ask for leave to send it.
+  const std::string body(3'000'000, 'x');
   server::Next(server::Answer(200, "ok"));
   EXPECT_EQ(Post(Target(), nullptr, nullptr, nullptr, body).text, u"ok");
   const std::string request = server::Request(0);
@@ -119,6 +120,33 @@ TEST_P(HttpTransport, SendsAnEmptyBodyWithItsLength) {
 TEST_P(HttpTransport, ReadsALargeAnswerWhole) {
   server::Next(server::Answer(200, std::string(300'000, 'y')));
   EXPECT_EQ(Post(Target()).text, Wide(300'000, u'y'));
+}
+
+TEST_P(HttpTransport, ReadsTheLongestAnswerThatItTakes) {
+  server::Next("flood 200 " + std::to_string(kMaxAnswerBytes));
+  EXPECT_EQ(Post(Target()).text.size(), kMaxAnswerBytes);
+}
+
+TEST_P(HttpTransport, AnAnswerThatIsOneByteTooLongIsAFailureThatKeepsItsStatus) {
+  server::Next("flood 200 " + std::to_string(kMaxAnswerBytes + 1));
+  ExpectFailed(Post(Target()), 200);
+}
+
+TEST_P(HttpTransport, AnAnswerWithoutEndIsNotReadToItsEnd) {
+  constexpr std::uint64_t kEndless = std::uint64_t{1} << 40;
+  server::Next("flood 200 " + std::to_string(kEndless));
+  ExpectFailed(Post(Target()), 200);
+}
+
+TEST_P(HttpTransport, ATokenWithControlCharactersIsRefusedBeforeItReachesAHeader) {
+  for (const Wide& token : {Wide(u"tok\r\nX-Evil: 1"), Wide(u"tok\n"), Wide(u"t\u0000k", 3),
+                            Wide(u"tok\t"), Wide(u"tok\u007F")}) {
+    const Outcome outcome = Post(Target(), &token);
+    EXPECT_EQ(outcome.text, u"");
+    EXPECT_EQ(outcome.error, u"WinHttpOpenRequest failed");
+    EXPECT_EQ(outcome.status, 0u);
+  }
+  EXPECT_EQ(server::RequestCount(), 0);
 }
 
 TEST_P(HttpTransport, ReadsAnAnswerInChunks) {

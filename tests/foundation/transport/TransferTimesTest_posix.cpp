@@ -48,8 +48,8 @@ TEST(TransferTimes, ARequestWithoutBodyIsSentAtOnce) {
   TransferTimes times(0);
   times.Connected(kStart);
   times.Sent(kStart, 0);
-  EXPECT_FALSE(times.Expired(kStart + kReceiveResponseLimit));
-  EXPECT_TRUE(times.Expired(kStart + kReceiveResponseLimit + kMoment));
+  EXPECT_FALSE(times.Expired(kStart + TransferLimits{}.receiveResponse));
+  EXPECT_TRUE(times.Expired(kStart + TransferLimits{}.receiveResponse + kMoment));
 }
 
 TEST(TransferTimes, EachPieceOfTheAnswerMayTakeThirtySeconds) {

@@ -12,10 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "deck/DeckBuilder.h"
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
 #include "host/model/Host.h"
-#include "model/DeckBuilder.h"
+#include "support/TempFolder.h"
 
 namespace quillmarch::host {
 
@@ -123,18 +124,19 @@ struct Walk {
   std::size_t paragraphs = 0;
   std::size_t refused = 0;
 
-  static ObjectRef Get(const ObjectRef& object, const TypedMember& typed, WideView name) {
+  static ObjectRef Child(const ObjectRef& object, const Member<ObjectRef>& typed, WideView name) {
     ObjectRef byType, byName;
-    const bool first = TypedGetObject(object.get(), typed, byType);
+    const bool first = Get(object.get(), typed, byType);
     const bool second = AutoGetObject(object.get(), name, byName);
     EXPECT_EQ(first, second) << ToUtf8(name);
     return byType;
   }
 
-  static std::int32_t Whole(const ObjectRef& object, const TypedMember& typed, WideView name) {
+  static std::int32_t Whole(const ObjectRef& object, const Member<std::int32_t>& typed,
+                            WideView name) {
     std::int32_t byType = -77;
     Variant byName;
-    EXPECT_TRUE(TypedGetWhole(object.get(), typed, byType)) << ToUtf8(name);
+    EXPECT_TRUE(Get(object.get(), typed, byType)) << ToUtf8(name);
     EXPECT_EQ(AutoGet(object.get(), name, byName), kOk);
     EXPECT_EQ(byName.type(), VariantType::kI4);
     if (byName.type() == VariantType::kI4) {
@@ -145,19 +147,19 @@ struct Walk {
 
   void Text(const ObjectRef& shape) {
     if (Whole(shape, ppt::shape::kHasTextFrame, u"HasTextFrame") != -1) return;
-    const ObjectRef frame = Get(shape, ppt::shape::kTextFrame, u"TextFrame");
+    const ObjectRef frame = Child(shape, ppt::shape::kTextFrame, u"TextFrame");
     if (Whole(frame, ppt::textFrame::kHasText, u"HasText") != -1) return;
-    const ObjectRef range = Get(frame, ppt::textFrame::kTextRange, u"TextRange");
+    const ObjectRef range = Child(frame, ppt::textFrame::kTextRange, u"TextRange");
     ObjectRef all;
-    ASSERT_TRUE(TypedGetObjectAt2(range.get(), ppt::textRange::kParagraphs, -1, -1, all));
+    ASSERT_TRUE(GetAt(range.get(), ppt::textRange::kParagraphs, -1, -1, all));
     Wide whole;
-    ASSERT_TRUE(TypedGetText(range.get(), ppt::textRange::kText, whole));
+    ASSERT_TRUE(Get(range.get(), ppt::textRange::kText, whole));
     Wide joined;
     for (std::int32_t i = Whole(all, ppt::textRange::kCount, u"Count"); i >= 1; --i) {
       ObjectRef paragraph;
-      ASSERT_TRUE(TypedGetObjectAt2(range.get(), ppt::textRange::kParagraphs, i, 1, paragraph));
+      ASSERT_TRUE(GetAt(range.get(), ppt::textRange::kParagraphs, i, 1, paragraph));
       Wide text;
-      ASSERT_TRUE(TypedGetText(paragraph.get(), ppt::textRange::kText, text));
+      ASSERT_TRUE(Get(paragraph.get(), ppt::textRange::kText, text));
       joined = text + joined;
       ++paragraphs;
       Fonts(paragraph);
@@ -167,34 +169,34 @@ struct Walk {
   }
 
   static void Fonts(const ObjectRef& paragraph) {
-    const ObjectRef font = Get(paragraph, ppt::textRange::kFont, u"Font");
-    const ObjectRef color = Get(font, ppt::font::kColor, u"Color");
+    const ObjectRef font = Child(paragraph, ppt::textRange::kFont, u"Font");
+    const ObjectRef color = Child(font, ppt::font::kColor, u"Color");
     float size = 0;
-    EXPECT_TRUE(TypedGetSingle(font.get(), ppt::font::kSize, size));
+    EXPECT_TRUE(Get(font.get(), ppt::font::kSize, size));
     EXPECT_TRUE(size > 0 || size == -2.0f) << size;
     Whole(font, ppt::font::kBold, u"Bold");
     Whole(font, ppt::font::kItalic, u"Italic");
     std::int32_t rgb = 0;
     const bool mixed = Whole(color, ppt::colorFormat::kType, u"Type") == -2;
-    EXPECT_EQ(TypedGetWhole(color.get(), ppt::colorFormat::kRgb, rgb), !mixed);
+    EXPECT_EQ(Get(color.get(), ppt::colorFormat::kRgb, rgb), !mixed);
   }
 
   void Mark(const ObjectRef& paragraph, Wide text) {
     if (!text.empty() && text.back() == u'\r') text.pop_back();
     if (text.empty()) return;
     ObjectRef content;
-    ASSERT_TRUE(TypedGetObjectAt2(paragraph.get(), ppt::textRange::kCharacters, 1,
-                                  static_cast<std::int32_t>(text.size()), content));
+    ASSERT_TRUE(GetAt(paragraph.get(), ppt::textRange::kCharacters, 1,
+                      static_cast<std::int32_t>(text.size()), content));
     std::replace(text.begin(), text.end(), u'\v', u'|');
-    if (!TypedPutText(content.get(), ppt::textRange::kText, u"\u27E6" + text + u"\u27E7")) {
+    if (!Put(content.get(), ppt::textRange::kText, u"\u27E6" + text + u"\u27E7")) {
       ++refused;
     }
   }
 
   void Table(const ObjectRef& shape) {
-    const ObjectRef table = Get(shape, ppt::shape::kTable, u"Table");
-    const ObjectRef rows = Get(table, ppt::table::kRows, u"Rows");
-    const ObjectRef columns = Get(table, ppt::table::kColumns, u"Columns");
+    const ObjectRef table = Child(shape, ppt::shape::kTable, u"Table");
+    const ObjectRef rows = Child(table, ppt::table::kRows, u"Rows");
+    const ObjectRef columns = Child(table, ppt::table::kColumns, u"Columns");
     const std::int32_t rowCount = Whole(rows, ppt::rows::kCount, u"Count");
     const std::int32_t columnCount = Whole(columns, ppt::columns::kCount, u"Count");
     for (std::int32_t row = 1; row <= rowCount; ++row) {
@@ -208,9 +210,9 @@ struct Walk {
         ASSERT_EQ(AutoGet(cell.object().get(), u"Merged", merged), kOk);
         Wide text;
         ObjectRef frame, range;
-        ASSERT_TRUE(TypedGetObject(inner.get(), ppt::shape::kTextFrame, frame));
-        ASSERT_TRUE(TypedGetObject(frame.get(), ppt::textFrame::kTextRange, range));
-        ASSERT_TRUE(TypedGetText(range.get(), ppt::textRange::kText, text));
+        ASSERT_TRUE(Get(inner.get(), ppt::shape::kTextFrame, frame));
+        ASSERT_TRUE(Get(frame.get(), ppt::textFrame::kTextRange, range));
+        ASSERT_TRUE(Get(range.get(), ppt::textRange::kText, text));
         const bool marked = merged.whole() == -1 && text.find(u'\u27E6') != Wide::npos;
         if (!marked) Text(inner);
       }
@@ -228,7 +230,7 @@ struct Walk {
       ASSERT_EQ(AutoGet(shape.get(), u"Type", type), kOk);
       Whole(shape, ppt::shape::kId, u"Id");
       float left = 0;
-      EXPECT_TRUE(TypedGetSingle(shape.get(), ppt::shape::kLeft, left));
+      EXPECT_TRUE(Get(shape.get(), ppt::shape::kLeft, left));
       ObjectRef items;
       if (type.whole() == 6 && AutoGetObject(shape.get(), u"GroupItems", items)) {
         Shapes(items, true);
@@ -243,14 +245,14 @@ struct Walk {
   void Deck(const Host& host) {
     ObjectRef presentation;
     ASSERT_TRUE(AutoGetObject(host.application().get(), u"ActivePresentation", presentation));
-    const ObjectRef slides = Get(presentation, ppt::presentation::kSlides, u"Slides");
+    const ObjectRef slides = Child(presentation, ppt::presentation::kSlides, u"Slides");
     const std::int32_t count = Whole(slides, ppt::slides::kCount, u"Count");
     for (std::int32_t i = 1; i <= count; ++i) {
       ObjectRef slide;
-      ASSERT_TRUE(TypedGetObjectAt(slides.get(), ppt::slides::kItem, i, slide));
-      Shapes(Get(slide, ppt::slide::kShapes, u"Shapes"), false);
-      const ObjectRef notes = Get(slide, ppt::slide::kNotesPage, u"NotesPage");
-      Shapes(Get(notes, ppt::slideRange::kShapes, u"Shapes"), false);
+      ASSERT_TRUE(GetAt(slides.get(), ppt::slides::kItem, i, slide));
+      Shapes(Child(slide, ppt::slide::kShapes, u"Shapes"), false);
+      const ObjectRef notes = Child(slide, ppt::slide::kNotesPage, u"NotesPage");
+      Shapes(Child(notes, ppt::slideRange::kShapes, u"Shapes"), false);
     }
   }
 };
@@ -262,12 +264,12 @@ TEST_P(ModelCorpus, ReadingAllOfItByBothRoadsLeavesTheSameFile) {
     TempFolder scratch;
     Host host(*FindPersonality(personality));
     std::vector<std::string> warnings;
-    const PackageResult<bool> opened = host.Open(GetParam(), warnings);
-    ASSERT_TRUE(opened.ok) << opened.error.sentence;
+    const Result<void> opened = host.Open(GetParam(), warnings);
+    ASSERT_TRUE(opened.ok()) << opened.error().words;
     Walk walk;
     walk.Deck(host);
     EXPECT_FALSE(host.Edited());
-    ASSERT_TRUE(host.Save(scratch.Path("copy.pptx")).ok);
+    ASSERT_TRUE(host.Save(scratch.Path("copy.pptx")).ok());
     EXPECT_EQ(FileBytes(scratch.Path("copy.pptx")), FileBytes(GetParam()));
   }
 }
@@ -276,12 +278,12 @@ TEST_P(ModelCorpus, MarkingEveryParagraphChangesTheTextsAndNothingElse) {
   TempFolder scratch;
   Host host(*FindPersonality("powerpoint"));
   std::vector<std::string> warnings;
-  ASSERT_TRUE(host.Open(GetParam(), warnings).ok);
+  ASSERT_TRUE(host.Open(GetParam(), warnings).ok());
   Walk walk;
   walk.mark = true;
   walk.Deck(host);
   const std::string target = scratch.Path("marked.pptx");
-  ASSERT_TRUE(host.Save(target).ok);
+  ASSERT_TRUE(host.Save(target).ok());
 
   const auto before = AllParts(GetParam());
   const auto after = AllParts(target);
@@ -323,18 +325,18 @@ TEST(BadDecks, AllAreRefusedInOneSentenceButTheOneThatLacksALeaf) {
     if (name.starts_with(".") || name.ends_with(".tsv")) continue;
     Host host(*FindPersonality("powerpoint"));
     std::vector<std::string> warnings;
-    const PackageResult<bool> opened = host.Open(path, warnings);
+    const Result<void> opened = host.Open(path, warnings);
     if (name == "made-missing-embedded-workbook.pptx") {
-      EXPECT_TRUE(opened.ok) << opened.error.sentence;
+      EXPECT_TRUE(opened.ok()) << opened.error().words;
       ASSERT_EQ(warnings.size(), 1u);
       EXPECT_NE(warnings[0].find("ppt/embeddings/Microsoft_Excel_Worksheet.xlsx"),
                 std::string::npos);
       continue;
     }
     ++refused;
-    EXPECT_FALSE(opened.ok) << name;
-    EXPECT_TRUE(opened.error.sentence.ends_with('.')) << name << ": " << opened.error.sentence;
-    EXPECT_EQ(opened.error.sentence.find('\n'), std::string::npos) << name;
+    EXPECT_FALSE(opened.ok()) << name;
+    EXPECT_TRUE(opened.error().words.ends_with('.')) << name << ": " << opened.error().words;
+    EXPECT_EQ(opened.error().words.find('\n'), std::string::npos) << name;
   }
   EXPECT_GT(refused, 10u);
 }

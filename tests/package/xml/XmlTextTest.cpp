@@ -99,8 +99,44 @@ TEST(FindElement, TakesThePlaceThatTheParserReports) {
   ASSERT_TRUE(ParseXml(document, xml));
   const pugi::xml_node node = document.child("r").child("a:t");
   EXPECT_STREQ(node.text().get(), " ");
-  EXPECT_EQ(Element(xml, static_cast<std::size_t>(node.offset_debug())),
-            "<a:t xmlns:a=\"u\"> </a:t>");
+  EXPECT_EQ(Element(xml, *OffsetOf(xml, node)), "<a:t xmlns:a=\"u\"> </a:t>");
+}
+
+TEST(OffsetOf, AnElementsNameIsFoundBehindAByteOrderMark) {
+  const std::string xml = "\xEF\xBB\xBF<r><a:t/></r>";
+  pugi::xml_document document;
+  ASSERT_TRUE(ParseXml(document, xml));
+  EXPECT_EQ(OffsetOf(xml, document.child("r")), 4U);
+  EXPECT_EQ(OffsetOf(xml, document.child("r").child("a:t")), 7U);
+}
+
+TEST(OffsetOf, WhatIsNoElementHasNone) {
+  const std::string xml = "<r>text<!--c--></r>";
+  pugi::xml_document document;
+  ASSERT_TRUE(ParseXml(document, xml));
+  EXPECT_EQ(OffsetOf(xml, {}), std::nullopt);
+  EXPECT_EQ(OffsetOf(xml, document), std::nullopt);
+  EXPECT_EQ(OffsetOf(xml, document.child("r").first_child()), std::nullopt);
+}
+
+TEST(OffsetOf, BytesThatChangedSinceTheParseAreNoticed) {
+  const std::string xml = "<r><first/><second/></r>";
+  pugi::xml_document document;
+  ASSERT_TRUE(ParseXml(document, xml));
+  const pugi::xml_node second = document.child("r").child("second");
+  EXPECT_EQ(OffsetOf(xml, second), 12U);
+  EXPECT_EQ(OffsetOf("<r><other/><another/></r>", second), std::nullopt);
+  EXPECT_EQ(OffsetOf("<r><second/></r>", second), std::nullopt);
+  EXPECT_EQ(OffsetOf("<r/>", second), std::nullopt);
+  EXPECT_FALSE(FindElement("<r><second/></r>", second).found);
+  EXPECT_FALSE(FindAttribute("<r><second a='1'/></r>", second, "a").found);
+}
+
+TEST(OffsetOf, ANodeThatWasAddedToTheTreeHasNone) {
+  const std::string xml = "<r/>";
+  pugi::xml_document document;
+  ASSERT_TRUE(ParseXml(document, xml));
+  EXPECT_EQ(OffsetOf(xml, document.child("r").append_child("added")), std::nullopt);
 }
 
 TEST(FindStartTag, EndsBehindItsOwnBracket) {

@@ -26,10 +26,10 @@ struct Frame {
 
   test::RunHarness harness;
   FakeShapeRef shape;
-  RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
+  RunTexts run;
 };
 
-std::vector<Wide> UnitIds(const RunState& run) {
+std::vector<Wide> UnitIds(const RunTexts& run) {
   std::vector<Wide> ids;
   for (const TextUnit& unit : run.units) ids.push_back(unit.unitId);
   return ids;
@@ -42,7 +42,7 @@ TEST(CollectFrame, TwoShortChineseParagraphsGiveOneUnitEndingInFrame) {
   ASSERT_EQ(frame.run.units.size(), 1U);
   EXPECT_EQ(frame.run.units[0].unitId, u"shapes[2].frame");
   EXPECT_EQ(frame.run.sourceTexts[0], u"年度计划");
-  EXPECT_EQ(frame.run.units[0].sourceText, u"年度计划");
+  EXPECT_EQ(*frame.run.units[0].shapeName, u"Shape");
   EXPECT_EQ(*frame.run.units[0].frameText, u"年度计划");
   EXPECT_TRUE(frame.run.units[0].frameCollapsed);
   EXPECT_FALSE(frame.run.units[0].endsWithCr);
@@ -153,7 +153,7 @@ TEST(CollectFrame, AnEmptyFrameReadsNoMoreThanThatItIsEmpty) {
 TEST(CollectFrame, ACellsUnitCarriesRowAndColumnInItsLocatorOnly) {
   Frame frame(u"年度\r计划");
   UnitLocator cell;
-  cell.kind = kKindCell;
+  cell.kind = UnitKind::kCell;
   cell.row = 4;
   cell.column = 5;
   frame.Collect(cell);

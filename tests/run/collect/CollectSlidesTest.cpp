@@ -12,19 +12,25 @@ using test::TextShape;
 
 struct Collection {
   explicit Collection(bool all = true) : allSlides(all) {
-    run.windowContext = harness.params.windowContext;
-    run.sink = &harness.sink;
+    document.windowContext = harness.params.windowContext;
   }
 
   ResultCode Run() {
-    run.app = harness.host.Application();
-    return CollectSlides(run, allSlides, message);
+    document.app = harness.host.Application();
+    return Collect();
+  }
+
+  ResultCode Collect() {
+    const Status collected = CollectSlides(document, allSlides, &harness.sink, run);
+    message = collected.words;
+    return collected.code;
   }
 
   test::RunHarness harness;
   bool allSlides;
   Wide message;
-  RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
+  RunDocument document;
+  RunTexts run;
 };
 
 TEST(CollectSlides, EverySlideHasAnEntryAlsoOneWithoutText) {
@@ -46,7 +52,7 @@ TEST(CollectSlides, TheNotesFollowTheirSlide) {
   c.harness.deck().AddSlide({TextShape(u"b")});
   EXPECT_EQ(c.Run(), kOk);
   EXPECT_EQ(c.run.sourceTexts, (std::vector<Wide>{u"a", u"note a", u"b"}));
-  EXPECT_EQ(c.run.locators[1].kind, kKindNotes);
+  EXPECT_EQ(c.run.locators[1].kind, UnitKind::kNotes);
   EXPECT_EQ(c.run.locators[1].onNotes, 0);
 }
 
@@ -131,8 +137,8 @@ TEST(CollectSlides, WithoutAPresentationTheMessageSendsToThePane) {
 
 TEST(CollectSlides, AnApplicationThatIsNoneFails) {
   Collection c;
-  c.run.app = c.harness.host.SlidesObject(c.harness.host.presentations.front());
-  EXPECT_EQ(CollectSlides(c.run, true, c.message), kFail);
+  c.document.app = c.harness.host.SlidesObject(c.harness.host.presentations.front());
+  EXPECT_EQ(c.Collect(), kFail);
   EXPECT_EQ(c.message, u"无法获取 Application 接口");
 }
 

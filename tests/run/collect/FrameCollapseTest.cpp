@@ -59,11 +59,11 @@ TEST(FrameCollapse, EmptyParagraphsAloneAreNoPhrase) {
 TEST(FrameCollapse, OnlyAShapeOfASlideMayCollapse) {
   const std::vector<Wide> phrase = {u"年度", u"计划"};
   UnitLocator cell;
-  cell.kind = kKindCell;
+  cell.kind = UnitKind::kCell;
   cell.row = 1;
   cell.column = 1;
   UnitLocator notes;
-  notes.kind = kKindNotes;
+  notes.kind = UnitKind::kNotes;
   UnitLocator selectedOnNotes;
   selectedOnNotes.onNotes = 1;
   UnitLocator inCell;

@@ -30,7 +30,7 @@ struct Walk {
 
   test::RunHarness harness;
   std::shared_ptr<test::FakeShapeTree> tree = std::make_shared<test::FakeShapeTree>();
-  RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
+  RunTexts run;
 };
 
 // `levels` groups, one in the other, with a text beside each inner group and one innermost.
@@ -152,7 +152,7 @@ TEST(CollectTable, EveryCellIsReadRowByRow) {
   walk.Over({test::TableShape({{u"a", u"1"}, {u"c", u"d"}})});
   ASSERT_EQ(walk.run.units.size(), 3U);
   EXPECT_EQ(walk.run.sourceTexts, (std::vector<Wide>{u"a", u"c", u"d"}));
-  EXPECT_EQ(walk.run.locators[1].kind, kKindCell);
+  EXPECT_EQ(walk.run.locators[1].kind, UnitKind::kCell);
   EXPECT_EQ(walk.run.locators[1].row, 2);
   EXPECT_EQ(walk.run.locators[1].column, 1);
   EXPECT_EQ(walk.Ids()[2], u"shapes[1].p1");
@@ -189,10 +189,10 @@ TEST(CollectTable, ATableOnTheNotesPageIsReadAsCellsThatKnowTheirPage) {
   Walk walk;
   walk.tree->shapes = {test::TableShape({{u"a"}})};
   UnitLocator notes;
-  notes.kind = kKindNotes;
+  notes.kind = UnitKind::kNotes;
   WalkShapes(walk.run, {walk.harness.host.ShapesObject(walk.tree), false}, 1, ShapePath{}, notes);
   ASSERT_EQ(walk.run.locators.size(), 1U);
-  EXPECT_EQ(walk.run.locators[0].kind, kKindCell);
+  EXPECT_EQ(walk.run.locators[0].kind, UnitKind::kCell);
   EXPECT_NE(walk.run.locators[0].onNotes, 0);
 }
 

@@ -31,9 +31,9 @@ struct Deck {
     ObjectRef frame;
     ObjectRef range;
     Wide text;
-    EXPECT_TRUE(TypedGetObject(shape.get(), ppt::shape::kTextFrame, frame));
-    EXPECT_TRUE(TypedGetObject(frame.get(), ppt::textFrame::kTextRange, range));
-    EXPECT_TRUE(TypedGetText(range.get(), ppt::textRange::kText, text));
+    EXPECT_TRUE(Get(shape.get(), ppt::shape::kTextFrame, frame));
+    EXPECT_TRUE(Get(frame.get(), ppt::textFrame::kTextRange, range));
+    EXPECT_TRUE(Get(range.get(), ppt::textRange::kText, text));
     return text;
   }
 

@@ -55,6 +55,20 @@ TEST(StaGate, AShorterQuietTimeNeverShortensALongerOne) {
   EXPECT_TRUE(GateHold(&thread, thread).held());
 }
 
+TEST(StaGate, ARunsLastWritesHeedTheQuietAfterMutationsButNotTheUsersInput) {
+  test::ManualHostThread thread;
+  RaiseInputQuiet(thread);
+  EXPECT_FALSE(GateHold(&thread, thread).held());
+  EXPECT_TRUE(GateHold(&thread, thread, Heed::kMutationQuiet).held());
+  EXPECT_FALSE(GateHold(&thread, thread, Heed::kMutationQuiet).held());
+  thread.Advance(119);
+  EXPECT_FALSE(GateHold(&thread, thread, Heed::kMutationQuiet).held());
+  thread.Advance(380);
+  EXPECT_FALSE(GateHold(&thread, thread).held());
+  thread.Advance(1);
+  EXPECT_TRUE(GateHold(&thread, thread).held());
+}
+
 TEST(UserIsBusy, ButtonCaptureOrNewMouseInput) {
   test::ScriptedInput input;
   EXPECT_FALSE(UserIsBusy(input));

@@ -20,15 +20,17 @@ struct Shape {
   bool Paragraph(std::int32_t index, const Wide& text, const Wide& font = {}) {
     UnitLocator locator;
     locator.paragraphIndex = index;
-    return ApplyParagraph(host.ShapeObject(shape).get(), locator, text, font);
+    TextChange change{.from = nullptr, .to = text};
+    return Succeeded(ApplyParagraph(host.ShapeObject(shape).get(), locator, change, font));
   }
   bool Characters(std::int32_t start, std::int32_t length, const Wide& text, bool cr = false) {
     UnitLocator locator;
-    locator.kind = kKindCharacters;
+    locator.kind = UnitKind::kCharacters;
     locator.charStart = start;
     locator.charLength = length;
     locator.endsWithCr = cr;
-    return ApplyCharacterRange(host.ShapeObject(shape).get(), locator, text, {});
+    TextChange change{.from = nullptr, .to = text};
+    return Succeeded(ApplyCharacterRange(host.ShapeObject(shape).get(), locator, change, {}));
   }
 
   test::FakeHost host;
@@ -62,19 +64,19 @@ TEST(FlattenTranslation, ABlankBeforeABreakStaysBesideTheNewOne) {
 
 TEST(SetRangeText, NullOrEmptyIsRefused) {
   Shape s(u"a");
-  EXPECT_FALSE(SetRangeText(nullptr, u"b"));
-  EXPECT_FALSE(SetRangeText(s.host.RangeObject(s.shape->text).get(), u""));
+  EXPECT_EQ(kFail, SetRangeText(nullptr, u"b"));
+  EXPECT_EQ(kFail, SetRangeText(s.host.RangeObject(s.shape->text).get(), u""));
   EXPECT_TRUE(s.host.calls.empty());
 }
 
 TEST(SetRangeText, TheLateBoundPutIsTheSecondTry) {
   Shape s(u"a");
   s.host.Fail("TextRange.Text=");
-  EXPECT_TRUE(SetRangeText(s.host.RangeObject(s.shape->text).get(), u"b"));
+  EXPECT_EQ(kOk, SetRangeText(s.host.RangeObject(s.shape->text).get(), u"b"));
   EXPECT_EQ(s.shape->Text(), u"b");
   EXPECT_EQ(s.host.calls, (std::vector<std::string>{"TextRange.Text=", "TextRange:Text="}));
   s.host.Fail("TextRange:Text=");
-  EXPECT_FALSE(SetRangeText(s.host.RangeObject(s.shape->text).get(), u"c"));
+  EXPECT_EQ(kHostException, SetRangeText(s.host.RangeObject(s.shape->text).get(), u"c"));
 }
 
 TEST(ApplyParagraph, TheParagraphMarkIsNotTouched) {
@@ -121,7 +123,9 @@ TEST(ApplyParagraph, AWholeFrameBecomesOneParagraphInTheFirstRunsLook) {
   std::fill(s.shape->text->fonts.begin(), s.shape->text->fonts.begin() + 2, small);
   UnitLocator locator;
   locator.wholeFrame = true;
-  EXPECT_TRUE(ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, u"Plan", u"Arial"));
+  const Wide plan = u"Plan";
+  TextChange change{.from = nullptr, .to = plan};
+  EXPECT_EQ(kOk, ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, change, u"Arial"));
   EXPECT_EQ(s.shape->Text(), u"Plan");
   small.name = small.nameFarEast = small.nameAscii = u"Arial";
   EXPECT_EQ(s.shape->text->fonts, std::vector<FakeFont>(4, small));
@@ -131,7 +135,9 @@ TEST(ApplyParagraph, AWholeFrameTakesNoSnapshotAndStillGetsTheFontNames) {
   Shape s(u"年度\r计划");
   UnitLocator locator;
   locator.wholeFrame = true;
-  EXPECT_TRUE(ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, u"Plan", u"Arial"));
+  const Wide plan = u"Plan";
+  TextChange change{.from = nullptr, .to = plan};
+  EXPECT_EQ(kOk, ApplyParagraph(s.host.ShapeObject(s.shape).get(), locator, change, u"Arial"));
   EXPECT_EQ(s.host.calls,
             (std::vector<std::string>{"Shape.TextFrame", "TextFrame.TextRange",
                                       "TextRange.Text=", "TextRange.Font",

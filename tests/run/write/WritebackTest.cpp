@@ -18,27 +18,26 @@ using test::TextShape;
 // A run's state between collection and writeback, filled by hand.
 struct Write {
   Write() {
-    run.app = harness.host.Application();
-    run.windowContext = harness.params.windowContext;
+    document.app = harness.host.Application();
+    document.windowContext = harness.params.windowContext;
   }
 
   void Unit(const UnitLocator& locator, const Wide& source, const Wide& translation,
             const Wide& id = u"u") {
     TextUnit unit;
     unit.unitId = id;
-    unit.sourceText = source;
     run.units.push_back(unit);
     run.sourceTexts.push_back(source);
-    run.translations.push_back(translation);
+    translations.push_back(translation);
     run.locators.push_back(locator);
-    run.reached.push_back(false);
+    writes.reached.push_back(false);
   }
 
   void Slide() {
     run.slideRanges = {{0, run.units.size()}};
     run.slideNumbers = {1};
     harness.host.calls.clear();
-    WriteSlide(run, 0);
+    WriteSlide(task, 0);
   }
 
   bool Called(const std::string& call) const {
@@ -52,10 +51,16 @@ struct Write {
   }
 
   test::RunHarness harness;
-  RunState run{ObjectRef(), RunSurroundings{harness.thread, harness.input, {}}};
+  RunDocument document;
+  RunTexts run;
+  std::vector<Wide> translations;
+  RunParams params;
+  RunCopies copies;
+  RunWrites writes;
+  WriteTask task{document, run, translations, params, copies, writes};
 };
 
-UnitLocator At(StoredPath path, std::int32_t paragraph = 1, std::int32_t kind = kKindShape) {
+UnitLocator At(StoredPath path, std::int32_t paragraph = 1, UnitKind kind = UnitKind::kShape) {
   UnitLocator locator;
   locator.kind = kind;
   locator.slideIndex = 1;
@@ -65,14 +70,14 @@ UnitLocator At(StoredPath path, std::int32_t paragraph = 1, std::int32_t kind = 
 }
 
 UnitLocator Cell(StoredPath path, std::int32_t row, std::int32_t column) {
-  UnitLocator locator = At(std::move(path), 1, kKindCell);
+  UnitLocator locator = At(std::move(path), 1, UnitKind::kCell);
   locator.row = row;
   locator.column = column;
   return locator;
 }
 
 UnitLocator Characters(StoredPath path, std::int32_t start, std::int32_t length) {
-  UnitLocator locator = At(std::move(path), 0, kKindCharacters);
+  UnitLocator locator = At(std::move(path), 0, UnitKind::kCharacters);
   locator.charStart = start;
   locator.charLength = length;
   return locator;
@@ -87,7 +92,7 @@ TEST(WriteSlide, AShapeOfThreeParagraphsIsWrittenFromTheLastToTheFirst) {
   w.Unit(At({1}, 3), u"c", u"CC");
   w.Slide();
   EXPECT_EQ(shape->Text(), u"AA\rBB\rCC");
-  EXPECT_EQ(w.run.appliedCount, 3);
+  EXPECT_EQ(w.writes.appliedCount, 3);
   std::vector<std::string> order;
   for (const std::string& call : w.harness.host.calls) {
     if (call.starts_with("TextRange.Paragraphs")) order.push_back(call);
@@ -106,8 +111,8 @@ TEST(WriteSlide, EmptyAndUnchangedTranslationsAreNeitherWrittenNorCountedNorFail
   w.Unit(At({1}, 3), u"c", u"\r\n");
   w.Slide();
   EXPECT_EQ(shape->Text(), u"a\rb\rc");
-  EXPECT_EQ(w.run.appliedCount, 0);
-  EXPECT_TRUE(w.run.applyError.empty());
+  EXPECT_EQ(w.writes.appliedCount, 0);
+  EXPECT_TRUE(w.writes.applyError.empty());
 }
 
 TEST(WriteSlide, ARepairedUnitIsNeverWritten) {
@@ -116,7 +121,7 @@ TEST(WriteSlide, ARepairedUnitIsNeverWritten) {
   w.harness.deck().AddSlide({shape});
   w.Unit(At({1}, 1), u"a", u"AA");
   w.Unit(At({1}, 2), u"b", u"BB");
-  w.run.repairedUnits = {true};  // an index beyond its size counts as not set
+  w.writes.repairedUnits = {true};  // an index beyond its size counts as not set
   w.Slide();
   EXPECT_EQ(shape->Text(), u"a\rBB");
 }
@@ -132,14 +137,14 @@ TEST(WriteSlide, TwoShapesThatAreNotFoundWriteOneLocateLineAndNameEveryUnit) {
   EXPECT_EQ(log.CountContaining("PptCtrl apply locate fail"), 1);
   EXPECT_TRUE(log.Has("PptCtrl apply locate fail stage=shape slide=1 where=shapes[8].p1"));
   EXPECT_EQ(log.CountContaining("PptCtrl writeback FAIL: "), 3);
-  EXPECT_EQ(w.run.applyError, u"shapes[8].p1; shapes[8].p2; shapes[9].p1");
+  EXPECT_EQ(w.writes.applyError, u"shapes[8].p1; shapes[8].p2; shapes[9].p1");
 }
 
 TEST(WriteSlide, ANotesShapeThatIsNotFoundHasItsOwnStage) {
   test::LogCapture log;
   Write w;
   w.harness.deck().AddSlide({TextShape(u"a")});
-  w.Unit(At({3}, 1, kKindNotes), u"a", u"AA", u"shapes[3].p1");
+  w.Unit(At({3}, 1, UnitKind::kNotes), u"a", u"AA", u"shapes[3].p1");
   w.Slide();
   EXPECT_TRUE(log.Has("PptCtrl apply locate fail stage=notesShape slide=1 where=shapes[3].p1"));
 }
@@ -152,7 +157,7 @@ TEST(WriteSlide, AUnitWithoutARecordIsNamedByAQuestionMark) {
   w.run.units.clear();
   w.run.slideRanges = {{0, 1}};
   w.run.slideNumbers = {1};
-  WriteSlide(w.run, 0);
+  WriteSlide(w.task, 0);
   EXPECT_TRUE(log.Has("PptCtrl apply locate fail stage=shape slide=1 where=?"));
   EXPECT_TRUE(log.Has("PptCtrl writeback FAIL: ?"));
 }
@@ -162,7 +167,7 @@ TEST(WriteSlide, APathOf33LevelsIsNotFound) {
   w.harness.deck().AddSlide({TextShape(u"a")});
   w.Unit(At(StoredPath(33, 1)), u"a", u"AA", u"deep");
   w.Slide();
-  EXPECT_EQ(w.run.applyError, u"deep");
+  EXPECT_EQ(w.writes.applyError, u"deep");
 }
 
 TEST(WriteSlide, ATablesCellsAreGroupsOfTheirOwnAndAreNeverFitted) {
@@ -188,7 +193,7 @@ TEST(WriteSlide, ACellThatCannotBeReachedFailsItsUnitsAlone) {
     w.Unit(Cell({1}, 1, 2), u"b", u"BB", u"second");
     w.harness.host.Fail(call, 1);
     w.Slide();
-    EXPECT_EQ(w.run.applyError, u"first") << call;
+    EXPECT_EQ(w.writes.applyError, u"first") << call;
     EXPECT_EQ(table->table->cells[0][1]->Text(), u"BB") << call;
   }
 }
@@ -198,7 +203,7 @@ TEST(WriteSlide, NotesAreWrittenOnTheNotesPageAndReadNoGeometry) {
   const FakeShapeRef note = TextShape(u"note");
   const FakeShapeRef shape = TextShape(u"a");
   w.harness.deck().AddSlide({shape}, {note});
-  w.Unit(At({1}, 1, kKindNotes), u"note", u"NOTE");
+  w.Unit(At({1}, 1, UnitKind::kNotes), u"note", u"NOTE");
   w.Slide();
   EXPECT_EQ(note->Text(), u"NOTE");
   EXPECT_EQ(shape->Text(), u"a");
@@ -244,11 +249,11 @@ TEST(WriteSlide, ACharacterRangeOnTheNotesReadsNoGeometry) {
 
 TEST(WriteSlide, WithATargetSizeNoGeometryIsRead) {
   Write w;
-  w.run.params.useTargetFontSize = true;
+  w.params.useTargetFontSize = true;
   w.harness.deck().AddSlide({TextShape(u"a")});
   w.Unit(At({1}), u"a", u"AA");
   w.Slide();
-  EXPECT_EQ(w.run.appliedCount, 1);
+  EXPECT_EQ(w.writes.appliedCount, 1);
   for (const char* call : {"Shape.Left", "Shape.Top", "Shape.Width", "Shape.Height"}) {
     EXPECT_FALSE(w.Called(call)) << call;
   }
@@ -284,7 +289,7 @@ TEST(WriteSlide, UnitsOfOtherEntriesStayUnwritten) {
   w.Unit(At({2}), u"b", u"BB");
   w.run.slideRanges = {{0, 1}, {1, 2}};
   w.run.slideNumbers = {1, 1};
-  WriteSlide(w.run, 1);
+  WriteSlide(w.task, 1);
   EXPECT_EQ(first->Text(), u"a");
   EXPECT_EQ(second->Text(), u"BB");
 }
@@ -295,11 +300,11 @@ TEST(WriteSlide, UnitsBeyondTheTranslationsAreNotReached) {
   w.harness.deck().AddSlide({shape});
   w.Unit(At({1}, 1), u"a", u"AA");
   w.Unit(At({1}, 2), u"b", u"BB");
-  w.run.translations.pop_back();
+  w.translations.pop_back();
   w.Slide();
   EXPECT_EQ(shape->Text(), u"AA\rb");
-  EXPECT_EQ(w.run.appliedCount, 1);
-  EXPECT_TRUE(w.run.applyError.empty());
+  EXPECT_EQ(w.writes.appliedCount, 1);
+  EXPECT_TRUE(w.writes.applyError.empty());
 }
 
 TEST(WriteSlide, AFailedPutIsNamedAndTheOtherParagraphsAreWritten) {
@@ -311,10 +316,10 @@ TEST(WriteSlide, AFailedPutIsNamedAndTheOtherParagraphsAreWritten) {
   w.Unit(At({1}), u"a", u"AA", u"shapes[1].p1");
   w.Unit(At({2}), u"b", u"BB", u"shapes[2].p1");
   w.Slide();
-  EXPECT_EQ(w.run.applyError, u"shapes[1].p1");
+  EXPECT_EQ(w.writes.applyError, u"shapes[1].p1");
   EXPECT_EQ(broken->Text(), u"a");
   EXPECT_EQ(sound->Text(), u"BB");
-  EXPECT_EQ(w.run.appliedCount, 1);
+  EXPECT_EQ(w.writes.appliedCount, 1);
 }
 
 TEST(WriteSlide, WithoutAPresentationTheErrorSaysSo) {
@@ -323,7 +328,7 @@ TEST(WriteSlide, WithoutAPresentationTheErrorSaysSo) {
   w.Unit(At({1}), u"a", u"AA");
   w.harness.host.Fail("DocumentWindow.Presentation");
   w.Slide();
-  EXPECT_EQ(w.run.applyError, u"无法定位当前演示文稿");
+  EXPECT_EQ(w.writes.applyError, u"无法定位当前演示文稿");
 }
 
 TEST(WriteSlide, WithoutSlidesNothingIsSaid) {
@@ -332,8 +337,8 @@ TEST(WriteSlide, WithoutSlidesNothingIsSaid) {
   w.Unit(At({1}), u"a", u"AA");
   w.harness.host.Fail("Presentation.Slides");
   w.Slide();
-  EXPECT_TRUE(w.run.applyError.empty());
-  EXPECT_FALSE(w.run.reached[0]);
+  EXPECT_TRUE(w.writes.applyError.empty());
+  EXPECT_FALSE(w.writes.reached[0]);
 }
 
 TEST(WriteSlide, ChartAndSmartArtUnitsAreDispatchedAndNamedAsNotWritten) {
@@ -341,19 +346,19 @@ TEST(WriteSlide, ChartAndSmartArtUnitsAreDispatchedAndNamedAsNotWritten) {
     Write w;
     const FakeShapeRef shape = TextShape(u"a");
     w.harness.deck().AddSlide({shape});
-    w.Unit(At({1}, 0, kind), u"a", u"AA", u"slot");
-    w.Unit(At({1}, 0, kind), u"same", u"same", u"unchanged");
+    w.Unit(At({1}, 0, static_cast<UnitKind>(kind)), u"a", u"AA", u"slot");
+    w.Unit(At({1}, 0, static_cast<UnitKind>(kind)), u"same", u"same", u"unchanged");
     w.Slide();
-    EXPECT_EQ(w.run.applyError, u"slot") << kind;
+    EXPECT_EQ(w.writes.applyError, u"slot") << kind;
     EXPECT_EQ(shape->Text(), u"a") << kind;
-    EXPECT_EQ(w.run.appliedCount, 0) << kind;
+    EXPECT_EQ(w.writes.appliedCount, 0) << kind;
   }
 }
 
 TEST(WriteSlide, ABilingualRunWithoutItsCopyFailsItsUnitsAtTheCopySlideStage) {
   test::LogCapture log;
   Write w;
-  w.run.params.bilingual = true;
+  w.copies.bilingual = true;
   const FakeShapeRef shape = TextShape(u"a");
   w.harness.deck().AddSlide({shape});
   w.Unit(At({1}), u"a", u"AA", u"shapes[1].p1");
@@ -367,8 +372,8 @@ TEST(WriteSlide, OneUnitWrittenAsksTheHostForThisAndNoMore) {
   const FakeShapeRef shape = TextShape(u"Plan");
   w.harness.deck().AddSlide({shape});
   w.Unit(At({1}), u"Plan", u"Plano");
-  w.run.params.targetFont = u"Arial";
-  ASSERT_NE(w.run.app.get(), nullptr);
+  w.params.targetFont = u"Arial";
+  ASSERT_NE(w.document.app.get(), nullptr);
   w.Slide();  // resolves window and presentation
   shape->text->text = u"Plan";
   w.Slide();
@@ -431,7 +436,7 @@ TEST(RecordApplyFailure, PartsTheNamesBySemicolonAndLogsEach) {
 TEST(SameApplyTarget, CellsDifferByRowAndColumnAndShapesDoNot) {
   EXPECT_TRUE(SameApplyTarget(At({1}, 1), At({1}, 2)));
   EXPECT_FALSE(SameApplyTarget(At({1}), At({1, 1})));
-  EXPECT_FALSE(SameApplyTarget(At({1}), At({1}, 1, kKindNotes)));
+  EXPECT_FALSE(SameApplyTarget(At({1}), At({1}, 1, UnitKind::kNotes)));
   EXPECT_FALSE(SameApplyTarget(Cell({1}, 1, 1), Cell({1}, 1, 2)));
   EXPECT_FALSE(SameApplyTarget(Cell({1}, 1, 1), Cell({1}, 2, 1)));
   UnitLocator a = Characters({1}, 1, 1);

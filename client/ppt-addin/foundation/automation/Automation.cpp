@@ -61,7 +61,7 @@ bool TakeObject(Variant& value, ObjectRef& out) {
 
 bool GetObjectByName(AutomationObject* object, WideView member, std::span<const Variant> args,
                      ObjectRef& out) {
-  // The object may be reachable through `out` alone, and the old one goes before the read.
+  // The object may be reachable only through `out`, and the old one goes before the read.
   const ObjectRef keep = out.get() == object ? out : ObjectRef();
   out.Reset();
   Variant value;
@@ -80,14 +80,25 @@ ResultCode AskTyped(AutomationObject* object, const InterfaceId& iid, ObjectRef&
   return typed ? kOk : kNoInterface;
 }
 
-bool TypedObject(AutomationObject* object, const TypedMember& member, std::span<const Variant> args,
-                 ObjectRef& out, ResultCode* code) {
+bool GetMemberObject(AutomationObject* object, const MemberId& member,
+                     std::span<const Variant> args, ObjectRef& out, ResultCode* code) {
   const ObjectRef keep = out.get() == object ? out : ObjectRef();
   out.Reset();
   Variant value;
-  const ResultCode result = TypedGet(object, member, args, value);
+  const ResultCode result = CallMember(object, member, args, value);
   if (code != nullptr) *code = result;
   return Succeeded(result) && TakeObject(value, out);
+}
+
+bool PutMember(AutomationObject* object, const MemberId& member, const Variant& value,
+               ResultCode* code) {
+  ObjectRef typed;
+  ResultCode result = AskTyped(object, member.iid, typed);
+  if (Succeeded(result)) {
+    result = AutoInvoke(typed.get(), member.id, kInvokePut, ParamBlock{{&value, 1}, true}, nullptr);
+  }
+  if (code != nullptr) *code = result;
+  return Succeeded(result);
 }
 
 }  // namespace
@@ -166,12 +177,12 @@ ResultCode AutoPutText(AutomationObject* object, WideView text) {
   return AutoPut(object, u"Text", Variant::Text(Wide(text)));
 }
 
-ResultCode TypedGet(AutomationObject* object, const TypedMember& member, Variant& out) {
-  return TypedGet(object, member, {}, out);
+ResultCode CallMember(AutomationObject* object, const MemberId& member, Variant& out) {
+  return CallMember(object, member, {}, out);
 }
 
-ResultCode TypedGet(AutomationObject* object, const TypedMember& member,
-                    std::span<const Variant> args, Variant& out) {
+ResultCode CallMember(AutomationObject* object, const MemberId& member,
+                      std::span<const Variant> args, Variant& out) {
   ObjectRef typed;
   const ResultCode asked = AskTyped(object, member.iid, typed);
   if (Failed(asked)) {
@@ -181,57 +192,58 @@ ResultCode TypedGet(AutomationObject* object, const TypedMember& member,
   return InvokeOrdered(typed.get(), member.id, kInvokeMethodOrGet, args, &out);
 }
 
-bool TypedGetObject(AutomationObject* object, const TypedMember& member, ObjectRef& out,
-                    ResultCode* code) {
-  return TypedObject(object, member, {}, out, code);
-}
-
-bool TypedGetObjectAt(AutomationObject* object, const TypedMember& member, std::int32_t index,
-                      ObjectRef& out, ResultCode* code) {
-  const std::array args = {Variant::I4(index)};
-  return TypedObject(object, member, args, out, code);
-}
-
-bool TypedGetObjectAt2(AutomationObject* object, const TypedMember& member, std::int32_t first,
-                       std::int32_t second, ObjectRef& out) {
-  const std::array args = {Variant::I4(first), Variant::I4(second)};
-  return TypedObject(object, member, args, out, nullptr);
-}
-
-bool TypedGetWhole(AutomationObject* object, const TypedMember& member, std::int32_t& out) {
+bool Get(AutomationObject* object, const Member<std::int32_t>& member, std::int32_t& out) {
   Variant value;
-  return Succeeded(TypedGet(object, member, value)) && VariantToWhole(value, out);
+  return Succeeded(CallMember(object, member, value)) && VariantToWhole(value, out);
 }
 
-bool TypedGetSingle(AutomationObject* object, const TypedMember& member, float& out) {
+bool Get(AutomationObject* object, const Member<float>& member, float& out) {
   Variant value;
-  return Succeeded(TypedGet(object, member, value)) && VariantToSingle(value, out);
+  return Succeeded(CallMember(object, member, value)) && VariantToSingle(value, out);
 }
 
-bool TypedGetText(AutomationObject* object, const TypedMember& member, Wide& out) {
+bool Get(AutomationObject* object, const Member<bool>& member, bool& out) {
   Variant value;
-  if (Failed(TypedGet(object, member, value)) || value.type() != VariantType::kText) return false;
+  if (Failed(CallMember(object, member, value))) return false;
+  out = VariantToFlag(value);
+  return true;
+}
+
+bool Get(AutomationObject* object, const Member<Wide>& member, Wide& out) {
+  Variant value;
+  if (Failed(CallMember(object, member, value)) || value.type() != VariantType::kText) return false;
   out = value.takeText();
   return true;
 }
 
-ResultCode TypedPut(AutomationObject* object, const TypedMember& member, const Variant& value) {
-  ObjectRef typed;
-  const ResultCode asked = AskTyped(object, member.iid, typed);
-  if (Failed(asked)) return asked;
-  return AutoInvoke(typed.get(), member.id, kInvokePut, ParamBlock{{&value, 1}, true}, nullptr);
+bool Get(AutomationObject* object, const Member<ObjectRef>& member, ObjectRef& out,
+         ResultCode* code) {
+  return GetMemberObject(object, member, {}, out, code);
 }
 
-bool TypedPutWhole(AutomationObject* object, const TypedMember& member, std::int32_t value) {
-  return Succeeded(TypedPut(object, member, Variant::I4(value)));
+bool GetAt(AutomationObject* object, const Member<ObjectRef>& member, std::int32_t index,
+           ObjectRef& out) {
+  const std::array args = {Variant::I4(index)};
+  return GetMemberObject(object, member, args, out, nullptr);
 }
 
-bool TypedPutSingle(AutomationObject* object, const TypedMember& member, float value) {
-  return Succeeded(TypedPut(object, member, Variant::R4(value)));
+bool GetAt(AutomationObject* object, const Member<ObjectRef>& member, std::int32_t first,
+           std::int32_t second, ObjectRef& out) {
+  const std::array args = {Variant::I4(first), Variant::I4(second)};
+  return GetMemberObject(object, member, args, out, nullptr);
 }
 
-bool TypedPutText(AutomationObject* object, const TypedMember& member, WideView value) {
-  return Succeeded(TypedPut(object, member, Variant::Text(Wide(value))));
+bool Put(AutomationObject* object, const Member<std::int32_t>& member, std::int32_t value,
+         ResultCode* code) {
+  return PutMember(object, member, Variant::I4(value), code);
+}
+
+bool Put(AutomationObject* object, const Member<float>& member, float value, ResultCode* code) {
+  return PutMember(object, member, Variant::R4(value), code);
+}
+
+bool Put(AutomationObject* object, const Member<Wide>& member, WideView value, ResultCode* code) {
+  return PutMember(object, member, Variant::Text(Wide(value)), code);
 }
 
 bool AnswersTo(AutomationObject* object, const InterfaceId& iid) {
@@ -255,7 +267,7 @@ ResultCode ShapeItem(AutomationObject* shapes, std::int32_t index, ObjectRef& ou
 
 void ReportUnreadable(const char16_t* member) {
   static std::atomic<int> reports{0};
-  // Checked first, so that the counter stands still once it is full.
+  // Checked first, so that the counter does not move once it is full.
   if (reports.load(std::memory_order_relaxed) >= kUnreadableReports) return;
   const int number = reports.fetch_add(1, std::memory_order_relaxed) + 1;
   if (number > kUnreadableReports) return;

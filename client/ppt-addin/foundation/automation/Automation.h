@@ -17,13 +17,13 @@ void SetHostThreadCheck(bool (*onHostThread)());
 
 // ---- Late-bound road -------------------------------------------------------------------------
 
-// Finds the member by name, then invokes it with flags 3 (method or property get). `args` stand in
+// Finds the member by name, then invokes it with flags 3 (method or property get). `args` are in
 // their natural order. A null object gives kPointer.
 ResultCode AutoGet(AutomationObject* object, WideView member, Variant& out);
 ResultCode AutoGet(AutomationObject* object, WideView member, std::span<const Variant> args,
                    Variant& out);
 
-// The same with flags 2, property get alone.
+// The same with flags 2, property get only.
 ResultCode AutoGetProperty(AutomationObject* object, WideView member, Variant& out);
 
 // One Invoke by id; an exception that leaves it gives kFail, a null object kPointer.
@@ -47,33 +47,48 @@ ResultCode AutoPutText(AutomationObject* object, WideView text);
 
 // ---- Typed road ------------------------------------------------------------------------------
 
-// A member of a published interface: IID and fixed DISPID. The constants are in HostMembers.h.
-struct TypedMember {
+// A member of a published interface: IID and fixed DISPID.
+struct MemberId {
   InterfaceId iid;
   DispId id;
 };
 
+// A member together with the type of its value: std::int32_t, float, bool (any flag of the host's),
+// Wide, ObjectRef, or void for a method that gives nothing. A value of another type does not
+// compile. The constants are in HostMembers.h.
+template <class T>
+struct Member : MemberId {};
+
 // Asks the object for the interface, then invokes the member. A refusal of the interface is the
-// call's failure. Arguments in natural order.
-ResultCode TypedGet(AutomationObject* object, const TypedMember& member, Variant& out);
-ResultCode TypedGet(AutomationObject* object, const TypedMember& member,
-                    std::span<const Variant> args, Variant& out);
-// kOk with a non-null object, or a failure; kFail when the call succeeded and gave nothing.
-// `code` (may be null) gets the call's own result, also when it succeeded and gave nothing.
-bool TypedGetObject(AutomationObject* object, const TypedMember& member, ObjectRef& out,
-                    ResultCode* code = nullptr);
-bool TypedGetObjectAt(AutomationObject* object, const TypedMember& member, std::int32_t index,
-                      ObjectRef& out, ResultCode* code = nullptr);
-bool TypedGetObjectAt2(AutomationObject* object, const TypedMember& member, std::int32_t first,
-                       std::int32_t second, ObjectRef& out);
-// False and `out` untouched when the call fails or the value cannot be read as the type.
-bool TypedGetWhole(AutomationObject* object, const TypedMember& member, std::int32_t& out);
-bool TypedGetSingle(AutomationObject* object, const TypedMember& member, float& out);
-bool TypedGetText(AutomationObject* object, const TypedMember& member, Wide& out);
-ResultCode TypedPut(AutomationObject* object, const TypedMember& member, const Variant& value);
-bool TypedPutWhole(AutomationObject* object, const TypedMember& member, std::int32_t value);
-bool TypedPutSingle(AutomationObject* object, const TypedMember& member, float value);
-bool TypedPutText(AutomationObject* object, const TypedMember& member, WideView value);
+// call's failure. Arguments in natural order. For members that take arguments of their own.
+ResultCode CallMember(AutomationObject* object, const MemberId& member, Variant& out);
+ResultCode CallMember(AutomationObject* object, const MemberId& member,
+                      std::span<const Variant> args, Variant& out);
+
+// One value. False and `out` untouched when the call fails or the value cannot be read as the type.
+bool Get(AutomationObject* object, const Member<std::int32_t>& member, std::int32_t& out);
+bool Get(AutomationObject* object, const Member<float>& member, float& out);
+bool Get(AutomationObject* object, const Member<bool>& member, bool& out);
+bool Get(AutomationObject* object, const Member<Wide>& member, Wide& out);
+
+// One object, all of them or the one at 1-based indexes. False when the call fails or gives no
+// object; `out` is released before the read. `code` (may be null) gets the call's own result, which
+// is also kOk or better when it succeeded and gave nothing.
+bool Get(AutomationObject* object, const Member<ObjectRef>& member, ObjectRef& out,
+         ResultCode* code = nullptr);
+bool GetAt(AutomationObject* object, const Member<ObjectRef>& member, std::int32_t index,
+           ObjectRef& out);
+bool GetAt(AutomationObject* object, const Member<ObjectRef>& member, std::int32_t first,
+           std::int32_t second, ObjectRef& out);
+
+// Property put of one value. `code` (may be null) gets the call's own result.
+bool Put(AutomationObject* object, const Member<std::int32_t>& member, std::int32_t value,
+         ResultCode* code = nullptr);
+bool Put(AutomationObject* object, const Member<float>& member, float value,
+         ResultCode* code = nullptr);
+bool Put(AutomationObject* object, const Member<Wide>& member, WideView value,
+         ResultCode* code = nullptr);
+
 // Whether the object answers to a published interface.
 bool AnswersTo(AutomationObject* object, const InterfaceId& iid);
 

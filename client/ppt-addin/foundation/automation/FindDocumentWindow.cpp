@@ -14,8 +14,7 @@ using WindowTest = std::function<bool(AutomationObject*)>;
 ObjectRef FirstWindow(AutomationObject* windows, std::int32_t count, const WindowTest& matches) {
   for (std::int32_t i = 1; i <= count; ++i) {
     ObjectRef window;
-    if (TypedGetObjectAt(windows, ppt::documentWindows::kItem, i, window) &&
-        matches(window.get())) {
+    if (GetAt(windows, ppt::documentWindows::kItem, i, window) && matches(window.get())) {
       return window;
     }
   }
@@ -25,8 +24,8 @@ ObjectRef FirstWindow(AutomationObject* windows, std::int32_t count, const Windo
 bool Shows(AutomationObject* window, AutomationObject* presentation) {
   if (presentation == nullptr) return true;
   ObjectRef shown;
-  return TypedGetObject(window, ppt::documentWindow::kPresentation, shown) &&
-         shown->Identity() != 0 && shown->Identity() == presentation->Identity();
+  return Get(window, ppt::documentWindow::kPresentation, shown) && shown->Identity() != 0 &&
+         shown->Identity() == presentation->Identity();
 }
 
 }  // namespace
@@ -40,14 +39,14 @@ ObjectRef FindRunWindow(AutomationObject* application, const WindowContext& cont
                         AutomationObject* presentation) {
   ObjectRef windows;
   std::int32_t count = 0;
-  if (!TypedGetObject(application, ppt::application::kWindows, windows) ||
-      !TypedGetWhole(windows.get(), ppt::documentWindows::kCount, count)) {
+  if (!Get(application, ppt::application::kWindows, windows) ||
+      !Get(windows.get(), ppt::documentWindows::kCount, count)) {
     return {};
   }
   if (context.hwnd != 0) {
     ObjectRef window = FirstWindow(windows.get(), count, [&](AutomationObject* candidate) {
       std::int32_t hwnd = 0;
-      return TypedGetWhole(candidate, ppt::documentWindow::kHwnd, hwnd) && hwnd == context.hwnd &&
+      return Get(candidate, ppt::documentWindow::kHwnd, hwnd) && hwnd == context.hwnd &&
              Shows(candidate, presentation);
     });
     if (window) return window;

@@ -39,153 +39,153 @@ inline constexpr InterfaceId kRows = LibraryInterface(0xC6);
 inline constexpr InterfaceId kCell = LibraryInterface(0xC9);
 
 namespace application {
-inline constexpr TypedMember kWindows{kApplication, 2002};
-inline constexpr TypedMember kActiveWindow{kApplication, 2004};
-inline constexpr TypedMember kName{kApplication, 0};
-inline constexpr TypedMember kVersion{kApplication, 2014};
+inline constexpr Member<ObjectRef> kWindows{{kApplication, 2002}};
+inline constexpr Member<ObjectRef> kActiveWindow{{kApplication, 2004}};
+inline constexpr Member<Wide> kName{{kApplication, 0}};
+inline constexpr Member<Wide> kVersion{{kApplication, 2014}};
 }  // namespace application
 
 namespace documentWindows {
-inline constexpr TypedMember kCount{kDocumentWindows, 11};
-inline constexpr TypedMember kItem{kDocumentWindows, 0};
+inline constexpr Member<std::int32_t> kCount{{kDocumentWindows, 11}};
+inline constexpr Member<ObjectRef> kItem{{kDocumentWindows, 0}};
 }  // namespace documentWindows
 
 namespace documentWindow {
-inline constexpr TypedMember kSelection{ppt::kDocumentWindow, 2003};
-inline constexpr TypedMember kView{ppt::kDocumentWindow, 2004};
-inline constexpr TypedMember kPresentation{ppt::kDocumentWindow, 2005};
-inline constexpr TypedMember kActive{ppt::kDocumentWindow, 2008};
-inline constexpr TypedMember kHwnd{ppt::kDocumentWindow, 2020};
+inline constexpr Member<ObjectRef> kSelection{{ppt::kDocumentWindow, 2003}};
+inline constexpr Member<ObjectRef> kView{{ppt::kDocumentWindow, 2004}};
+inline constexpr Member<ObjectRef> kPresentation{{ppt::kDocumentWindow, 2005}};
+inline constexpr Member<bool> kActive{{ppt::kDocumentWindow, 2008}};
+inline constexpr Member<std::int32_t> kHwnd{{ppt::kDocumentWindow, 2020}};
 }  // namespace documentWindow
 
 namespace selection {
-inline constexpr TypedMember kType{ppt::kSelection, 2007};
-inline constexpr TypedMember kSlideRange{ppt::kSelection, 2008};
-inline constexpr TypedMember kShapeRange{ppt::kSelection, 2009};
-inline constexpr TypedMember kTextRange{ppt::kSelection, 2010};
-inline constexpr TypedMember kChildShapeRange{ppt::kSelection, 2011};
-inline constexpr TypedMember kHasChildShapeRange{ppt::kSelection, 2012};
+inline constexpr Member<std::int32_t> kType{{ppt::kSelection, 2007}};
+inline constexpr Member<ObjectRef> kSlideRange{{ppt::kSelection, 2008}};
+inline constexpr Member<ObjectRef> kShapeRange{{ppt::kSelection, 2009}};
+inline constexpr Member<ObjectRef> kTextRange{{ppt::kSelection, 2010}};
+inline constexpr Member<ObjectRef> kChildShapeRange{{ppt::kSelection, 2011}};
+inline constexpr Member<std::int32_t> kHasChildShapeRange{{ppt::kSelection, 2012}};
 }  // namespace selection
 
 namespace view {
-inline constexpr TypedMember kSlide{ppt::kView, 2006};
-inline constexpr TypedMember kGotoSlide{ppt::kView, 2007};
+inline constexpr Member<ObjectRef> kSlide{{ppt::kView, 2006}};
+inline constexpr Member<void> kGotoSlide{{ppt::kView, 2007}};
 }  // namespace view
 
 namespace presentation {
-inline constexpr TypedMember kSlides{ppt::kPresentation, 2011};
-inline constexpr TypedMember kPageSetup{ppt::kPresentation, 2012};
+inline constexpr Member<ObjectRef> kSlides{{ppt::kPresentation, 2011}};
+inline constexpr Member<ObjectRef> kPageSetup{{ppt::kPresentation, 2012}};
 }  // namespace presentation
 
 namespace pageSetup {
-inline constexpr TypedMember kSlideHeight{ppt::kPageSetup, 2004};
-inline constexpr TypedMember kSlideWidth{ppt::kPageSetup, 2005};
+inline constexpr Member<float> kSlideHeight{{ppt::kPageSetup, 2004}};
+inline constexpr Member<float> kSlideWidth{{ppt::kPageSetup, 2005}};
 }  // namespace pageSetup
 
 namespace slides {
-inline constexpr TypedMember kCount{ppt::kSlides, 11};
-inline constexpr TypedMember kItem{ppt::kSlides, 0};
-inline constexpr TypedMember kFindBySlideId{ppt::kSlides, 2003};
+inline constexpr Member<std::int32_t> kCount{{ppt::kSlides, 11}};
+inline constexpr Member<ObjectRef> kItem{{ppt::kSlides, 0}};
+inline constexpr Member<ObjectRef> kFindBySlideId{{ppt::kSlides, 2003}};
 }  // namespace slides
 
 namespace slide {
-inline constexpr TypedMember kShapes{ppt::kSlide, 2003};
-inline constexpr TypedMember kSlideId{ppt::kSlide, 2009};
-inline constexpr TypedMember kTags{ppt::kSlide, 2017};
-inline constexpr TypedMember kSlideIndex{ppt::kSlide, 2018};
-inline constexpr TypedMember kNotesPage{ppt::kSlide, 2022};
+inline constexpr Member<ObjectRef> kShapes{{ppt::kSlide, 2003}};
+inline constexpr Member<std::int32_t> kSlideId{{ppt::kSlide, 2009}};
+inline constexpr Member<ObjectRef> kTags{{ppt::kSlide, 2017}};
+inline constexpr Member<std::int32_t> kSlideIndex{{ppt::kSlide, 2018}};
+inline constexpr Member<ObjectRef> kNotesPage{{ppt::kSlide, 2022}};
 }  // namespace slide
 
 namespace slideRange {
-inline constexpr TypedMember kCount{ppt::kSlideRange, 11};
-inline constexpr TypedMember kItem{ppt::kSlideRange, 0};
-inline constexpr TypedMember kShapes{ppt::kSlideRange, 2003};
+inline constexpr Member<std::int32_t> kCount{{ppt::kSlideRange, 11}};
+inline constexpr Member<ObjectRef> kItem{{ppt::kSlideRange, 0}};
+inline constexpr Member<ObjectRef> kShapes{{ppt::kSlideRange, 2003}};
 }  // namespace slideRange
 
 namespace shapeRange {
-inline constexpr TypedMember kCount{ppt::kShapeRange, 9};
-inline constexpr TypedMember kItem{ppt::kShapeRange, 0};
+inline constexpr Member<std::int32_t> kCount{{ppt::kShapeRange, 9}};
+inline constexpr Member<ObjectRef> kItem{{ppt::kShapeRange, 0}};
 }  // namespace shapeRange
 
 namespace shapes {
-inline constexpr TypedMember kCount{ppt::kShapes, 2};
-inline constexpr TypedMember kItem{ppt::kShapes, 0};
+inline constexpr Member<std::int32_t> kCount{{ppt::kShapes, 2}};
+inline constexpr Member<ObjectRef> kItem{{ppt::kShapes, 0}};
 }  // namespace shapes
 
 namespace groupShapes {
-inline constexpr TypedMember kCount{ppt::kGroupShapes, 2};
-inline constexpr TypedMember kItem{ppt::kGroupShapes, 0};
+inline constexpr Member<std::int32_t> kCount{{ppt::kGroupShapes, 2}};
+inline constexpr Member<ObjectRef> kItem{{ppt::kGroupShapes, 0}};
 }  // namespace groupShapes
 
 namespace shape {
-inline constexpr TypedMember kHeight{ppt::kShape, 109};
-inline constexpr TypedMember kLeft{ppt::kShape, 111};
-inline constexpr TypedMember kName{ppt::kShape, 115};
-inline constexpr TypedMember kTextFrame{ppt::kShape, 121};
-inline constexpr TypedMember kTop{ppt::kShape, 123};
-inline constexpr TypedMember kWidth{ppt::kShape, 128};
-inline constexpr TypedMember kId{ppt::kShape, 139};
-inline constexpr TypedMember kHasTextFrame{ppt::kShape, 2014};
-inline constexpr TypedMember kHasTable{ppt::kShape, 2016};
-inline constexpr TypedMember kTable{ppt::kShape, 2017};
+inline constexpr Member<float> kHeight{{ppt::kShape, 109}};
+inline constexpr Member<float> kLeft{{ppt::kShape, 111}};
+inline constexpr Member<Wide> kName{{ppt::kShape, 115}};
+inline constexpr Member<ObjectRef> kTextFrame{{ppt::kShape, 121}};
+inline constexpr Member<float> kTop{{ppt::kShape, 123}};
+inline constexpr Member<float> kWidth{{ppt::kShape, 128}};
+inline constexpr Member<std::int32_t> kId{{ppt::kShape, 139}};
+inline constexpr Member<std::int32_t> kHasTextFrame{{ppt::kShape, 2014}};
+inline constexpr Member<std::int32_t> kHasTable{{ppt::kShape, 2016}};
+inline constexpr Member<ObjectRef> kTable{{ppt::kShape, 2017}};
 }  // namespace shape
 
 namespace textFrame {
-inline constexpr TypedMember kParent{ppt::kTextFrame, 1};
-inline constexpr TypedMember kMarginLeft{ppt::kTextFrame, 101};
-inline constexpr TypedMember kMarginRight{ppt::kTextFrame, 102};
-inline constexpr TypedMember kHasText{ppt::kTextFrame, 2003};
-inline constexpr TypedMember kTextRange{ppt::kTextFrame, 2004};
-inline constexpr TypedMember kAutoSize{ppt::kTextFrame, 2008};
-inline constexpr TypedMember kWordWrap{ppt::kTextFrame, 2009};
+inline constexpr Member<ObjectRef> kParent{{ppt::kTextFrame, 1}};
+inline constexpr Member<float> kMarginLeft{{ppt::kTextFrame, 101}};
+inline constexpr Member<float> kMarginRight{{ppt::kTextFrame, 102}};
+inline constexpr Member<std::int32_t> kHasText{{ppt::kTextFrame, 2003}};
+inline constexpr Member<ObjectRef> kTextRange{{ppt::kTextFrame, 2004}};
+inline constexpr Member<std::int32_t> kAutoSize{{ppt::kTextFrame, 2008}};
+inline constexpr Member<std::int32_t> kWordWrap{{ppt::kTextFrame, 2009}};
 }  // namespace textFrame
 
 namespace textRange {
-inline constexpr TypedMember kCount{ppt::kTextRange, 11};
-inline constexpr TypedMember kParent{ppt::kTextRange, 2002};
-inline constexpr TypedMember kStart{ppt::kTextRange, 2004};
-inline constexpr TypedMember kLength{ppt::kTextRange, 2005};
-inline constexpr TypedMember kBoundLeft{ppt::kTextRange, 2006};
-inline constexpr TypedMember kBoundWidth{ppt::kTextRange, 2008};
-inline constexpr TypedMember kBoundHeight{ppt::kTextRange, 2009};
-inline constexpr TypedMember kParagraphs{ppt::kTextRange, 2010};
-inline constexpr TypedMember kCharacters{ppt::kTextRange, 2013};
-inline constexpr TypedMember kRuns{ppt::kTextRange, 2015};
-inline constexpr TypedMember kText{ppt::kTextRange, 0};
-inline constexpr TypedMember kFont{ppt::kTextRange, 2022};
+inline constexpr Member<std::int32_t> kCount{{ppt::kTextRange, 11}};
+inline constexpr Member<ObjectRef> kParent{{ppt::kTextRange, 2002}};
+inline constexpr Member<std::int32_t> kStart{{ppt::kTextRange, 2004}};
+inline constexpr Member<std::int32_t> kLength{{ppt::kTextRange, 2005}};
+inline constexpr Member<float> kBoundLeft{{ppt::kTextRange, 2006}};
+inline constexpr Member<float> kBoundWidth{{ppt::kTextRange, 2008}};
+inline constexpr Member<float> kBoundHeight{{ppt::kTextRange, 2009}};
+inline constexpr Member<ObjectRef> kParagraphs{{ppt::kTextRange, 2010}};
+inline constexpr Member<ObjectRef> kCharacters{{ppt::kTextRange, 2013}};
+inline constexpr Member<ObjectRef> kRuns{{ppt::kTextRange, 2015}};
+inline constexpr Member<Wide> kText{{ppt::kTextRange, 0}};
+inline constexpr Member<ObjectRef> kFont{{ppt::kTextRange, 2022}};
 }  // namespace textRange
 
 namespace font {
-inline constexpr TypedMember kColor{ppt::kFont, 2003};
-inline constexpr TypedMember kBold{ppt::kFont, 2004};
-inline constexpr TypedMember kItalic{ppt::kFont, 2005};
-inline constexpr TypedMember kSize{ppt::kFont, 2014};
-inline constexpr TypedMember kName{ppt::kFont, 2015};
-inline constexpr TypedMember kNameFarEast{ppt::kFont, 2016};
-inline constexpr TypedMember kNameAscii{ppt::kFont, 2017};
+inline constexpr Member<ObjectRef> kColor{{ppt::kFont, 2003}};
+inline constexpr Member<std::int32_t> kBold{{ppt::kFont, 2004}};
+inline constexpr Member<std::int32_t> kItalic{{ppt::kFont, 2005}};
+inline constexpr Member<float> kSize{{ppt::kFont, 2014}};
+inline constexpr Member<Wide> kName{{ppt::kFont, 2015}};
+inline constexpr Member<Wide> kNameFarEast{{ppt::kFont, 2016}};
+inline constexpr Member<Wide> kNameAscii{{ppt::kFont, 2017}};
 }  // namespace font
 
 namespace colorFormat {
-inline constexpr TypedMember kRgb{ppt::kColorFormat, 0};
-inline constexpr TypedMember kType{ppt::kColorFormat, 101};
-inline constexpr TypedMember kTintAndShade{ppt::kColorFormat, 103};
-inline constexpr TypedMember kSchemeColor{ppt::kColorFormat, 2003};
+inline constexpr Member<std::int32_t> kRgb{{ppt::kColorFormat, 0}};
+inline constexpr Member<std::int32_t> kType{{ppt::kColorFormat, 101}};
+inline constexpr Member<float> kTintAndShade{{ppt::kColorFormat, 103}};
+inline constexpr Member<std::int32_t> kSchemeColor{{ppt::kColorFormat, 2003}};
 }  // namespace colorFormat
 
 namespace table {
-inline constexpr TypedMember kColumns{ppt::kTable, 2003};
-inline constexpr TypedMember kRows{ppt::kTable, 2004};
+inline constexpr Member<ObjectRef> kColumns{{ppt::kTable, 2003}};
+inline constexpr Member<ObjectRef> kRows{{ppt::kTable, 2004}};
 }  // namespace table
 
 namespace rows {
-inline constexpr TypedMember kCount{ppt::kRows, 11};
+inline constexpr Member<std::int32_t> kCount{{ppt::kRows, 11}};
 }
 namespace columns {
-inline constexpr TypedMember kCount{ppt::kColumns, 11};
+inline constexpr Member<std::int32_t> kCount{{ppt::kColumns, 11}};
 }
 
 namespace tags {
-inline constexpr TypedMember kItem{ppt::kTags, 0};
+inline constexpr Member<Wide> kItem{{ppt::kTags, 0}};
 }
 
 }  // namespace ppt

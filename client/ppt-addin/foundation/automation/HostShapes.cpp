@@ -15,14 +15,13 @@ constexpr std::int32_t kMinItemsOfUnknown = 2;
 }  // namespace
 
 bool ShapeList::Count(std::int32_t& count) const {
-  return TypedGetWhole(object.get(), groupItems ? ppt::groupShapes::kCount : ppt::shapes::kCount,
-                       count);
+  return Get(object.get(), groupItems ? ppt::groupShapes::kCount : ppt::shapes::kCount, count);
 }
 
 bool ShapeList::At(std::int32_t index, ObjectRef& shape) const {
   if (Succeeded(ShapeItem(object.get(), index, shape)) && shape) return true;
-  return TypedGetObjectAt(object.get(), groupItems ? ppt::groupShapes::kItem : ppt::shapes::kItem,
-                          index, shape);
+  return GetAt(object.get(), groupItems ? ppt::groupShapes::kItem : ppt::shapes::kItem, index,
+               shape);
 }
 
 std::int32_t ShapeType(AutomationObject* shape, bool& read) {
@@ -56,17 +55,17 @@ bool ShapeGroupItems(AutomationObject* shape, ShapeList& items) {
 
 bool HasTable(AutomationObject* shape) {
   std::int32_t flag = 0;
-  return TypedGetWhole(shape, ppt::shape::kHasTable, flag) && flag == kTrue;
+  return Get(shape, ppt::shape::kHasTable, flag) && flag == kTrue;
 }
 
 bool ReadTable(AutomationObject* shape, TableGrid& grid) {
   ObjectRef rows;
   ObjectRef columns;
-  return TypedGetObject(shape, ppt::shape::kTable, grid.table) &&
-         TypedGetObject(grid.table.get(), ppt::table::kRows, rows) &&
-         TypedGetObject(grid.table.get(), ppt::table::kColumns, columns) &&
-         TypedGetWhole(rows.get(), ppt::rows::kCount, grid.rows) &&
-         TypedGetWhole(columns.get(), ppt::columns::kCount, grid.columns);
+  return Get(shape, ppt::shape::kTable, grid.table) &&
+         Get(grid.table.get(), ppt::table::kRows, rows) &&
+         Get(grid.table.get(), ppt::table::kColumns, columns) &&
+         Get(rows.get(), ppt::rows::kCount, grid.rows) &&
+         Get(columns.get(), ppt::columns::kCount, grid.columns);
 }
 
 bool CellShape(AutomationObject* table, std::int32_t row, std::int32_t column, ObjectRef& shape) {
@@ -80,8 +79,8 @@ bool CellShape(AutomationObject* table, std::int32_t row, std::int32_t column, O
 
 bool FrameRange(AutomationObject* shape, ObjectRef& range) {
   ObjectRef frame;
-  return TypedGetObject(shape, ppt::shape::kTextFrame, frame) &&
-         TypedGetObject(frame.get(), ppt::textFrame::kTextRange, range);
+  return Get(shape, ppt::shape::kTextFrame, frame) &&
+         Get(frame.get(), ppt::textFrame::kTextRange, range);
 }
 
 }  // namespace quillmarch

@@ -11,6 +11,7 @@
 #include "foundation/log/Log.h"
 #include "foundation/system/LiveCounts.h"
 #include "foundation/system/ModulePin.h"
+#include "foundation/text/Hex.h"
 
 namespace quillmarch {
 
@@ -57,12 +58,8 @@ WideView StageWord(const char16_t* stage) {
 }
 
 Wide CodeText(std::uint32_t code) {
-  constexpr int kHexDigits = 8;
-  Wide text = u"0x";
-  for (int digit = kHexDigits - 1; digit >= 0; --digit) {
-    text += u"0123456789ABCDEF"[(code >> (4 * digit)) & 0xF];
-  }
-  return text;
+  constexpr int kDigits = 8;
+  return u"0x" + HexText(code, kDigits);
 }
 
 // Counts a beacon's thread from before it is made.

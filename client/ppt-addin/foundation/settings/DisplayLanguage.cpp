@@ -5,6 +5,7 @@
 #include "foundation/automation/Automation.h"
 #include "foundation/settings/UserConfig.h"
 #include "foundation/system/SystemLanguage.h"
+#include "foundation/text/Hex.h"
 
 namespace quillmarch {
 
@@ -37,6 +38,7 @@ constexpr PrimaryLanguage kPrimaries[] = {
     {18, u"ko"}, {25, u"ru"}, {30, u"th"}, {33, u"id"}, {42, u"vi"}, {62, u"ms"},
 };
 
+constexpr std::uint32_t kLanguageMask = 0xFFFF;  // above it comes the order of sorting
 constexpr std::uint32_t kPrimaryMask = 0x3FF;
 constexpr int kSublanguageShift = 10;
 constexpr std::uint32_t kPrimaryChinese = 4;
@@ -64,7 +66,7 @@ bool IsTraditionalChinese(std::uint32_t id) {
     default:
       break;
   }
-  const std::uint32_t sublanguage = id >> kSublanguageShift;
+  const std::uint32_t sublanguage = (id & kLanguageMask) >> kSublanguageShift;
   return sublanguage == 1 || sublanguage == 3 || sublanguage == 5;
 }
 
@@ -146,14 +148,11 @@ Wide Text(WideView key) {
 
 Wide FormatHr(WideView text, ResultCode hr) {
   constexpr WideView kMark = u"{hr}";
-  constexpr int kHexDigits = 8;
+  constexpr int kDigits = 8;
   const std::size_t at = text.find(kMark);
   if (at == WideView::npos) return Wide(text);
   Wide out(text.substr(0, at));
-  out += u"0x";
-  for (int digit = kHexDigits - 1; digit >= 0; --digit) {
-    out += u"0123456789ABCDEF"[(static_cast<std::uint32_t>(hr) >> (4 * digit)) & 0xF];
-  }
+  out += u"0x" + HexText(static_cast<std::uint32_t>(hr), kDigits);
   out += text.substr(at + kMark.size());
   return out;
 }

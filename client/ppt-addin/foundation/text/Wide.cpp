@@ -3,11 +3,11 @@
 #include <charconv>
 #include <cstring>
 
+#include "foundation/text/Utf8.h"
+
 namespace quillmarch {
 
 namespace {
-
-constexpr char16_t kReplacement = 0xFFFD;
 
 bool IsHigh(char16_t unit) {
   return unit >= 0xD800 && unit <= 0xDBFF;
@@ -16,7 +16,7 @@ bool IsLow(char16_t unit) {
   return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-void AppendCodePoint(Wide& out, std::uint32_t point) {
+void AppendCodePoint(Wide& out, char32_t point) {
   if (point < 0x10000) {
     out.push_back(static_cast<char16_t>(point));
     return;
@@ -26,36 +26,8 @@ void AppendCodePoint(Wide& out, std::uint32_t point) {
   out.push_back(static_cast<char16_t>(0xDC00 + (point & 0x3FF)));
 }
 
-// How a sequence that begins with `lead` goes on. The range of the second byte is what shuts out
-// overlong forms, surrogates and everything above U+10FFFF.
-struct Sequence {
-  unsigned trailing = 0;  // 0: no lead byte
-  unsigned char secondLow = 0x80;
-  unsigned char secondHigh = 0xBF;
-  std::uint32_t bits = 0;
-};
-
-Sequence SequenceOf(unsigned char lead) {
-  Sequence s;
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    s.trailing = 1;
-    s.bits = lead & 0x1Fu;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    s.trailing = 2;
-    s.bits = lead & 0x0Fu;
-    if (lead == 0xE0) s.secondLow = 0xA0;
-    if (lead == 0xED) s.secondHigh = 0x9F;
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    s.trailing = 3;
-    s.bits = lead & 0x07u;
-    if (lead == 0xF0) s.secondLow = 0x90;
-    if (lead == 0xF4) s.secondHigh = 0x8F;
-  }
-  return s;
-}
-
-// Where the plain ASCII that begins at `from` ends. Most texts are nothing else, so it is looked
-// for eight bytes at a time.
+// Where the plain ASCII that begins at `from` ends. Most texts are nothing else, so eight bytes are
+// tested at a time.
 template <typename Unit>
 std::size_t AsciiEnd(std::basic_string_view<Unit> text, std::size_t from) {
   constexpr std::size_t kStep = sizeof(std::uint64_t) / sizeof(Unit);
@@ -101,30 +73,9 @@ Wide ToWide(std::string_view utf8) {
       i = plain;
       continue;
     }
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    ++i;
-    Sequence s = SequenceOf(lead);
-    bool whole = s.trailing != 0;
-    for (unsigned k = 0; whole && k < s.trailing; ++k) {
-      if (i == utf8.size()) {
-        whole = false;
-        break;
-      }
-      const auto next = static_cast<unsigned char>(utf8[i]);
-      const unsigned char low = k == 0 ? s.secondLow : 0x80;
-      const unsigned char high = k == 0 ? s.secondHigh : 0xBF;
-      if (next < low || next > high) {
-        whole = false;
-      } else {
-        s.bits = (s.bits << 6) | (next & 0x3Fu);
-        ++i;
-      }
-    }
-    if (whole) {
-      AppendCodePoint(out, s.bits);
-    } else {
-      out.push_back(kReplacement);
-    }
+    const Utf8Char next = DecodeUtf8(utf8.substr(i));
+    AppendCodePoint(out, next.code);
+    i += next.skip;
   }
   return out;
 }
@@ -132,7 +83,6 @@ Wide ToWide(std::string_view utf8) {
 std::string ToUtf8(WideView text) {
   std::string out;
   out.reserve(text.size() + text.size() / 2);
-  const auto put = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
   for (std::size_t i = 0; i < text.size(); ++i) {
     const std::size_t plain = AsciiEnd(text, i);
     if (plain > i) {
@@ -140,26 +90,14 @@ std::string ToUtf8(WideView text) {
       i = plain - 1;
       continue;
     }
-    std::uint32_t point = text[i];
+    char32_t point = text[i];
     if (IsHigh(text[i]) && i + 1 < text.size() && IsLow(text[i + 1])) {
       point = 0x10000 + ((point - 0xD800) << 10) + (text[i + 1] - 0xDC00u);
       ++i;
     } else if (IsHigh(text[i]) || IsLow(text[i])) {
-      point = kReplacement;
+      point = kReplacementCharacter;
     }
-    if (point < 0x800) {
-      put(0xC0 | (point >> 6));
-      put(0x80 | (point & 0x3F));
-    } else if (point < 0x10000) {
-      put(0xE0 | (point >> 12));
-      put(0x80 | ((point >> 6) & 0x3F));
-      put(0x80 | (point & 0x3F));
-    } else {
-      put(0xF0 | (point >> 18));
-      put(0x80 | ((point >> 12) & 0x3F));
-      put(0x80 | ((point >> 6) & 0x3F));
-      put(0x80 | (point & 0x3F));
-    }
+    AppendUtf8(out, point);
   }
   return out;
 }

@@ -11,7 +11,7 @@ namespace quillmarch {
 using Wide = std::u16string;
 using WideView = std::u16string_view;
 
-// UTF-8 to UTF-16. Bytes that are no UTF-8 become U+FFFD, one for each maximal broken piece; a
+// UTF-8 to UTF-16. Bytes that are not UTF-8 become U+FFFD, one for each maximal broken piece; the
 // conversion never fails.
 Wide ToWide(std::string_view utf8);
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <new>
 
+#include "foundation/transport/HeaderText.h"
 #include "foundation/transport/HttpTransport.h"
 #include "foundation/transport/RunHold.h"
 #include "foundation/transport/TransferTimes.h"
@@ -17,8 +18,8 @@ namespace quillmarch {
 namespace {
 
 constexpr long kFirstFinalStatus = 200;
-// An answer that comes within this time is waited for awake: from a service on the same machine it
-// takes less than going to sleep and being woken does.
+// An answer that comes within this time is waited for without sleeping: from a service on the same
+// machine it takes less time than falling asleep and being woken.
 constexpr std::chrono::microseconds kAwakeTime{300};
 constexpr int kSleepMs = 1000;  // until the limits are looked at again
 
@@ -91,6 +92,7 @@ std::size_t OnHeader(char* line, std::size_t unit, std::size_t count, void* cont
 std::size_t OnData(char* data, std::size_t unit, std::size_t count, void* context) {
   Transfer& transfer = *static_cast<Transfer*>(context);
   const std::size_t taken = unit * count;
+  if (taken > kMaxAnswerBytes - transfer.answer.size()) return 0;
   if (!HoldWhilePaused(transfer.cancel, transfer.pause)) return 0;
   try {
     transfer.answer.append(data, taken);
@@ -137,10 +139,11 @@ Headers MakeHeaders(const Wide* bearerToken) {
   };
   bool complete = add("Content-Type: application/json");
   if (bearerToken != nullptr && !bearerToken->empty()) {
-    complete = complete && add("Authorization: Bearer " + ToUtf8(*bearerToken));
+    complete = complete && IsHeaderText(*bearerToken) &&
+               add("Authorization: Bearer " + ToUtf8(*bearerToken));
   }
   complete = complete && add("Connection: Keep-Alive");
-  // A name without a value takes away a header that the library would send by itself.
+  // A name without a value removes a header that the library would send on its own.
   complete = complete && add("Accept:") && add("Expect:");
   if (!complete) headers.reset();
   return headers;

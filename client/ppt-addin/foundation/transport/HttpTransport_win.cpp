@@ -7,6 +7,7 @@
 
 #include "foundation/system/LiveCounts.h"
 #include "foundation/system/WinText.h"
+#include "foundation/transport/HeaderText.h"
 #include "foundation/transport/HttpTransport.h"
 #include "foundation/transport/RunHold.h"
 
@@ -22,7 +23,7 @@ struct CloseInternetHandle {
 };
 using InternetHandle = std::unique_ptr<std::remove_pointer_t<HINTERNET>, CloseInternetHandle>;
 
-// The brackets that an address of IPv6 wears in a URL are no part of the address.
+// The brackets around an IPv6 address in a URL are not part of the address.
 std::wstring ConnectName(WideView host) {
   if (host.size() > 2 && host.front() == u'[' && host.back() == u']') {
     host = host.substr(1, host.size() - 2);
@@ -53,13 +54,14 @@ bool QueryNumber(HINTERNET request, DWORD header, DWORD& number) {
                              WINHTTP_NO_HEADER_INDEX) != FALSE;
 }
 
-// Not every version of the system tells of a connection that ended before the answer did.
+// Not every version of the system reports a connection that ended before the answer did.
 bool IsCutShort(HINTERNET request, const std::string& body) {
   DWORD announced = 0;
   return QueryNumber(request, WINHTTP_QUERY_CONTENT_LENGTH, announced) && body.size() < announced;
 }
 
-// False when the answer could not be read to its end or the run was cancelled meanwhile.
+// False when the answer could not be read to its end, is too long, or the run was cancelled
+// meanwhile.
 bool ReadBody(HINTERNET request, const RunFlag* cancelFlag, const RunFlag* pauseFlag,
               std::string& body) {
   for (;;) {
@@ -68,6 +70,7 @@ bool ReadBody(HINTERNET request, const RunFlag* cancelFlag, const RunFlag* pause
     if (available == 0) return !IsCutShort(request, body);
     if (!HoldWhilePaused(cancelFlag, pauseFlag)) return false;
     const std::size_t length = body.size();
+    if (available > kMaxAnswerBytes - length) return false;
     body.resize(length + available);
     DWORD read = 0;
     if (WinHttpReadData(request, body.data() + length, available, &read) == FALSE) return false;
@@ -96,12 +99,15 @@ Wide HttpPostJson(const Endpoint& endpoint, WideView path, std::string_view body
           ? nullptr
           : WinHttpConnect(session.get(), ConnectName(endpoint.host).c_str(), endpoint.port, 0));
   if (!connection) return Fail(outError, u"WinHttpConnect failed");
-  const InternetHandle request(WinHttpOpenRequest(
-      connection.get(), L"POST", ToWinText(path).c_str(), nullptr, WINHTTP_NO_REFERER,
-      WINHTTP_DEFAULT_ACCEPT_TYPES, endpoint.useHttps ? WINHTTP_FLAG_SECURE : 0));
+  const bool goodToken = bearerToken == nullptr || IsHeaderText(*bearerToken);
+  const InternetHandle request(
+      goodToken ? WinHttpOpenRequest(connection.get(), L"POST", ToWinText(path).c_str(), nullptr,
+                                     WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES,
+                                     endpoint.useHttps ? WINHTTP_FLAG_SECURE : 0)
+                : nullptr);
   if (!request) return Fail(outError, u"WinHttpOpenRequest failed");
-  // The body and the token go to the address asked for, once: neither a redirect nor a challenge
-  // by the server makes the system send them again.
+  // The body and the token go to the given address, once: neither a redirect nor a challenge by
+  // the server makes the system send them again.
   DWORD disabled = WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_AUTHENTICATION;
   WinHttpSetOption(request.get(), WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof(disabled));
 

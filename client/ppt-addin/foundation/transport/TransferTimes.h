@@ -1,5 +1,5 @@
-// How long a transfer may take in each of its stages. The client library of Windows brings these
-// limits along; where another one stands in, this record keeps the same ones.
+// How long a transfer may take in each of its stages. The client library of Windows has these
+// limits built in; where another library takes its place, this record enforces the same ones.
 #pragma once
 
 #include <chrono>
@@ -7,21 +7,26 @@
 
 namespace quillmarch {
 
-// Resolving the name has no limit. Connecting, the TLS handshake included:
-inline constexpr std::chrono::milliseconds kConnectLimit{60'000};
-// Between two pieces of the request that leave:
-inline constexpr std::chrono::milliseconds kSendLimit{30'000};
-// From the request's last byte to the end of the answer's headers:
-inline constexpr std::chrono::milliseconds kReceiveResponseLimit{90'000};
-// Between two pieces of the answer's body:
-inline constexpr std::chrono::milliseconds kReceiveLimit{30'000};
+// Resolving the name has no limit.
+struct TransferLimits {
+  std::chrono::milliseconds connect{60'000};  // the TLS handshake included
+  std::chrono::milliseconds send{30'000};     // between two pieces of the request that leave
+  // From the request's last byte to the end of the answer's headers.
+  std::chrono::milliseconds receiveResponse{90'000};
+  std::chrono::milliseconds receive{30'000};  // between two pieces of the answer's body
+};
+
+// Those of the transfers that begin from now on; tests shorten them.
+TransferLimits& ProcessTransferLimits();
 
 // One for each transfer, told of its events in order, each with the time of the event. One thread.
 class TransferTimes {
  public:
   using Time = std::chrono::steady_clock::time_point;
 
-  explicit TransferTimes(std::uint64_t bodyBytes) : bodyBytes_(bodyBytes) {}
+  explicit TransferTimes(std::uint64_t bodyBytes,
+                         const TransferLimits& limits = ProcessTransferLimits())
+      : limits_(limits), bodyBytes_(bodyBytes) {}
 
   void SocketOpened(Time now);  // of several sockets the first counts
   void Connected(Time now);
@@ -34,6 +39,7 @@ class TransferTimes {
  private:
   enum class Stage { kResolve, kConnect, kSend, kAwaitHeaders, kReceive };
 
+  const TransferLimits limits_;
   std::uint64_t bodyBytes_;
   std::uint64_t sentBytes_ = 0;
   Stage stage_ = Stage::kResolve;

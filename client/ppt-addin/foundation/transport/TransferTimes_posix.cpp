@@ -2,6 +2,11 @@
 
 namespace quillmarch {
 
+TransferLimits& ProcessTransferLimits() {
+  static TransferLimits limits;
+  return limits;
+}
+
 void TransferTimes::SocketOpened(Time now) {
   if (stage_ != Stage::kResolve) return;
   stage_ = Stage::kConnect;
@@ -39,13 +44,13 @@ bool TransferTimes::Expired(Time now) const {
     case Stage::kResolve:
       return false;
     case Stage::kConnect:
-      return now - since_ > kConnectLimit;
+      return now - since_ > limits_.connect;
     case Stage::kSend:
-      return now - since_ > kSendLimit;
+      return now - since_ > limits_.send;
     case Stage::kAwaitHeaders:
-      return now - since_ > kReceiveResponseLimit;
+      return now - since_ > limits_.receiveResponse;
     case Stage::kReceive:
-      return now - since_ > kReceiveLimit;
+      return now - since_ > limits_.receive;
   }
   return false;
 }

@@ -20,22 +20,21 @@ struct Paragraphs {
   std::vector<bool> endsWithCr;
 };
 
-bool FlagHolds(AutomationObject* object, const TypedMember& member) {
+bool FlagHolds(AutomationObject* object, const Member<std::int32_t>& member) {
   std::int32_t flag = 0;
-  return TypedGetWhole(object, member, flag) && flag == kTrue;
+  return Get(object, member, flag) && flag == kTrue;
 }
 
 bool ReadRange(AutomationObject* shape, ObjectRef& range, std::int32_t& count) {
   ObjectRef frame;
   ObjectRef all;
-  if (!FlagHolds(shape, ppt::shape::kHasTextFrame) ||
-      !TypedGetObject(shape, ppt::shape::kTextFrame, frame) ||
+  if (!FlagHolds(shape, ppt::shape::kHasTextFrame) || !Get(shape, ppt::shape::kTextFrame, frame) ||
       !FlagHolds(frame.get(), ppt::textFrame::kHasText) ||
-      !TypedGetObject(frame.get(), ppt::textFrame::kTextRange, range) ||
-      !TypedGetObjectAt2(range.get(), ppt::textRange::kParagraphs, kAll, kAll, all)) {
+      !Get(frame.get(), ppt::textFrame::kTextRange, range) ||
+      !GetAt(range.get(), ppt::textRange::kParagraphs, kAll, kAll, all)) {
     return false;
   }
-  return TypedGetWhole(all.get(), ppt::textRange::kCount, count);
+  return Get(all.get(), ppt::textRange::kCount, count);
 }
 
 Paragraphs ReadParagraphs(AutomationObject* range, std::int32_t count) {
@@ -43,8 +42,8 @@ Paragraphs ReadParagraphs(AutomationObject* range, std::int32_t count) {
   for (std::int32_t i = 1; i <= count; ++i) {
     Wide text;
     ObjectRef paragraph;
-    if (!TypedGetObjectAt2(range, ppt::textRange::kParagraphs, i, 1, paragraph) ||
-        !TypedGetText(paragraph.get(), ppt::textRange::kText, text)) {
+    if (!GetAt(range, ppt::textRange::kParagraphs, i, 1, paragraph) ||
+        !Get(paragraph.get(), ppt::textRange::kText, text)) {
       text.clear();
     }
     read.endsWithCr.push_back(TrimParagraphEnd(text));
@@ -57,38 +56,21 @@ Wide ShapeName(AutomationObject* shape) {
   Variant value;
   if (Succeeded(AutoGet(shape, u"Name", value))) return VariantToText(value);
   Wide name;
-  return TypedGetText(shape, ppt::shape::kName, name) ? name : Wide(u"?");
+  return Get(shape, ppt::shape::kName, name) ? name : Wide(u"?");
 }
 
 void LogFrame(AutomationObject* shape, std::int32_t slide, const ShapePath& path,
-              std::int32_t count) {
+              std::int32_t count, Wide& name) {
   bool read = false;
   const std::int32_t type = ShapeType(shape, read);
+  name = ShapeName(shape);
   const std::int32_t depth = std::clamp(path.depth, std::int32_t{0}, kMaxPathDepth);
   LogLine(u"PptCtrl shape slides[" + Decimal(slide) + u"] " + PathText(path) + u" depth=" +
-          Decimal(depth) + u" type=" + Decimal(type) + u" name=" + ShapeName(shape) + u" paras=" +
+          Decimal(depth) + u" type=" + Decimal(type) + u" name=" + name + u" paras=" +
           Decimal(count));
 }
 
 }  // namespace
-
-void AddUnit(RunState& run, TextUnit unit, UnitLocator locator) {
-  unit.slideIndex = locator.slideIndex;
-  unit.endsWithCr = locator.endsWithCr;
-  // One after the other and undone together, so that the lists stay of equal length whatever an
-  // allocation throws.
-  const std::size_t before = run.units.size();
-  try {
-    run.sourceTexts.push_back(unit.sourceText);
-    run.units.push_back(std::move(unit));
-    run.locators.push_back(std::move(locator));
-  } catch (...) {
-    run.sourceTexts.resize(before);
-    run.units.resize(before);
-    run.locators.resize(before);
-    throw;
-  }
-}
 
 bool TrimParagraphEnd(Wide& text) {
   const bool endsWithCr = !text.empty() && text.back() == u'\r';
@@ -96,12 +78,13 @@ bool TrimParagraphEnd(Wide& text) {
   return endsWithCr;
 }
 
-void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, const ShapePath& path,
-                  const UnitLocator& locatorTemplate) {
+void CollectFrame(RunTexts& texts, AutomationObject* shape, std::int32_t slide,
+                  const ShapePath& path, const UnitLocator& locatorTemplate) {
   ObjectRef range;
   std::int32_t count = 0;
   if (!ReadRange(shape, range, count) || count <= 0) return;
-  LogFrame(shape, slide, path, count);
+  auto name = std::make_shared<Wide>();
+  LogFrame(shape, slide, path, count, *name);
 
   const Paragraphs paragraphs = ReadParagraphs(range.get(), count);
   auto frameText = std::make_shared<Wide>();
@@ -113,6 +96,7 @@ void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, co
   locator.shapePath = Stored(path);
   TextUnit unit;
   unit.frameText = frameText;
+  unit.shapeName = name;
   unit.paragraphCount = count;
   const Wide pathText = PathText(path);
 
@@ -120,10 +104,9 @@ void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, co
     LogLine(u"PptCtrl frame collapse slides[" + Decimal(slide) + u"] " + pathText + u" paras=" +
             Decimal(count));
     unit.unitId = pathText + u".frame";
-    unit.sourceText = *frameText;
     unit.frameCollapsed = true;
     locator.wholeFrame = true;
-    AddUnit(run, std::move(unit), std::move(locator));
+    texts.Add(std::move(unit), *frameText, std::move(locator));
     return;
   }
 
@@ -134,13 +117,13 @@ void CollectFrame(RunState& run, AutomationObject* shape, std::int32_t slide, co
     const Wide& text = paragraphs.texts[at];
     if (ShouldSkip(text)) {
       LogLine(u"PptCtrl skip: slides[" + Decimal(slide) + u"] \"" + text + u"\" (ShouldSkip)");
+      ++texts.skipped;
       continue;
     }
     unit.unitId = pathText + u".p" + Decimal(i);
-    unit.sourceText = text;
     locator.paragraphIndex = i;
     locator.endsWithCr = paragraphs.endsWithCr[at];
-    AddUnit(run, unit, locator);
+    texts.Add(unit, text, locator);
   }
 }
 

@@ -12,7 +12,7 @@
 #include "run/collect/CollectSlides.h"
 #include "run/collect/LocateSelected.h"
 #include "run/collect/WalkShapes.h"
-#include "run/document/RunWindow.h"
+#include "run/document/CollectCodes.h"
 #include "run/document/ShouldSkip.h"
 
 namespace quillmarch::addin {
@@ -25,27 +25,31 @@ constexpr std::int32_t kShapes = 2;
 constexpr std::int32_t kText = 3;
 constexpr std::int32_t kTrue = -1;
 
-constexpr char16_t kSelectFirst[] = u"请先选中要翻译的形状或文字";
-constexpr char16_t kNothingToTranslate[] = u"选区里没有可翻译的文字";
-constexpr char16_t kUnreadable[] = u"无法读取选区";
-constexpr char16_t kTooLarge[] = u"选区过大，请缩小选择范围";
-
 struct Collection {
-  RunState& run;
+  RunTexts& texts;
+  const RunSink* sink;
   ObjectRef slides;
   ObjectRef selection;
   std::int32_t activeSlide = 0;  // 0 when it cannot be read
 };
 
-ResultCode FailWith(const char16_t* text, Wide& outMessage) {
-  outMessage = text;
-  return kFail;
+Status SelectFirst() {
+  return {kNothingSelected, u"请先选中要翻译的形状或文字"};
+}
+Status NothingToTranslate() {
+  return {kSelectionWithoutText, u"选区里没有可翻译的文字"};
+}
+Status Unreadable() {
+  return {kSelectionUnreadable, u"无法读取选区"};
+}
+Status SelectionTooLarge() {
+  return {kSelectionTooLarge, u"选区过大，请缩小选择范围"};
 }
 
-void TellScan(const RunState& run, std::int32_t current, std::int32_t total,
+void TellScan(const Collection& from, std::int32_t current, std::int32_t total,
               const char16_t* phase) {
-  if (run.sink != nullptr && run.sink->onScanProgress) {
-    run.sink->onScanProgress(current, total, phase);
+  if (from.sink != nullptr && from.sink->onScanProgress) {
+    from.sink->onScanProgress(current, total, phase);
   }
 }
 
@@ -58,11 +62,11 @@ Wide PlaceText(std::int32_t row, std::int32_t column) {
 // A shape selected inside a group is taken alone and not its whole group.
 bool SelectedShapes(AutomationObject* selection, ObjectRef& range) {
   std::int32_t hasChildren = 0;
-  if (TypedGetWhole(selection, ppt::selection::kHasChildShapeRange, hasChildren) &&
-      hasChildren == kTrue && TypedGetObject(selection, ppt::selection::kChildShapeRange, range)) {
+  if (Get(selection, ppt::selection::kHasChildShapeRange, hasChildren) && hasChildren == kTrue &&
+      Get(selection, ppt::selection::kChildShapeRange, range)) {
     return true;
   }
-  return TypedGetObject(selection, ppt::selection::kShapeRange, range);
+  return Get(selection, ppt::selection::kShapeRange, range);
 }
 
 Wide KeyOf(const ShapeMatch& match) {
@@ -76,52 +80,52 @@ ShapePath WalkPath(const StoredPath& stored) {
   return path;
 }
 
-void CollectMatch(RunState& run, AutomationObject* shape, const ShapeMatch& match) {
+void CollectMatch(RunTexts& texts, AutomationObject* shape, const ShapeMatch& match) {
   UnitLocator locatorTemplate;
   if (match.onNotes) {
-    locatorTemplate.kind = kKindNotes;
+    locatorTemplate.kind = UnitKind::kNotes;
     locatorTemplate.onNotes = 1;
   }
   const ShapePath path = WalkPath(match.path);
   ShapeList items;
   if (match.row >= 1) {
-    locatorTemplate.kind = kKindCell;
+    locatorTemplate.kind = UnitKind::kCell;
     locatorTemplate.row = match.row;
     locatorTemplate.column = match.column;
-    CollectFrame(run, shape, match.slide, path, locatorTemplate);
+    CollectFrame(texts, shape, match.slide, path, locatorTemplate);
   } else if (ShapeGroupItems(shape, items)) {
-    WalkShapes(run, items, match.slide, path, locatorTemplate);
+    WalkShapes(texts, items, match.slide, path, locatorTemplate);
   } else {
-    CollectLeaf(run, shape, match.slide, path, locatorTemplate);
+    CollectLeaf(texts, shape, match.slide, path, locatorTemplate);
   }
   LogLine(u"PptCtrl shape selection slide=" + Decimal(match.slide) + u" " + PathText(path) +
           (match.onNotes ? u" notes" : u"") + PlaceText(match.row, match.column));
 }
 
-ResultCode CollectShapes(const Collection& from, Wide& outMessage) {
-  RunState& run = from.run;
+Status CollectShapes(const Collection& from) {
+  RunTexts& texts = from.texts;
   ObjectRef range;
   std::int32_t count = 0;
   if (!SelectedShapes(from.selection.get(), range) ||
-      !TypedGetWhole(range.get(), ppt::shapeRange::kCount, count) || count < 1) {
-    return FailWith(kSelectFirst, outMessage);
+      !Get(range.get(), ppt::shapeRange::kCount, count) || count < 1) {
+    return SelectFirst();
   }
-  TellScan(run, 0, count, u"shapes");
+  TellScan(from, 0, count, u"shapes");
   std::set<Wide> seen;
   for (std::int32_t i = 1; i <= count; ++i) {
     ObjectRef shape;
     ShapeMatch match;
-    if (!TypedGetObjectAt(range.get(), ppt::shapeRange::kItem, i, shape) ||
+    if (!GetAt(range.get(), ppt::shapeRange::kItem, i, shape) ||
         !LocateSelected(from.slides.get(), shape.get(), from.activeSlide, match)) {
-      run.skipNotes.push_back(u"无法定位选中的形状");
+      texts.skipNotes.push_back(u"无法定位选中的形状");
       LogLine(u"PptCtrl selection shape not located");
       continue;
     }
-    if (seen.insert(KeyOf(match)).second) CollectMatch(run, shape.get(), match);
+    if (seen.insert(KeyOf(match)).second) CollectMatch(texts, shape.get(), match);
   }
-  RegroupBySlide(run);
-  if (!run.units.empty()) return kOk;
-  return FailWith(seen.empty() ? kUnreadable : kNothingToTranslate, outMessage);
+  texts.RegroupBySlide();
+  if (!texts.units.empty()) return {};
+  return seen.empty() ? Unreadable() : NothingToTranslate();
 }
 
 // ---- Text ------------------------------------------------------------------------------------
@@ -129,38 +133,37 @@ ResultCode CollectShapes(const Collection& from, Wide& outMessage) {
 // The shape that a text range lies in.
 bool ShapeOfRange(AutomationObject* range, ObjectRef& shape) {
   ObjectRef frame;
-  return TypedGetObject(range, ppt::textRange::kParent, frame) &&
-         AnswersTo(frame.get(), ppt::kTextFrame) &&
-         TypedGetObject(frame.get(), ppt::textFrame::kParent, shape) &&
-         AnswersTo(shape.get(), ppt::kShape);
+  return Get(range, ppt::textRange::kParent, frame) && AnswersTo(frame.get(), ppt::kTextFrame) &&
+         Get(frame.get(), ppt::textFrame::kParent, shape) && AnswersTo(shape.get(), ppt::kShape);
 }
 
-ResultCode CollectText(const Collection& from, Wide& outMessage) {
+Status CollectText(const Collection& from) {
   ObjectRef range;
   ObjectRef shape;
   std::int32_t start = 0;
   std::int32_t length = 0;
-  if (!TypedGetObject(from.selection.get(), ppt::selection::kTextRange, range) ||
-      !TypedGetWhole(range.get(), ppt::textRange::kStart, start) ||
-      !TypedGetWhole(range.get(), ppt::textRange::kLength, length) || length < 1 ||
+  if (!Get(from.selection.get(), ppt::selection::kTextRange, range) ||
+      !Get(range.get(), ppt::textRange::kStart, start) ||
+      !Get(range.get(), ppt::textRange::kLength, length) || length < 1 ||
       !ShapeOfRange(range.get(), shape)) {
-    return FailWith(kSelectFirst, outMessage);
+    return SelectFirst();
   }
   ShapeMatch match;
   if (!LocateSelected(from.slides.get(), shape.get(), from.activeSlide, match)) {
-    return FailWith(kUnreadable, outMessage);
+    return Unreadable();
   }
-  TextUnit unit;
-  if (!TypedGetText(range.get(), ppt::textRange::kText, unit.sourceText)) {
-    return FailWith(kNothingToTranslate, outMessage);
+  Wide source;
+  if (!Get(range.get(), ppt::textRange::kText, source)) {
+    return NothingToTranslate();
   }
   UnitLocator locator;
-  locator.endsWithCr = TrimParagraphEnd(unit.sourceText);
-  if (ShouldSkip(unit.sourceText)) return FailWith(kNothingToTranslate, outMessage);
+  locator.endsWithCr = TrimParagraphEnd(source);
+  if (ShouldSkip(source)) return NothingToTranslate();
 
+  TextUnit unit;
   unit.unitId = PathText(match.path) + u".chars(" + Decimal(start) + u"," + Decimal(length) + u")";
   unit.frameText = std::make_shared<const Wide>();
-  locator.kind = kKindCharacters;
+  locator.kind = UnitKind::kCharacters;
   locator.slideIndex = match.slide;
   locator.shapePath = match.path;
   locator.onNotes = match.onNotes ? 1 : 0;
@@ -168,116 +171,89 @@ ResultCode CollectText(const Collection& from, Wide& outMessage) {
   locator.column = match.column;
   locator.charStart = std::max(start, std::int32_t{1});
   locator.charLength = length;
-  AddUnit(from.run, std::move(unit), std::move(locator));
-  RegroupBySlide(from.run);
+  from.texts.Add(std::move(unit), std::move(source), std::move(locator));
+  from.texts.RegroupBySlide();
   LogLine(u"PptCtrl text selection slide=" + Decimal(match.slide) + u" start=" + Decimal(start) +
           u" len=" + Decimal(length) + u" notes=" + Decimal(match.onNotes ? 1 : 0) +
           PlaceText(match.row, match.column));
-  return kOk;
+  return {};
 }
 
 // ---- Slides ----------------------------------------------------------------------------------
 
 // In the order of selection, which the writing then keeps. A bilingual copy is taken like any other
 // slide: who selects one means it.
-ResultCode CollectWholeSlides(const Collection& from, Wide& outMessage) {
-  RunState& run = from.run;
+Status CollectWholeSlides(const Collection& from) {
+  RunTexts& texts = from.texts;
   ObjectRef range;
   std::int32_t count = 0;
-  if (!TypedGetObject(from.selection.get(), ppt::selection::kSlideRange, range) ||
-      !TypedGetWhole(range.get(), ppt::slideRange::kCount, count) || count < 1) {
-    return FailWith(kSelectFirst, outMessage);
+  if (!Get(from.selection.get(), ppt::selection::kSlideRange, range) ||
+      !Get(range.get(), ppt::slideRange::kCount, count) || count < 1) {
+    return SelectFirst();
   }
-  TellScan(run, 0, count, u"slides");
+  TellScan(from, 0, count, u"slides");
   for (std::int32_t position = 1; position <= count; ++position) {
     ObjectRef slide;
     std::int32_t index = 0;
-    if (TypedGetObjectAt(range.get(), ppt::slideRange::kItem, position, slide) &&
-        TypedGetWhole(slide.get(), ppt::slide::kSlideIndex, index) &&
-        WalkSlide(run, slide.get(), index)) {
-      TellScan(run, position, count, u"slides");
+    if (GetAt(range.get(), ppt::slideRange::kItem, position, slide) &&
+        Get(slide.get(), ppt::slide::kSlideIndex, index) && WalkSlide(texts, slide.get(), index)) {
+      TellScan(from, position, count, u"slides");
     }
   }
-  run.firstSlide = run.slideNumbers.empty() ? 1 : run.slideNumbers.front();
-  return kOk;
+  texts.firstSlide = texts.slideNumbers.empty() ? 1 : texts.slideNumbers.front();
+  return {};
 }
 
 // ---- All -------------------------------------------------------------------------------------
 
-bool TooLarge(const RunState& run) {
+bool TooLarge(const RunTexts& texts) {
   std::size_t chars = 0;
-  for (const Wide& text : run.sourceTexts) chars += text.size();
-  return run.units.size() > kMaxSelectionUnits || chars > kMaxSelectionChars;
+  for (const Wide& text : texts.sourceTexts) chars += text.size();
+  return texts.units.size() > kMaxSelectionUnits || chars > kMaxSelectionChars;
 }
 
-void ClearLists(RunState& run) {
-  run.units.clear();
-  run.sourceTexts.clear();
-  run.locators.clear();
-  run.slideRanges.clear();
-  run.slideNumbers.clear();
-}
-
-ResultCode CollectByType(const Collection& from, std::int32_t type, Wide& outMessage) {
+Status CollectByType(const Collection& from, std::int32_t type) {
   switch (type) {
     case kSlides:
-      return CollectWholeSlides(from, outMessage);
+      return CollectWholeSlides(from);
     case kShapes:
-      return CollectShapes(from, outMessage);
+      return CollectShapes(from);
     case kText:
-      return CollectText(from, outMessage);
+      return CollectText(from);
     default:
-      return FailWith(kSelectFirst, outMessage);
+      return SelectFirst();
   }
 }
 
 }  // namespace
 
-ResultCode CollectSelection(RunState& run, Wide& outMessage) {
-  if (!AnswersTo(run.app.get(), ppt::kApplication)) {
-    return FailWith(u"无法获取 Application 接口", outMessage);
+Status CollectSelection(RunDocument& document, const RunSink* sink, RunTexts& texts) {
+  if (!AnswersTo(document.app.get(), ppt::kApplication)) {
+    return {kFail, u"无法获取 Application 接口"};
   }
-  AutomationObject* presentation = RunPresentation(run);
-  if (presentation == nullptr) {
-    return FailWith(u"无法定位当前演示文稿（请重新打开侧栏）", outMessage);
+  AutomationObject* presentation = RunPresentation(document);
+  if (presentation == nullptr) return {kFail, u"无法定位当前演示文稿（请重新打开侧栏）"};
+  Collection from{texts, sink, {}, {}};
+  if (!Get(presentation, ppt::presentation::kSlides, from.slides)) {
+    return {kFail, u"无法访问 Slides"};
   }
-  Collection from{run, {}, {}};
-  if (!TypedGetObject(presentation, ppt::presentation::kSlides, from.slides)) {
-    return FailWith(u"无法访问 Slides", outMessage);
-  }
-  AutomationObject* window = RunWindow(run);
+  AutomationObject* window = RunWindow(document);
   std::int32_t type = 0;
-  if (window == nullptr ||
-      !TypedGetObject(window, ppt::documentWindow::kSelection, from.selection) ||
-      !TypedGetWhole(from.selection.get(), ppt::selection::kType, type)) {
-    return FailWith(kSelectFirst, outMessage);
+  if (window == nullptr || !Get(window, ppt::documentWindow::kSelection, from.selection) ||
+      !Get(from.selection.get(), ppt::selection::kType, type)) {
+    return SelectFirst();
   }
   LogLine(u"PptCtrl selection type=" + Decimal(type));
-  run.slideRanges.clear();
-  run.slideNumbers.clear();
+  texts.ClearSlides();
   CurrentSlideIndex(window, from.activeSlide);
-  const ResultCode collected = CollectByType(from, type, outMessage);
-  if (Failed(collected)) return collected;
-  if (run.units.empty()) return FailWith(kNothingToTranslate, outMessage);
-  if (TooLarge(run)) {
-    ClearLists(run);
-    return FailWith(kTooLarge, outMessage);
+  Status collected = CollectByType(from, type);
+  if (!collected.ok()) return collected;
+  if (texts.units.empty()) return NothingToTranslate();
+  if (TooLarge(texts)) {
+    texts.Clear();
+    return SelectionTooLarge();
   }
-  return kOk;
-}
-
-void RegroupBySlide(RunState& run) {
-  run.slideRanges.clear();
-  run.slideNumbers.clear();
-  for (std::size_t unit = 0; unit < run.units.size(); ++unit) {
-    const std::int32_t slide = run.units[unit].slideIndex;
-    if (run.slideNumbers.empty() || run.slideNumbers.back() != slide) {
-      run.slideRanges.emplace_back(unit, unit);
-      run.slideNumbers.push_back(slide);
-    }
-    run.slideRanges.back().second = unit + 1;
-  }
-  run.firstSlide = run.slideNumbers.empty() ? 1 : run.slideNumbers.front();
+  return {};
 }
 
 }  // namespace quillmarch::addin

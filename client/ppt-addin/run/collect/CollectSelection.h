@@ -1,21 +1,21 @@
-// Fills the run's lists from what the user has selected in the run's window: shapes, a piece of
+// Collects the texts that the user has selected in the run's window: shapes, a piece of
 // text, or slides. Host thread only.
 #pragma once
 
 #include <cstddef>
 
-#include "run/control/RunState.h"
+#include "foundation/text/Status.h"
+#include "run/document/RunSink.h"
+#include "run/document/RunTexts.h"
+#include "run/document/RunWindow.h"
 
 namespace quillmarch::addin {
 
 inline constexpr std::size_t kMaxSelectionUnits = 2000;
 inline constexpr std::size_t kMaxSelectionChars = 200000;  // UTF-16 units of all texts together
 
-// kOk with at least one unit, or kFail with a message for the user.
-ResultCode CollectSelection(RunState& run, Wide& outMessage);
-
-// Makes slideRanges, slideNumbers and firstSlide from the units: one entry for each run of units
-// of one slide, so a slide that comes up again has a second entry.
-void RegroupBySlide(RunState& run);
+// At least one unit, or a failure with one of the codes of CollectCodes.h or the host's own and a
+// message for the user. `sink` may be null.
+Status CollectSelection(RunDocument& document, const RunSink* sink, RunTexts& texts);
 
 }  // namespace quillmarch::addin

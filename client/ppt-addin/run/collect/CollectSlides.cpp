@@ -2,6 +2,7 @@
 
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
+#include "foundation/log/Log.h"
 #include "run/collect/WalkShapes.h"
 #include "run/document/BilingualSlides.h"
 #include "run/document/RunWindow.h"
@@ -10,27 +11,22 @@ namespace quillmarch::addin {
 
 namespace {
 
-ResultCode FailWith(const char16_t* text, Wide& outMessage, ResultCode code = kFail) {
-  outMessage = text;
-  return code;
-}
-
-void WalkNotes(RunState& run, AutomationObject* slide, std::int32_t index) {
+void WalkNotes(RunTexts& texts, AutomationObject* slide, std::int32_t index) {
   ObjectRef notes;
   ShapeList shapes;
-  if (!TypedGetObject(slide, ppt::slide::kNotesPage, notes) ||
-      !TypedGetObject(notes.get(), ppt::slideRange::kShapes, shapes.object)) {
+  if (!Get(slide, ppt::slide::kNotesPage, notes) ||
+      !Get(notes.get(), ppt::slideRange::kShapes, shapes.object)) {
     return;
   }
   UnitLocator notesTemplate;
-  notesTemplate.kind = kKindNotes;
-  WalkShapes(run, shapes, index, ShapePath{}, notesTemplate);
+  notesTemplate.kind = UnitKind::kNotes;
+  WalkShapes(texts, shapes, index, ShapePath{}, notesTemplate);
 }
 
-void CollectSlide(RunState& run, AutomationObject* slides, std::int32_t index) {
+void CollectSlide(RunTexts& texts, AutomationObject* slides, std::int32_t index) {
   ObjectRef slide;
-  if (!TypedGetObjectAt(slides, ppt::slides::kItem, index, slide)) return;
-  if (!IsBilingualCopy(slide.get())) WalkSlide(run, slide.get(), index);
+  if (!GetAt(slides, ppt::slides::kItem, index, slide)) return;
+  if (!IsBilingualCopy(slide.get())) WalkSlide(texts, slide.get(), index);
 }
 
 }  // namespace
@@ -38,55 +34,52 @@ void CollectSlide(RunState& run, AutomationObject* slides, std::int32_t index) {
 bool CurrentSlideIndex(AutomationObject* window, std::int32_t& index) {
   ObjectRef view;
   ObjectRef slide;
-  return TypedGetObject(window, ppt::documentWindow::kView, view) &&
-         TypedGetObject(view.get(), ppt::view::kSlide, slide) &&
-         TypedGetWhole(slide.get(), ppt::slide::kSlideIndex, index);
+  return Get(window, ppt::documentWindow::kView, view) &&
+         Get(view.get(), ppt::view::kSlide, slide) &&
+         Get(slide.get(), ppt::slide::kSlideIndex, index);
 }
 
-bool WalkSlide(RunState& run, AutomationObject* slide, std::int32_t index) {
+bool WalkSlide(RunTexts& texts, AutomationObject* slide, std::int32_t index) {
   ShapeList shapes;
-  if (!TypedGetObject(slide, ppt::slide::kShapes, shapes.object)) return false;
-  const std::size_t before = run.units.size();
-  WalkShapes(run, shapes, index, ShapePath{}, UnitLocator{});
-  WalkNotes(run, slide, index);
-  run.slideRanges.emplace_back(before, run.units.size());
-  run.slideNumbers.push_back(index);
+  if (!Get(slide, ppt::slide::kShapes, shapes.object)) return false;
+  const std::size_t before = texts.units.size();
+  WalkShapes(texts, shapes, index, ShapePath{}, UnitLocator{});
+  WalkNotes(texts, slide, index);
+  texts.AddSlide(index, {before, texts.units.size()});
   return true;
 }
 
-ResultCode CollectSlides(RunState& run, bool allSlides, Wide& outMessage) {
-  if (!AnswersTo(run.app.get(), ppt::kApplication)) {
-    return FailWith(u"无法获取 Application 接口", outMessage);
+Status CollectSlides(RunDocument& document, bool allSlides, const RunSink* sink, RunTexts& texts) {
+  if (!AnswersTo(document.app.get(), ppt::kApplication)) {
+    return {kFail, u"无法获取 Application 接口"};
   }
-  AutomationObject* presentation = RunPresentation(run);
-  if (presentation == nullptr) {
-    return FailWith(u"无法定位当前演示文稿（请重新打开侧栏）", outMessage);
-  }
+  AutomationObject* presentation = RunPresentation(document);
+  if (presentation == nullptr) return {kFail, u"无法定位当前演示文稿（请重新打开侧栏）"};
   ObjectRef slides;
   ResultCode code = kFail;
-  if (!TypedGetObject(presentation, ppt::presentation::kSlides, slides, &code)) {
-    return FailWith(u"无法访问 Slides", outMessage, Failed(code) ? code : kFail);
+  if (!Get(presentation, ppt::presentation::kSlides, slides, &code)) {
+    return {Failed(code) ? code : kFail, u"无法访问 Slides"};
   }
   std::int32_t count = 0;
-  if (!TypedGetWhole(slides.get(), ppt::slides::kCount, count)) count = 0;
+  const bool counted = Get(slides.get(), ppt::slides::kCount, count);
+  if (!counted) LogLine(u"PptCtrl slides count unreadable");
+  // Not an empty deck, of which the user would be told that there is nothing to translate.
+  if (!counted && allSlides) return {kFail, u"无法访问 Slides"};
   std::int32_t first = 1;
   std::int32_t last = count;
   if (!allSlides) {
-    if (!CurrentSlideIndex(RunWindow(run), first)) {
-      return FailWith(u"无法定位当前页", outMessage);
-    }
+    if (!CurrentSlideIndex(RunWindow(document), first)) return {kFail, u"无法定位当前页"};
     last = first;
   }
-  run.firstSlide = first;
-  run.slideRanges.clear();
-  run.slideNumbers.clear();
+  texts.firstSlide = first;
+  texts.ClearSlides();
   for (std::int32_t index = first; index <= last; ++index) {
-    if (run.sink != nullptr && run.sink->onScanProgress) {
-      run.sink->onScanProgress(index - first + 1, last - first + 1, u"slides");
+    if (sink != nullptr && sink->onScanProgress) {
+      sink->onScanProgress(index - first + 1, last - first + 1, u"slides");
     }
-    CollectSlide(run, slides.get(), index);
+    CollectSlide(texts, slides.get(), index);
   }
-  return kOk;
+  return {};
 }
 
 }  // namespace quillmarch::addin

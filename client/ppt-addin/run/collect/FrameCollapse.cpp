@@ -21,7 +21,7 @@ bool MayStandInPhrase(char16_t unit) {
 }  // namespace
 
 FrameVerdict JudgeFrame(const std::vector<Wide>& paragraphs, const UnitLocator& locatorTemplate) {
-  if (locatorTemplate.kind != kKindShape || locatorTemplate.onNotes != 0 ||
+  if (locatorTemplate.kind != UnitKind::kShape || locatorTemplate.onNotes != 0 ||
       locatorTemplate.row != 0 || locatorTemplate.column != 0) {
     return FrameVerdict::kSeparate;
   }

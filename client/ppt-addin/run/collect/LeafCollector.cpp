@@ -2,7 +2,7 @@
 
 namespace quillmarch::addin {
 
-bool CollectChartOrSmartArt(RunState&, AutomationObject*, std::int32_t, const ShapePath&,
+bool CollectChartOrSmartArt(RunTexts&, AutomationObject*, std::int32_t, const ShapePath&,
                             const UnitLocator&) {
   // Charts and SmartArt have no text frame of their own, so leaving them loses no other text.
   return false;

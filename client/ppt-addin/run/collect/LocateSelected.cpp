@@ -8,21 +8,21 @@ namespace quillmarch::addin {
 
 namespace {
 
-bool FindOnPage(AutomationObject* page, const TypedMember& pageShapes, AutomationObject* shape,
-                ShapeMatch& match) {
+bool FindOnPage(AutomationObject* page, const Member<ObjectRef>& pageShapes,
+                AutomationObject* shape, ShapeMatch& match) {
   ShapeList shapes;
-  return TypedGetObject(page, pageShapes, shapes.object) &&
+  return Get(page, pageShapes, shapes.object) &&
          FindShape(shapes, shape, match.path, match.row, match.column);
 }
 
 bool FindOnSlide(AutomationObject* slides, std::int32_t index, AutomationObject* shape,
                  ShapeMatch& match) {
   ObjectRef slide;
-  if (!TypedGetObjectAt(slides, ppt::slides::kItem, index, slide)) return false;
+  if (!GetAt(slides, ppt::slides::kItem, index, slide)) return false;
   ShapeMatch found;
   if (!FindOnPage(slide.get(), ppt::slide::kShapes, shape, found)) {
     ObjectRef notes;
-    if (!TypedGetObject(slide.get(), ppt::slide::kNotesPage, notes) ||
+    if (!Get(slide.get(), ppt::slide::kNotesPage, notes) ||
         !FindOnPage(notes.get(), ppt::slideRange::kShapes, shape, found)) {
       return false;
     }
@@ -30,7 +30,7 @@ bool FindOnSlide(AutomationObject* slides, std::int32_t index, AutomationObject*
   }
   found.found = 1;
   found.slide = index;
-  TypedGetWhole(slide.get(), ppt::slide::kSlideIndex, found.slide);
+  Get(slide.get(), ppt::slide::kSlideIndex, found.slide);
   match = std::move(found);
   return true;
 }
@@ -42,7 +42,7 @@ bool LocateSelected(AutomationObject* slides, AutomationObject* shape, std::int3
   if (shape == nullptr) return false;
   if (activeSlide > 0 && FindOnSlide(slides, activeSlide, shape, match)) return true;
   std::int32_t count = 0;
-  if (!TypedGetWhole(slides, ppt::slides::kCount, count)) return false;
+  if (!Get(slides, ppt::slides::kCount, count)) return false;
   for (std::int32_t index = 1; index <= count; ++index) {
     if (index != activeSlide && FindOnSlide(slides, index, shape, match)) return true;
   }

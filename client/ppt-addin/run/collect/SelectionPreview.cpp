@@ -15,9 +15,9 @@ constexpr std::int32_t kTrue = -1;
 
 bool IsActiveWindow(AutomationObject* app, const WindowContext& context) {
   ObjectRef active;
-  if (!TypedGetObject(app, ppt::application::kActiveWindow, active)) return false;
+  if (!Get(app, ppt::application::kActiveWindow, active)) return false;
   std::int32_t hwnd = 0;
-  if (context.hwnd != 0 && TypedGetWhole(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
+  if (context.hwnd != 0 && Get(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
       hwnd == context.hwnd) {
     return true;
   }
@@ -25,11 +25,11 @@ bool IsActiveWindow(AutomationObject* app, const WindowContext& context) {
 }
 
 // 0 when there is no such range or nothing in it.
-std::int32_t CountOf(AutomationObject* selection, const TypedMember& range,
-                     const TypedMember& size) {
+std::int32_t CountOf(AutomationObject* selection, const Member<ObjectRef>& range,
+                     const Member<std::int32_t>& size) {
   ObjectRef selected;
   std::int32_t count = 0;
-  if (!TypedGetObject(selection, range, selected) || !TypedGetWhole(selected.get(), size, count)) {
+  if (!Get(selection, range, selected) || !Get(selected.get(), size, count)) {
     return 0;
   }
   return count < 0 ? 0 : count;
@@ -39,7 +39,7 @@ std::int32_t CountOf(AutomationObject* selection, const TypedMember& range,
 // whether there are any has none.
 std::int32_t CountShapes(AutomationObject* selection) {
   std::int32_t hasChildren = 0;
-  TypedGetWhole(selection, ppt::selection::kHasChildShapeRange, hasChildren);
+  Get(selection, ppt::selection::kHasChildShapeRange, hasChildren);
   return CountOf(
       selection,
       hasChildren == kTrue ? ppt::selection::kChildShapeRange : ppt::selection::kShapeRange,
@@ -54,8 +54,8 @@ SelectionPreview ReadSelectionPreview(AutomationObject* app, const WindowContext
   const ObjectRef window = FindDocumentWindow(app, windowContext);
   ObjectRef selection;
   std::int32_t type = 0;
-  if (!window || !TypedGetObject(window.get(), ppt::documentWindow::kSelection, selection) ||
-      !TypedGetWhole(selection.get(), ppt::selection::kType, type)) {
+  if (!window || !Get(window.get(), ppt::documentWindow::kSelection, selection) ||
+      !Get(selection.get(), ppt::selection::kType, type)) {
     return preview;
   }
   if (type == kSelectedText) {

@@ -6,7 +6,7 @@
 
 namespace quillmarch::addin {
 
-void WalkShapes(RunState& run, const ShapeList& shapes, std::int32_t slide,
+void WalkShapes(RunTexts& texts, const ShapeList& shapes, std::int32_t slide,
                 const ShapePath& parentPath, const UnitLocator& locatorTemplate) {
   if (!shapes.object) return;
   if (parentPath.depth > kMaxPathDepth || parentPath.depth < 0) {
@@ -25,38 +25,38 @@ void WalkShapes(RunState& run, const ShapeList& shapes, std::int32_t slide,
     ShapePath path = ChildPath(parentPath, i);
     ShapeList items;
     if (ShapeGroupItems(shape.get(), items)) {
-      WalkShapes(run, items, slide, path, locatorTemplate);
+      WalkShapes(texts, items, slide, path, locatorTemplate);
       continue;
     }
     CheckLeafPath(path, parentPath, i);
-    CollectLeaf(run, shape.get(), slide, path, locatorTemplate);
+    CollectLeaf(texts, shape.get(), slide, path, locatorTemplate);
   }
 }
 
-void CollectLeaf(RunState& run, AutomationObject* shape, std::int32_t slide, const ShapePath& path,
-                 const UnitLocator& locatorTemplate) {
+void CollectLeaf(RunTexts& texts, AutomationObject* shape, std::int32_t slide,
+                 const ShapePath& path, const UnitLocator& locatorTemplate) {
   if (HasTable(shape)) {
-    CollectTable(run, shape, slide, path, locatorTemplate);
-  } else if (!CollectChartOrSmartArt(run, shape, slide, path, locatorTemplate)) {
-    CollectFrame(run, shape, slide, path, locatorTemplate);
+    CollectTable(texts, shape, slide, path, locatorTemplate);
+  } else if (!CollectChartOrSmartArt(texts, shape, slide, path, locatorTemplate)) {
+    CollectFrame(texts, shape, slide, path, locatorTemplate);
   }
 }
 
-void CollectTable(RunState& run, AutomationObject* shape, std::int32_t slide, const ShapePath& path,
-                  const UnitLocator& locatorTemplate) {
+void CollectTable(RunTexts& texts, AutomationObject* shape, std::int32_t slide,
+                  const ShapePath& path, const UnitLocator& locatorTemplate) {
   TableGrid grid;
   if (!ReadTable(shape, grid)) return;
   UnitLocator cellTemplate = locatorTemplate;
   // The cell's kind takes the place of the notes' own, and the writeback must still find the page.
-  if (locatorTemplate.kind == kKindNotes) cellTemplate.onNotes = 1;
-  cellTemplate.kind = kKindCell;
+  if (locatorTemplate.kind == UnitKind::kNotes) cellTemplate.onNotes = 1;
+  cellTemplate.kind = UnitKind::kCell;
   for (std::int32_t row = 1; row <= grid.rows; ++row) {
     for (std::int32_t column = 1; column <= grid.columns; ++column) {
       ObjectRef cell;
       if (!CellShape(grid.table.get(), row, column, cell)) continue;
       cellTemplate.row = row;
       cellTemplate.column = column;
-      CollectFrame(run, cell.get(), slide, path, cellTemplate);
+      CollectFrame(texts, cell.get(), slide, path, cellTemplate);
     }
   }
 }

@@ -20,9 +20,9 @@ void JumpToCopy(RunState& run, std::int32_t slideNumber) {
   if (UserIsBusy(run.surroundings.input)) return;
   ObjectRef slides;
   std::int32_t copy = 0;
-  if (TypedGetObject(RunPresentation(run), ppt::presentation::kSlides, slides) &&
-      LocateCopySlide(run, slides.get(), slideNumber, copy)) {
-    ShowSlide(run, copy);
+  if (Get(RunPresentation(run.document), ppt::presentation::kSlides, slides) &&
+      LocateCopySlide(run.copies, slides.get(), slideNumber, copy)) {
+    ShowSlide(run.document, copy);
   }
 }
 
@@ -30,7 +30,7 @@ void JumpToCopy(RunState& run, std::int32_t slideNumber) {
 void ShowSource(RunState& run) {
   const GateHold gate(&run, run.surroundings.thread);
   if (gate.held() && !UserIsBusy(run.surroundings.input)) {
-    ShowSlide(run, run.SlideNumberAt(run.nextSlide));
+    ShowSlide(run.document, run.texts.SlideNumberAt(run.nextSlide));
   }
 }
 
@@ -56,18 +56,19 @@ void TickFull(RunState& run) {
 
 bool ApplySlide(RunState& run, std::int32_t entry, bool checkInput, bool jumpToCopy) {
   if (checkInput && UserIsBusy(run.surroundings.input)) {
-    RaiseQuiet(run.surroundings.thread, kQuietAfterInputMs);
+    RaiseInputQuiet(run.surroundings.thread);
     return false;
   }
-  const GateHold gate(&run, run.surroundings.thread);
+  const Heed heed = checkInput ? Heed::kEveryQuiet : Heed::kMutationQuiet;
+  const GateHold gate(&run, run.surroundings.thread, heed);
   if (!gate.held()) return false;
-  WriteSlide(run, static_cast<std::size_t>(entry));
-  if (jumpToCopy && run.params.bilingual) JumpToCopy(run, run.SlideNumberAt(entry));
+  WriteSlide(run.Writing(), static_cast<std::size_t>(entry));
+  if (jumpToCopy && run.params.bilingual) JumpToCopy(run, run.texts.SlideNumberAt(entry));
   return true;
 }
 
 void TickRun(RunState& run) {
-  if (run.nextSlide >= run.slidesReady.load(std::memory_order_acquire)) return;
+  if (run.nextSlide >= run.job.slidesReady.load(std::memory_order_acquire)) return;
   if (run.params.full) {
     TickFull(run);
   } else if (ApplySlide(run, run.nextSlide, true, run.params.bilingual)) {

@@ -5,8 +5,15 @@
 
 namespace quillmarch::addin {
 
+struct RunEnd {
+  RunOutcome outcome = RunOutcome::kCompleted;
+  Wide summary;
+  Wide errorCode;
+  ResultCode failure = kOk;
+};
+
 // Names every translated text that did not reach the deck, whether its write failed or was never
 // tried, and hands the record to the driver. What the driver throws is swallowed.
-void ReportRun(RunState& run, RunOutcome outcome, const Wide& summary) noexcept;
+void ReportRun(RunState& run, const RunEnd& end) noexcept;
 
 }  // namespace quillmarch::addin

@@ -19,6 +19,7 @@ struct Rejection {
   const char16_t* code;
   Wide message;
   Wide summary;
+  ResultCode failure = kFail;
 };
 
 void SendReady(RunState& run, std::size_t units) {
@@ -33,7 +34,7 @@ bool Reject(RunState& run, const Rejection& why, Wide& outMessage) {
   if (!run.readySent) SendReady(run, 0);
   if (run.sink != nullptr && run.sink->onError) run.sink->onError(why.code, why.message);
   outMessage = why.summary;
-  ReportRun(run, RunOutcome::kFailed, outMessage);
+  ReportRun(run, {RunOutcome::kFailed, outMessage, why.code, why.failure});
   return false;
 }
 
@@ -42,13 +43,13 @@ bool EndWithNothingToDo(RunState& run, Wide& outMessage) {
   SendReady(run, 0);
   if (run.sink != nullptr && run.sink->onComplete) run.sink->onComplete(0, 0, false);
   outMessage = u"没有需要翻译的文本（数字、标点等已自动跳过）。";
-  ReportRun(run, RunOutcome::kCompleted, outMessage);
+  ReportRun(run, {RunOutcome::kCompleted, outMessage, {}, kOk});
   return false;
 }
 
 bool EnterPresentation(RunState& run) {
   if (run.params.owner == nullptr) return true;
-  const std::uintptr_t identity = run.presentation->Identity();
+  const std::uintptr_t identity = run.document.presentation->Identity();
   if (identity != 0) {
     if (!EnterBusy(identity, run.params.owner)) return false;
     run.busyIdentity = identity;
@@ -57,14 +58,17 @@ bool EnterPresentation(RunState& run) {
   return true;
 }
 
-ResultCode Collect(RunState& run, Wide& message) {
-  if (run.params.scope == Scope::kSelection) return CollectSelection(run, message);
-  return CollectSlides(run, run.params.scope == Scope::kWholeDeck, message);
+Status Collect(RunState& run) {
+  if (run.params.scope == Scope::kSelection) {
+    return CollectSelection(run.document, run.sink, run.texts);
+  }
+  const bool wholeDeck = run.params.scope == Scope::kWholeDeck;
+  return CollectSlides(run.document, wholeDeck, run.sink, run.texts);
 }
 
 void FillConfig(RunState& run) {
   const RunParams& params = run.params;
-  TranslateConfig& config = run.config;
+  TranslateConfig& config = run.job.config;
   config.clientProduct = u"ppt";
   config.usageKind = params.usageKind;
   config.targetLang = params.targetLang;
@@ -77,10 +81,9 @@ void FillConfig(RunState& run) {
 }
 
 void PrepareLists(RunState& run) {
-  run.translations.assign(run.units.size(), Wide());
-  run.reached.assign(run.units.size(), false);
-  run.appliedCount = 0;
-  run.applyError.clear();
+  run.job.translations.assign(run.texts.units.size(), Wide());
+  run.writes = RunWrites();
+  run.writes.reached.assign(run.texts.units.size(), false);
   run.startTick = run.Now();
 }
 
@@ -89,13 +92,14 @@ void PrepareLists(RunState& run) {
 bool StartRun(RunState& run, const RunParams& params, const RunSink* sink, Wide& outMessage) {
   run.params = params;
   run.sink = sink;
-  run.windowContext = params.windowContext;
+  run.copies.bilingual = params.bilingual;
+  run.document.windowContext = params.windowContext;
   LogLine(u"PptCtrl Start begin scope=" + Decimal(static_cast<std::int32_t>(params.scope)) +
           u" full=" + Decimal(params.full ? 1 : 0) + u" bilingual=" +
           Decimal(params.bilingual ? 1 : 0) + u" targetLang=" + params.targetLang);
   if (sink != nullptr && sink->onRunStarted) sink->onRunStarted();
 
-  if (RunWindow(run) == nullptr || RunPresentation(run) == nullptr) {
+  if (RunWindow(run.document) == nullptr || RunPresentation(run.document) == nullptr) {
     LogLine(u"PptCtrl run rejected: pane window unavailable");
     return Reject(run,
                   {u"pane_window_unavailable", u"无法定位当前演示文稿窗口，请重新打开侧栏后重试。",
@@ -109,22 +113,29 @@ bool StartRun(RunState& run, const RunParams& params, const RunSink* sink, Wide&
                    u"演示文稿已在其它窗口翻译中"},
                   outMessage);
   }
-  Wide message;
-  if (Failed(Collect(run, message))) {
-    return Reject(run, {u"collect_failed", message, u"收集文本失败：" + message}, outMessage);
+  const Status collected = Collect(run);
+  if (!collected.ok()) {
+    return Reject(
+        run,
+        {u"collect_failed", collected.words, u"收集文本失败：" + collected.words, collected.code},
+        outMessage);
   }
-  LogLine(u"PptCtrl collect done total=" + Decimal(static_cast<std::int64_t>(run.units.size())));
-  if (run.units.empty()) return EndWithNothingToDo(run, outMessage);
-  if (params.bilingual && Failed(CreateBilingualCopies(run, message))) {
-    RemoveBilingualCopies(run);
-    return Reject(run, {u"bilingual_copy_failed", message, u"创建双语译文页失败：" + message},
+  LogLine(u"PptCtrl collect done total=" +
+          Decimal(static_cast<std::int64_t>(run.texts.units.size())));
+  if (run.texts.units.empty()) return EndWithNothingToDo(run, outMessage);
+  const Status copied = params.bilingual ? CreateBilingualCopies(run.copies) : Status();
+  if (!copied.ok()) {
+    RemoveBilingualCopies(run.copies);
+    return Reject(run,
+                  {u"bilingual_copy_failed", copied.words, u"创建双语译文页失败：" + copied.words,
+                   copied.code},
                   outMessage);
   }
-  SendReady(run, run.units.size());
+  SendReady(run, run.texts.units.size());
   PrepareLists(run);
   FillConfig(run);
   if (!StartWorker(run)) {
-    RemoveBilingualCopies(run);
+    RemoveBilingualCopies(run.copies);
     return Reject(run, {u"translate_failed", u"无法启动翻译线程", u"无法启动翻译线程"}, outMessage);
   }
   run.started = true;
@@ -138,7 +149,7 @@ bool RejectBrokenStart(RunState& run, Wide& outMessage) noexcept {
     return Reject(run, {u"collect_failed", Wide(), u"收集文本失败："}, outMessage);
   } catch (const std::exception&) {
     run.finished = true;
-    ReportRun(run, RunOutcome::kFailed, Wide());
+    ReportRun(run, {RunOutcome::kFailed, {}, {}, kFail});
     return false;
   }
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <system_error>
 
 #include "foundation/system/LiveCounts.h"
 #include "translate/TranslateRequest.h"
@@ -11,20 +10,20 @@ namespace quillmarch::addin {
 
 namespace {
 
-bool Cancelled(const WorkerContext& context) {
-  return context.config->cancelled.load(std::memory_order_relaxed) != 0;
+bool Cancelled(const WorkerJob& job) {
+  return job.config.cancelled.load(std::memory_order_relaxed) != 0;
 }
 
-bool EndWith(WorkerContext& context, ResultCode result, Wide message, Wide code) {
-  *context.errorMessage = std::move(message);
-  *context.errorCode = std::move(code);
-  *context.workerResult = result;
+bool EndWith(WorkerJob& job, ResultCode result, Wide message, Wide code) {
+  job.errorMessage = std::move(message);
+  job.errorCode = std::move(code);
+  job.result = result;
   return false;
 }
 
-bool ResolveTerms(WorkerContext& context) {
-  const std::vector<Wide>& texts = *context.sourceTexts;
-  if (!context.resolveTerminology || texts.empty()) return true;
+bool ResolveTerms(WorkerJob& job) {
+  const std::span<const Wide> texts = job.sourceTexts;
+  if (!job.resolveTerminology || texts.empty()) return true;
   // The first texts stand for the run: one resolve serves all of its batches.
   const auto count = static_cast<std::ptrdiff_t>(std::min(texts.size(), kMaxTerminologyTexts));
   const std::vector<Wide> corpus(texts.begin(), texts.begin() + count);
@@ -32,124 +31,118 @@ bool ResolveTerms(WorkerContext& context) {
   std::vector<GlossaryEntry> glossary;
   Wide code;
   Wide message;
-  if (!context.resolveTerminology(corpus, instruction, glossary, code, message)) {
+  if (!job.resolveTerminology(corpus, instruction, glossary, code, message)) {
     const ResultCode result = code == u"cancelled" ? kCancelled : kFail;
-    return EndWith(context, result,
+    return EndWith(job, result,
                    message.empty() ? Wide(u"terminology resolve failed") : std::move(message),
                    code.empty() ? Wide(u"terminology_resolve_failed") : std::move(code));
   }
   if (!instruction.empty() || !glossary.empty()) {
-    context.config->instruction = std::move(instruction);
-    context.config->glossary = std::move(glossary);
+    job.config.instruction = std::move(instruction);
+    job.config.glossary = std::move(glossary);
   }
   return true;
 }
 
-void ReportProgress(const WorkerContext& context, std::size_t first, std::size_t end) {
-  if (context.sink == nullptr || !context.sink->onProgress) return;
-  const auto total = static_cast<std::int32_t>(context.sourceTexts->size());
+void ReportProgress(const WorkerJob& job, std::size_t first, std::size_t end) {
+  if (job.sink == nullptr || !job.sink->onProgress) return;
+  const auto total = static_cast<std::int32_t>(job.sourceTexts.size());
   for (std::size_t unit = first; unit < end; ++unit) {
-    const Wide& source = (*context.sourceTexts)[unit];
-    const Wide& translation = (*context.translations)[unit];
+    const Wide& source = job.sourceTexts[unit];
+    const Wide& translation = job.translations[unit];
     const bool skipped = translation.empty() || translation == source;
-    context.sink->onProgress(static_cast<std::int32_t>(unit + 1), total, skipped, source,
-                             translation);
+    job.sink->onProgress(static_cast<std::int32_t>(unit + 1), total, skipped, source, translation);
   }
 }
 
-bool TranslateBatch(WorkerContext& context, std::size_t first, std::size_t end) {
-  if (Cancelled(context)) {
-    *context.workerResult = kCancelled;
+bool TranslateBatch(WorkerJob& job, std::size_t first, std::size_t end) {
+  if (Cancelled(job)) {
+    job.result = kCancelled;
     return false;
   }
-  const auto begin = context.sourceTexts->begin();
-  const std::vector<Wide> batch(begin + static_cast<std::ptrdiff_t>(first),
-                                begin + static_cast<std::ptrdiff_t>(end));
+  const std::span<const Wide> batch = job.sourceTexts.subspan(first, end - first);
   std::vector<Wide> answers;
   Wide message;
   Wide code;
-  if (!TranslateTexts(*context.config, batch, answers, message, code, nullptr)) {
-    const bool cancelled = code == u"cancelled" || Cancelled(context);
-    return EndWith(context, cancelled ? kCancelled : kFail,
+  if (!TranslateTexts(job.config, batch, answers, message, code, nullptr)) {
+    const bool cancelled = code == u"cancelled" || Cancelled(job);
+    return EndWith(job, cancelled ? kCancelled : kFail,
                    message.empty() ? Wide(u"HTTP request failed") : std::move(message),
                    code.empty() ? Wide(u"translate_failed") : std::move(code));
   }
   if (answers.size() != batch.size()) {
-    return EndWith(context, kFail, u"batch size mismatch", u"batch_size_mismatch");
+    return EndWith(job, kFail, u"batch size mismatch", u"batch_size_mismatch");
   }
   std::move(answers.begin(), answers.end(),
-            context.translations->begin() + static_cast<std::ptrdiff_t>(first));
-  ReportProgress(context, first, end);
+            job.translations.begin() + static_cast<std::ptrdiff_t>(first));
+  ReportProgress(job, first, end);
   return true;
 }
 
-void GoThroughSlides(WorkerContext& context) {
-  context.translations->assign(context.sourceTexts->size(), Wide());
-  if (!ResolveTerms(context)) return;
-  for (const auto& [first, end] : *context.slideRanges) {
+void GoThroughSlides(WorkerJob& job) {
+  job.translations.assign(job.sourceTexts.size(), Wide());
+  if (!ResolveTerms(job)) return;
+  for (const auto& [first, end] : job.slideRanges) {
     for (std::size_t position = first; position < end; position += kMaxBatch) {
-      if (!TranslateBatch(context, position, std::min(end, position + kMaxBatch))) return;
+      if (!TranslateBatch(job, position, std::min(end, position + kMaxBatch))) return;
     }
     // Publishes the slide's translations to the host thread.
-    context.slidesReady->fetch_add(1, std::memory_order_release);
+    job.slidesReady.fetch_add(1, std::memory_order_release);
   }
 }
 
-void FillContext(RunState& run) {
-  WorkerContext& context = run.workerContext;
-  context.config = &run.config;
-  context.params = &run.params;
-  context.sourceTexts = &run.sourceTexts;
-  context.translations = &run.translations;
-  context.errorMessage = &run.errorMessage;
-  context.errorCode = &run.errorCode;
-  context.workerResult = &run.workerResult;
-  context.sink = run.sink;
-  context.slideRanges = &run.slideRanges;
-  context.slidesReady = &run.slidesReady;
-  context.ended = &run.workerEnded;
-  context.hostThread = &run.surroundings.thread;
-  context.resolveTerminology = run.params.resolveTerminology;
+void FillJob(RunState& run) {
+  WorkerJob& job = run.job;
+  job.sourceTexts = run.texts.sourceTexts;
+  job.slideRanges = run.texts.slideRanges;
+  job.sink = run.sink;
+  job.hostThread = &run.surroundings.thread;
+  job.resolveTerminology = run.params.resolveTerminology;
+  job.slidesReady.store(0, std::memory_order_relaxed);
+  job.ended.store(false, std::memory_order_relaxed);
+  job.result = kOk;
+  job.errorMessage.clear();
+  job.errorCode.clear();
 }
 
 }  // namespace
 
-void RunWorkerLoop(WorkerContext& context) noexcept {
+void RunWorkerLoop(WorkerJob& job) noexcept {
   try {
-    GoThroughSlides(context);
+    GoThroughSlides(job);
   } catch (const std::exception&) {
     // Memory ran out, or a callable of the driver threw: the run fails with its default code.
-    *context.workerResult = kFail;
+    job.result = kFail;
   }
 }
 
 bool StartWorker(RunState& run) {
-  FillContext(run);
-  run.slidesReady.store(0, std::memory_order_relaxed);
-  run.nextSlide = 0;
-  run.workerResult = kWorkerOk;
-  run.errorMessage.clear();
-  run.errorCode.clear();
-  run.workerEnded.store(false, std::memory_order_relaxed);
-  if (run.params.configSlot != nullptr) *run.params.configSlot = &run.config;
-
-  // Told before the thread exists, so that no clock leaps in between.
-  run.surroundings.thread.OutsideWorkBegins();
+  HostThread& hostThread = run.surroundings.thread;
+  bool outside = false;
   try {
-    run.thread = std::thread([context = &run.workerContext] {
+    FillJob(run);
+    run.nextSlide = 0;
+    if (run.params.configSlot != nullptr) *run.params.configSlot = &run.job.config;
+    const auto work = [job = &run.job] {
       const LiveCount<LiveKind::kThread> running;
-      RunWorkerLoop(*context);
+      RunWorkerLoop(*job);
       // The end first: whoever is woken by the second must see the first.
-      HostThread& hostThread = *context->hostThread;
-      context->ended->store(true, std::memory_order_release);
-      hostThread.OutsideWorkEnds();
-    });
-  } catch (const std::system_error&) {
-    run.surroundings.thread.OutsideWorkEnds();
+      HostThread& waiting = *job->hostThread;
+      job->ended.store(true, std::memory_order_release);
+      waiting.OutsideWorkEnds();
+    };
+    // Told before the thread exists, so that no clock leaps in between.
+    hostThread.OutsideWorkBegins();
+    outside = true;
+    const ThreadStart& start = run.surroundings.startThread;
+    run.thread = start ? start(work) : std::thread(work);
+    return true;
+  } catch (const std::exception&) {
+    // No thread, or no memory for one.
+    if (outside) hostThread.OutsideWorkEnds();
     if (run.params.configSlot != nullptr) *run.params.configSlot = nullptr;
     return false;
   }
-  return true;
 }
 
 }  // namespace quillmarch::addin

@@ -13,28 +13,27 @@ constexpr const char16_t* kCopyTag = u"Quillmarch.BilingualCopyOf";
 
 bool IsBilingualCopy(AutomationObject* slide) {
   ObjectRef tags;
-  if (!TypedGetObject(slide, ppt::slide::kTags, tags)) return false;
+  if (!Get(slide, ppt::slide::kTags, tags)) return false;
   const std::array<Variant, 1> name = {Variant::Text(kCopyTag)};
   Variant value;
-  return Succeeded(TypedGet(tags.get(), ppt::tags::kItem, name, value)) &&
+  return Succeeded(CallMember(tags.get(), ppt::tags::kItem, name, value)) &&
          !VariantToText(value).empty();
 }
 
-ResultCode CreateBilingualCopies(RunState&, Wide& errorText) {
+Status CreateBilingualCopies(RunCopies&) {
   // Refused rather than left out: without a copy the translation would go over the source.
-  errorText = u"暂不支持创建双语译文页";
-  return kFail;
+  return {kFail, u"暂不支持创建双语译文页"};
 }
 
-bool LocateCopySlide(const RunState& run, AutomationObject*, std::int32_t slideNumber,
+bool LocateCopySlide(const RunCopies& copies, AutomationObject*, std::int32_t slideNumber,
                      std::int32_t& outIndex) {
-  if (run.params.bilingual) return false;
+  if (copies.bilingual) return false;
   outIndex = slideNumber;
   return true;
 }
 
-std::int32_t RemoveBilingualCopies(RunState& run) {
-  return static_cast<std::int32_t>(run.copyPairs.size());
+std::int32_t RemoveBilingualCopies(RunCopies& copies) {
+  return static_cast<std::int32_t>(copies.copyPairs.size());
 }
 
 }  // namespace quillmarch::addin

@@ -43,15 +43,14 @@ bool SameShape(AutomationObject* first, AutomationObject* second) {
 
   std::int32_t firstId = 0;
   std::int32_t secondId = 0;
-  if (TypedGetWhole(first, ppt::shape::kId, firstId) &&
-      TypedGetWhole(second, ppt::shape::kId, secondId) && firstId != 0 && secondId != 0) {
+  if (Get(first, ppt::shape::kId, firstId) && Get(second, ppt::shape::kId, secondId) &&
+      firstId != 0 && secondId != 0) {
     return firstId == secondId;
   }
   Wide firstName;
   Wide secondName;
-  return TypedGetText(first, ppt::shape::kName, firstName) &&
-         TypedGetText(second, ppt::shape::kName, secondName) && !firstName.empty() &&
-         firstName == secondName;
+  return Get(first, ppt::shape::kName, firstName) && Get(second, ppt::shape::kName, secondName) &&
+         !firstName.empty() && firstName == secondName;
 }
 
 bool FindShape(const ShapeList& shapes, AutomationObject* target, StoredPath& outPath,

@@ -10,7 +10,7 @@ namespace {
 
 ResultCode DescendPath(AutomationObject* shapes, const StoredPath& path, ObjectRef& shape) {
   ObjectRef found;
-  if (!TypedGetObjectAt(shapes, ppt::shapes::kItem, path.front(), found)) return kFail;
+  if (!GetAt(shapes, ppt::shapes::kItem, path.front(), found)) return kFail;
   for (std::size_t level = 1; level < path.size(); ++level) {
     ShapeList items;
     if (!ReadGroupItems(found.get(), items)) {
@@ -37,8 +37,8 @@ ResultCode ResolveShape(AutomationObject* slides, std::int32_t slideIndex, const
   if (!UsablePath(path)) return kFail;
   ObjectRef slide;
   ObjectRef shapes;
-  if (!TypedGetObjectAt(slides, ppt::slides::kItem, slideIndex, slide) ||
-      !TypedGetObject(slide.get(), ppt::slide::kShapes, shapes)) {
+  if (!GetAt(slides, ppt::slides::kItem, slideIndex, slide) ||
+      !Get(slide.get(), ppt::slide::kShapes, shapes)) {
     return kFail;
   }
   return DescendPath(shapes.get(), path, shape);
@@ -51,9 +51,9 @@ ResultCode ResolveNotesShape(AutomationObject* slides, std::int32_t slideIndex,
   ObjectRef slide;
   ObjectRef notes;
   ObjectRef shapes;
-  if (!TypedGetObjectAt(slides, ppt::slides::kItem, slideIndex, slide) ||
-      !TypedGetObject(slide.get(), ppt::slide::kNotesPage, notes) ||
-      !TypedGetObject(notes.get(), ppt::slideRange::kShapes, shapes)) {
+  if (!GetAt(slides, ppt::slides::kItem, slideIndex, slide) ||
+      !Get(slide.get(), ppt::slide::kNotesPage, notes) ||
+      !Get(notes.get(), ppt::slideRange::kShapes, shapes)) {
     return kFail;
   }
   return DescendPath(shapes.get(), path, shape);

@@ -8,46 +8,46 @@
 
 namespace quillmarch::addin {
 
-AutomationObject* RunWindow(RunState& run) {
-  if (!run.window) {
-    run.window = FindRunWindow(run.app.get(), run.windowContext, run.presentation.get());
+AutomationObject* RunWindow(RunDocument& document) {
+  if (!document.window) {
+    document.window =
+        FindRunWindow(document.app.get(), document.windowContext, document.presentation.get());
   }
-  return run.window.get();
+  return document.window.get();
 }
 
-AutomationObject* RunPresentation(RunState& run) {
-  if (!run.presentation) {
-    AutomationObject* window = RunWindow(run);
+AutomationObject* RunPresentation(RunDocument& document) {
+  if (!document.presentation) {
+    AutomationObject* window = RunWindow(document);
     if (window == nullptr) return nullptr;
-    if (!TypedGetObject(window, ppt::documentWindow::kPresentation, run.presentation)) {
+    if (!Get(window, ppt::documentWindow::kPresentation, document.presentation)) {
       return nullptr;
     }
   }
-  return run.presentation.get();
+  return document.presentation.get();
 }
 
-bool ActiveWindowIsRuns(const RunState& run) {
+bool ActiveWindowIsRuns(const RunDocument& document) {
   ObjectRef active;
-  if (!TypedGetObject(run.app.get(), ppt::application::kActiveWindow, active)) return false;
+  if (!Get(document.app.get(), ppt::application::kActiveWindow, active)) return false;
   std::int32_t hwnd = 0;
-  if (run.windowContext.hwnd != 0 &&
-      TypedGetWhole(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
-      hwnd == run.windowContext.hwnd) {
+  if (document.windowContext.hwnd != 0 && Get(active.get(), ppt::documentWindow::kHwnd, hwnd) &&
+      hwnd == document.windowContext.hwnd) {
     return true;
   }
-  return run.windowContext.id != 0 && active->Identity() == run.windowContext.id;
+  return document.windowContext.id != 0 && active->Identity() == document.windowContext.id;
 }
 
-void ShowSlide(RunState& run, std::int32_t slideNumber) {
-  AutomationObject* window = RunWindow(run);
+void ShowSlide(RunDocument& document, std::int32_t slideNumber) {
+  AutomationObject* window = RunWindow(document);
   ObjectRef view;
-  if (window == nullptr || !ActiveWindowIsRuns(run) ||
-      !TypedGetObject(window, ppt::documentWindow::kView, view)) {
+  if (window == nullptr || !ActiveWindowIsRuns(document) ||
+      !Get(window, ppt::documentWindow::kView, view)) {
     return;
   }
   const std::array<Variant, 1> index = {Variant::I4(slideNumber)};
   Variant nothing;
-  static_cast<void>(TypedGet(view.get(), ppt::view::kGotoSlide, index, nothing));
+  static_cast<void>(CallMember(view.get(), ppt::view::kGotoSlide, index, nothing));
 }
 
 }  // namespace quillmarch::addin

@@ -8,7 +8,8 @@ namespace {
 
 struct GateState {
   const void* owner = nullptr;
-  std::uint64_t quietUntil = 0;
+  std::uint64_t quietUntil = 0;       // after a mutation
+  std::uint64_t inputQuietUntil = 0;  // after the user's input
 };
 
 GateState& Gate() {
@@ -29,22 +30,33 @@ void RaiseQuiet(HostThread& thread, std::uint32_t ms) {
   Gate().quietUntil = std::max(Gate().quietUntil, thread.TickCount() + ms);
 }
 
+void RaiseInputQuiet(HostThread& thread) {
+  Gate().inputQuietUntil =
+      std::max(Gate().inputQuietUntil, thread.TickCount() + kQuietAfterInputMs);
+}
+
+void WaitOutMutationQuiet(HostThread& thread) {
+  const std::uint64_t now = thread.TickCount();
+  if (now < Gate().quietUntil) thread.Sleep(static_cast<std::uint32_t>(Gate().quietUntil - now));
+}
+
 bool UserIsBusy(InputState& input) {
   return input.LeftButtonDown() || input.HasCapture() ||
          (input.QueueStatus(kMouseQueueMask) & kMouseArrived) != 0;
 }
 
-GateHold::GateHold(const void* owner, HostThread& thread, std::uint32_t holdMs)
-    : thread_(thread),
-      holdMs_(holdMs),
-      held_(Gate().owner == nullptr && thread.TickCount() >= Gate().quietUntil) {
+GateHold::GateHold(const void* owner, HostThread& thread, Heed heed) : thread_(thread) {
+  const GateState& gate = Gate();
+  const std::uint64_t now = thread.TickCount();
+  held_ = gate.owner == nullptr && now >= gate.quietUntil &&
+          (heed == Heed::kMutationQuiet || now >= gate.inputQuietUntil);
   if (held_) Gate().owner = owner;
 }
 
 GateHold::~GateHold() {
   if (!held_) return;
   Gate().owner = nullptr;
-  RaiseQuiet(thread_, holdMs_);
+  RaiseQuiet(thread_, kQuietAfterMutationMs);
 }
 
 }  // namespace quillmarch::addin

@@ -19,17 +19,25 @@ inline constexpr std::uint32_t kQuietAfterInputMs = 500;
 
 bool StaGateHasOwner();
 
-// No mutation may begin for `ms` from now; never shortens a quiet time.
+// Neither ever shortens a quiet time: no mutation may begin for `ms` from now, and after the user's
+// input for kQuietAfterInputMs.
 void RaiseQuiet(HostThread& thread, std::uint32_t ms);
+void RaiseInputQuiet(HostThread& thread);
+// Sleeps until the quiet time after the last mutation is over.
+void WaitOutMutationQuiet(HostThread& thread);
 
 // The left button is down, a window has the capture, or new mouse input has arrived.
 bool UserIsBusy(InputState& input);
+
+// At a run's end the writes still owed must not be lost to a user who moves the mouse, so they heed
+// only the quiet time after mutations.
+enum class Heed { kEveryQuiet, kMutationQuiet };
 
 // Tries to take the gate at construction, without waiting. Released at the end of the scope, with
 // the quiet time after a mutation.
 class GateHold {
  public:
-  GateHold(const void* owner, HostThread& thread, std::uint32_t holdMs = kQuietAfterMutationMs);
+  GateHold(const void* owner, HostThread& thread, Heed heed = Heed::kEveryQuiet);
   ~GateHold();
   GateHold(const GateHold&) = delete;
   GateHold& operator=(const GateHold&) = delete;
@@ -38,8 +46,7 @@ class GateHold {
 
  private:
   HostThread& thread_;
-  std::uint32_t holdMs_;
-  bool held_;
+  bool held_ = false;
 };
 
 }  // namespace quillmarch::addin

@@ -6,32 +6,24 @@
 
 #include "foundation/text/Wide.h"
 #include "run/document/ShapePath.h"
+#include "run/document/UnitKind.h"
 
 namespace quillmarch::addin {
-
-// Values of UnitLocator::kind. 3 and 6 to 11 are chart slots.
-inline constexpr std::int32_t kKindShape = 0;
-inline constexpr std::int32_t kKindCell = 1;
-inline constexpr std::int32_t kKindNotes = 2;
-inline constexpr std::int32_t kKindSmartArt = 4;
-inline constexpr std::int32_t kKindCharacters = 5;
-inline constexpr std::int32_t kKindChartCategories = 7;
-inline constexpr std::int32_t kKindChartSheet = 11;
 
 struct TextUnit {
   std::int32_t slideIndex = 0;  // 1-based, at collection
   Wide unitId;                  // a label for people; cells and slides may share one
-  Wide sourceText;              // without trailing CR and LF
   bool endsWithCr = false;
   bool frameCollapsed = false;  // the frame passed the collapse tests up to the length limit
   // All paragraphs of the frame with nothing between them; one text for all units of the frame.
   // Never null in a collected unit.
   std::shared_ptr<const Wide> frameText;
+  std::shared_ptr<const Wide> shapeName;  // one text for all units of the frame; null when unread
   std::int32_t paragraphCount = 0;
 };
 
 struct UnitLocator {
-  std::int32_t kind = kKindShape;
+  UnitKind kind = UnitKind::kShape;
   std::int32_t slideIndex = 0;
   StoredPath shapePath;
   std::int32_t paragraphIndex = 0;  // 1-based; 0 when the unit is no paragraph
@@ -50,6 +42,10 @@ struct UnitLocator {
   std::uint8_t categorySource = 0;
   Wide sheetName;
 };
+
+bool IsInCell(const UnitLocator& locator);
+bool LiesOnNotes(const UnitLocator& locator);
+bool MayBeFitted(const UnitLocator& locator);
 
 // Units of one group are written into one shape (and one cell) in one go.
 bool SameApplyTarget(const UnitLocator& a, const UnitLocator& b);

@@ -5,6 +5,7 @@
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostMembers.h"
 #include "foundation/automation/HostShapes.h"
+#include "foundation/text/CharClass.h"
 #include "run/write/FontStyle.h"
 
 namespace quillmarch::addin {
@@ -19,35 +20,60 @@ bool IsBlank(char16_t unit) {
   return unit == u' ' || unit == u'\t';
 }
 
-bool WriteKeepingLook(AutomationObject* range, const Wide& text, const Wide& targetFont) {
+ResultCode WriteKeepingLook(AutomationObject* range, const Wide& text, const Wide& targetFont) {
   FontSnapshot look;
   TakeFontSnapshot(range, look);
-  if (!SetRangeText(range, text)) return false;
+  const ResultCode put = SetRangeText(range, text);
+  if (Failed(put)) return put;
   RestoreFontSnapshot(range, look);
   ApplyTargetFontName(range, targetFont);
-  return true;
+  return put;
+}
+
+WideView Trimmed(WideView text) {
+  while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsSpace(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+// kOk when the place may be written.
+ResultCode LookAtPlace(Wide shown, TextChange& change) {
+  if (change.from == nullptr || SameText(shown, *change.from)) return kOk;
+  if (SameText(shown, change.to)) return kAlreadyThere;
+  change.shown = std::move(shown);
+  return kPlaceChanged;
+}
+
+// The same for places whose text is not read anyway.
+ResultCode ReadAndLook(AutomationObject* range, bool wholeFrame, TextChange& change) {
+  if (change.from == nullptr) return kOk;
+  Wide shown;
+  if (!Get(range, ppt::textRange::kText, shown)) return kFail;
+  return LookAtPlace(wholeFrame ? WithoutBreaks(shown) : std::move(shown), change);
 }
 
 // The part of a paragraph that a text goes over: without the paragraph mark, where the host counts
-// the mark into the range.
-bool WrittenPart(AutomationObject* paragraph, ObjectRef& part) {
+// the mark into the range. kOk with the part.
+ResultCode WrittenPart(AutomationObject* paragraph, TextChange& change, ObjectRef& part) {
   std::int32_t length = 0;
   Wide text;
   // A paragraph whose mark cannot be told is left alone: writing over the mark would join it with
   // the next one.
-  if (!TypedGetWhole(paragraph, ppt::textRange::kLength, length) ||
-      !TypedGetText(paragraph, ppt::textRange::kText, text)) {
-    return false;
+  if (!Get(paragraph, ppt::textRange::kLength, length) ||
+      !Get(paragraph, ppt::textRange::kText, text)) {
+    return kFail;
   }
   const bool holdsMark = !text.empty() && text.back() == u'\r' && length >= 2 &&
                          static_cast<std::size_t>(length) == text.size();
   const std::int32_t writeLength = holdsMark ? length - 1 : length;
-  if (writeLength <= 0) return false;
+  const ResultCode look = LookAtPlace(std::move(text), change);
+  if (look != kOk) return look;
+  if (writeLength <= 0) return kFail;
   if (writeLength == length) {
     part = ObjectRef(paragraph);
-    return true;
+    return kOk;
   }
-  return TypedGetObjectAt2(paragraph, ppt::textRange::kCharacters, 1, writeLength, part);
+  return GetAt(paragraph, ppt::textRange::kCharacters, 1, writeLength, part) ? kOk : kFail;
 }
 
 }  // namespace
@@ -72,44 +98,61 @@ Wide FlattenTranslation(WideView text) {
   return flat;
 }
 
-bool SetRangeText(AutomationObject* range, const Wide& text) {
-  if (range == nullptr || text.empty()) return false;
-  return TypedPutText(range, ppt::textRange::kText, text) || Succeeded(AutoPutText(range, text));
+ResultCode SetRangeText(AutomationObject* range, const Wide& text) {
+  if (range == nullptr || text.empty()) return kFail;
+  ResultCode code = kFail;
+  if (Put(range, ppt::textRange::kText, text, &code)) return code;
+  return AutoPutText(range, text);
 }
 
-bool ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
-                    const Wide& targetFont) {
+bool SameText(WideView a, WideView b) {
+  return Trimmed(a) == Trimmed(b);
+}
+
+Wide WithoutBreaks(WideView text) {
+  Wide joined(text);
+  std::erase_if(joined, [](char16_t unit) { return unit == u'\r' || unit == u'\n'; });
+  return joined;
+}
+
+ResultCode ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, TextChange& change,
+                          const Wide& targetFont) {
   ObjectRef range;
-  if (!FrameRange(shape, range)) return false;
-  const Wide flat = FlattenTranslation(text);
-  if (flat.empty()) return false;
+  if (!FrameRange(shape, range)) return kFail;
+  const Wide flat = FlattenTranslation(change.to);
+  if (flat.empty()) return kFail;
   if (locator.wholeFrame) {
+    const ResultCode look = ReadAndLook(range.get(), true, change);
+    if (look != kOk) return look;
     // Without a snapshot: the look of several paragraphs has no one value to put back.
-    if (!SetRangeText(range.get(), flat)) return false;
-    ApplyTargetFontName(range.get(), targetFont);
-    return true;
+    const ResultCode put = SetRangeText(range.get(), flat);
+    if (Succeeded(put)) ApplyTargetFontName(range.get(), targetFont);
+    return put;
   }
   ObjectRef paragraph;
   ObjectRef part;
-  return TypedGetObjectAt2(range.get(), ppt::textRange::kParagraphs, locator.paragraphIndex, 1,
-                           paragraph) &&
-         WrittenPart(paragraph.get(), part) && WriteKeepingLook(part.get(), flat, targetFont);
+  if (!GetAt(range.get(), ppt::textRange::kParagraphs, locator.paragraphIndex, 1, paragraph)) {
+    return kFail;
+  }
+  const ResultCode look = WrittenPart(paragraph.get(), change, part);
+  return look == kOk ? WriteKeepingLook(part.get(), flat, targetFont) : look;
 }
 
-bool ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
-                         const Wide& targetFont) {
-  if (locator.charStart <= 0 || locator.charLength <= 0) return false;
+ResultCode ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator,
+                               TextChange& change, const Wide& targetFont) {
+  if (locator.charStart <= 0 || locator.charLength <= 0) return kFail;
   ObjectRef range;
   ObjectRef characters;
-  if (!FrameRange(shape, range)) return false;
+  if (!FrameRange(shape, range)) return kFail;
   const bool leaveMark = locator.endsWithCr && locator.charLength > 1;
   const std::int32_t length = leaveMark ? locator.charLength - 1 : locator.charLength;
-  if (!TypedGetObjectAt2(range.get(), ppt::textRange::kCharacters, locator.charStart, length,
-                         characters)) {
-    return false;
+  if (!GetAt(range.get(), ppt::textRange::kCharacters, locator.charStart, length, characters)) {
+    return kFail;
   }
-  const Wide flat = FlattenTranslation(text);
-  return !flat.empty() && WriteKeepingLook(characters.get(), flat, targetFont);
+  const Wide flat = FlattenTranslation(change.to);
+  if (flat.empty()) return kFail;
+  const ResultCode look = ReadAndLook(characters.get(), false, change);
+  return look == kOk ? WriteKeepingLook(characters.get(), flat, targetFont) : look;
 }
 
 }  // namespace quillmarch::addin

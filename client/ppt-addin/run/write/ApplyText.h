@@ -1,26 +1,46 @@
 // Puts one translation over one piece of text, keeping its look. Host thread only, with the gate
-// held. False means that the text was not written.
+// held. A failure means that the text was not written: the host's own code where it refused the
+// text, kFail where the place could not be read.
 #pragma once
 
 #include "foundation/automation/AutomationObject.h"
+#include "foundation/text/ResultCode.h"
 #include "foundation/text/Wide.h"
 #include "run/document/TextUnit.h"
 
 namespace quillmarch::addin {
 
-// One line of a translation: breaks become one blank between texts, trailing blanks and tabs go.
+// One line of a translation: breaks become one space between texts, trailing spaces and tabs go.
 // Pure.
 Wide FlattenTranslation(WideView text);
 
-// False for a null range or an empty text.
-bool SetRangeText(AutomationObject* range, const Wide& text);
+// Fails for a null range or an empty text.
+ResultCode SetRangeText(AutomationObject* range, const Wide& text);
+
+// Equal but for white space at both ends.
+bool SameText(WideView a, WideView b);
+// A frame's text as its unit has it: no breaks between the paragraphs.
+Wide WithoutBreaks(WideView text);
+
+// A success: the place shows the translation already, and nothing was written.
+inline constexpr ResultCode kAlreadyThere = 1;
+// The place shows neither the source nor the translation: it is the user's, and nothing was
+// written.
+inline constexpr ResultCode kPlaceChanged = MakeResult(0x80040211);
+
+struct TextChange {
+  // What the place must still show; null where it is not looked at.
+  const Wide* from = nullptr;
+  const Wide& to;
+  Wide shown = {};  // out, with kPlaceChanged
+};
 
 // A paragraph of the shape's frame, or the whole frame, as the locator says.
-bool ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
-                    const Wide& targetFont);
+ResultCode ApplyParagraph(AutomationObject* shape, const UnitLocator& locator, TextChange& change,
+                          const Wide& targetFont);
 
 // The locator's character range of the shape's frame.
-bool ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator, const Wide& text,
-                         const Wide& targetFont);
+ResultCode ApplyCharacterRange(AutomationObject* shape, const UnitLocator& locator,
+                               TextChange& change, const Wide& targetFont);
 
 }  // namespace quillmarch::addin

@@ -6,8 +6,7 @@
 
 #include "foundation/automation/HostShapes.h"
 #include "run/document/BilingualSlides.h"
-#include "run/document/ResolveShape.h"
-#include "run/document/RunWindow.h"
+#include "run/document/ResolveUnit.h"
 #include "run/document/ShouldSkip.h"
 #include "run/document/StaGate.h"
 #include "run/write/ApplyText.h"
@@ -18,25 +17,32 @@ namespace quillmarch::addin {
 
 namespace {
 
-constexpr std::int32_t kFirstChartKind = 3;
-
 Wide TargetKey(const UnitLocator& locator) {
   Wide key = Decimal(locator.slideIndex) + u"|" + PathText(locator.shapePath) + u"|" +
-             Decimal(locator.kind) + u"|" + Decimal(locator.row) + u"," + Decimal(locator.column);
+             Decimal(static_cast<std::int32_t>(locator.kind)) + u"|" + Decimal(locator.row) + u"," +
+             Decimal(locator.column);
   if (locator.onNotes != 0) key += u"|n";
   return key;
 }
 
-bool IsCandidate(const RunState& run, std::size_t unit) {
-  return run.units[unit].frameCollapsed && !run.repairedUnits[unit] &&
-         run.translations[unit] == run.sourceTexts[unit] &&
-         run.locators[unit].kind < kFirstChartKind;
+struct Pass {
+  const WriteTask& task;
+  TranslateConfig& config;
+  HostThread& thread;
+  const void* owner;
+};
+
+bool IsCandidate(const WriteTask& task, std::size_t unit) {
+  return task.texts.units[unit].frameCollapsed && !task.writes.repairedUnits[unit] &&
+         task.translations[unit] == task.texts.sourceTexts[unit] &&
+         RulesOf(task.texts.locators[unit].kind).writer == UnitWriter::kParagraph;
 }
 
-bool AnyPartTranslated(const RunState& run, std::size_t unit, std::size_t n) {
+bool AnyPartTranslated(const WriteTask& task, std::size_t unit, std::size_t n) {
+  const RunTexts& texts = task.texts;
   for (std::size_t other = 0; other < n; ++other) {
-    if (SameApplyTarget(run.locators[unit], run.locators[other]) &&
-        !run.translations[other].empty() && run.translations[other] != run.sourceTexts[other]) {
+    if (SameApplyTarget(texts.locators[unit], texts.locators[other]) &&
+        !task.translations[other].empty() && task.translations[other] != texts.sourceTexts[other]) {
       return true;
     }
   }
@@ -44,78 +50,78 @@ bool AnyPartTranslated(const RunState& run, std::size_t unit, std::size_t n) {
 }
 
 // The answer for the whole frame, or empty when it is of no use.
-Wide AskForFrame(RunState& run, const Wide& frameText) {
+Wide AskForFrame(const Pass& pass, const Wide& frameText) {
   Wide answer;
   Wide message;
   Wide code;
-  if (!TranslateSingle(run.config, frameText, answer, message, code)) return {};
+  if (!TranslateSingle(pass.config, frameText, answer, message, code)) return {};
   const Wide text = FlattenTranslation(answer);
   if (text == frameText) return {};
   const bool holdsHan = std::any_of(text.begin(), text.end(), IsHanUnit);
-  if (holdsHan && IsNonCjkTarget(run.params.targetLang)) return {};
+  if (holdsHan && IsNonCjkTarget(pass.task.params.targetLang)) return {};
   return text;
 }
 
-bool FindFrame(RunState& run, const UnitLocator& locator, ObjectRef& range) {
-  AutomationObject* presentation = RunPresentation(run);
+bool FindFrame(const WriteTask& task, const UnitLocator& locator, ObjectRef& range) {
+  AutomationObject* presentation = RunPresentation(task.document);
   ObjectRef slides;
-  std::int32_t slide = 0;
-  if (presentation == nullptr ||
-      !TypedGetObject(presentation, ppt::presentation::kSlides, slides) ||
-      !LocateCopySlide(run, slides.get(), locator.slideIndex, slide)) {
-    return false;
-  }
   ObjectRef shape;
-  const bool onNotes = locator.onNotes != 0 || locator.kind == kKindNotes;
-  const ResultCode found = onNotes
-                               ? ResolveNotesShape(slides.get(), slide, locator.shapePath, shape)
-                               : ResolveShape(slides.get(), slide, locator.shapePath, shape);
-  if (Failed(found)) return false;
-  if (locator.kind == kKindCell) {
-    ObjectRef table;
-    ObjectRef cell;
-    if (!TypedGetObject(shape.get(), ppt::shape::kTable, table) ||
-        !CellShape(table.get(), locator.row, locator.column, cell)) {
-      return false;
-    }
-    shape = std::move(cell);
-  }
-  return FrameRange(shape.get(), range);
+  std::int32_t slide = 0;
+  return presentation != nullptr && Get(presentation, ppt::presentation::kSlides, slides) &&
+         LocateCopySlide(task.copies, slides.get(), locator.slideIndex, slide) &&
+         ResolveUnit(slides.get(), slide, locator, shape) == UnitPlace::kFound &&
+         FrameRange(shape.get(), range);
 }
 
-bool ReplaceFrame(RunState& run, AutomationObject* range, const Wide& text) {
-  const GateHold gate(&run, run.surroundings.thread);
+// A frame that the user has changed since is theirs.
+bool ShowsFrameText(AutomationObject* range, const Wide& frameText) {
+  Wide shown;
+  return Get(range, ppt::textRange::kText, shown) && SameText(WithoutBreaks(shown), frameText);
+}
+
+bool ReplaceFrame(const Pass& pass, AutomationObject* range, const Wide& text) {
+  const GateHold gate(pass.owner, pass.thread, Heed::kMutationQuiet);
   if (!gate.held()) return false;
   FontSnapshot look;
   TakeFontSnapshot(range, look);
-  if (!SetRangeText(range, text)) return false;
+  if (Failed(SetRangeText(range, text))) return false;
   RestoreFontSnapshot(range, look);
-  ApplyTargetFontName(range, run.params.targetFont);
+  ApplyTargetFontName(range, pass.task.params.targetFont);
   return true;
 }
 
-bool RepairFrame(RunState& run, std::size_t unit) {
-  const Wide text = AskForFrame(run, *run.units[unit].frameText);
+bool RepairFrame(const Pass& pass, std::size_t unit) {
+  const RunTexts& texts = pass.task.texts;
+  const Wide& frameText = *texts.units[unit].frameText;
+  // Before the question: a quick answer would find the gate still quiet after the last write, and
+  // be paid for and dropped.
+  WaitOutMutationQuiet(pass.thread);
+  const Wide text = AskForFrame(pass, frameText);
   ObjectRef range;
-  return !text.empty() && FindFrame(run, run.locators[unit], range) &&
-         ReplaceFrame(run, range.get(), text);
+  return !text.empty() && FindFrame(pass.task, texts.locators[unit], range) &&
+         ShowsFrameText(range.get(), frameText) && ReplaceFrame(pass, range.get(), text);
 }
 
 }  // namespace
 
-void BrokenPhrasePass(RunState& run, std::int32_t& appliedCount) {
-  run.repairedUnits.assign(run.locators.size(), false);
-  const std::size_t n = std::min({run.locators.size(), run.translations.size(), run.units.size()});
+void BrokenPhrasePass(const WriteTask& task, TranslateConfig& config, HostThread& thread,
+                      const void* owner) {
+  const Pass pass{task, config, thread, owner};
+  const std::vector<UnitLocator>& locators = task.texts.locators;
+  RunWrites& writes = task.writes;
+  writes.repairedUnits.assign(locators.size(), false);
+  const std::size_t n =
+      std::min({locators.size(), task.translations.size(), task.texts.units.size()});
   std::set<Wide> seenTargets;
   for (std::size_t unit = 0; unit < n; ++unit) {
-    if (!IsCandidate(run, unit)) continue;
-    if (!seenTargets.insert(TargetKey(run.locators[unit])).second) continue;
-    if (AnyPartTranslated(run, unit, n) || !RepairFrame(run, unit)) continue;
-    ++appliedCount;
+    if (!IsCandidate(task, unit)) continue;
+    if (!seenTargets.insert(TargetKey(locators[unit])).second) continue;
+    if (AnyPartTranslated(task, unit, n) || !RepairFrame(pass, unit)) continue;
+    ++writes.appliedCount;
     for (std::size_t other = 0; other < n; ++other) {
-      if (!SameApplyTarget(run.locators[unit], run.locators[other])) continue;
-      run.repairedUnits[other] = true;
-      run.reached[other] = true;
+      if (!SameApplyTarget(locators[unit], locators[other])) continue;
+      writes.repairedUnits[other] = true;
+      writes.reached[other] = true;
     }
   }
 }

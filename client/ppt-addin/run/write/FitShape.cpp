@@ -61,8 +61,8 @@ const char* ModeName(FitMode mode) {
 
 void SwitchAutoSizeOff(Fit& fit) {
   AutomationObject* frame = fit.frame.get();
-  fit.autoSizeRead = TypedGetWhole(frame, ppt::textFrame::kAutoSize, fit.savedAutoSize);
-  TypedPutWhole(frame, ppt::textFrame::kAutoSize, kAutoSizeNone);
+  fit.autoSizeRead = Get(frame, ppt::textFrame::kAutoSize, fit.savedAutoSize);
+  Put(frame, ppt::textFrame::kAutoSize, kAutoSizeNone);
   if (!AutoGetObject(fit.shape, u"TextFrame2", fit.frame2)) return;
   Variant value;
   if (Failed(AutoGet(fit.frame2.get(), u"AutoSize", value)) ||
@@ -75,7 +75,7 @@ void SwitchAutoSizeOff(Fit& fit) {
 
 void PutAutoSizeBack(const Fit& fit) {
   if (fit.autoSizeRead) {
-    TypedPutWhole(fit.frame.get(), ppt::textFrame::kAutoSize, fit.savedAutoSize);
+    Put(fit.frame.get(), ppt::textFrame::kAutoSize, fit.savedAutoSize);
   }
   if (fit.autoSize2Read) {
     AutoPut(fit.frame2.get(), u"AutoSize", Variant::I4(fit.savedAutoSize2));
@@ -93,24 +93,24 @@ void RestorePlace(Fit& fit, const ShapeRect& rect) {
                      !Moved(now.width, rect.width) && !Moved(now.height, rect.height))) {
     return;
   }
-  TypedPutSingle(fit.shape, ppt::shape::kLeft, rect.left);
-  TypedPutSingle(fit.shape, ppt::shape::kTop, rect.top);
-  TypedPutSingle(fit.shape, ppt::shape::kWidth, rect.width);
-  TypedPutSingle(fit.shape, ppt::shape::kHeight, rect.height);
+  Put(fit.shape, ppt::shape::kLeft, rect.left);
+  Put(fit.shape, ppt::shape::kTop, rect.top);
+  Put(fit.shape, ppt::shape::kWidth, rect.width);
+  Put(fit.shape, ppt::shape::kHeight, rect.height);
   fit.restored = true;
 }
 
-float Margin(const Fit& fit, const TypedMember& member) {
+float Margin(const Fit& fit, const Member<float>& member) {
   float margin = 0.0F;
-  TypedGetSingle(fit.frame.get(), member, margin);
+  Get(fit.frame.get(), member, margin);
   return margin < 0.0F ? 0.0F : margin;
 }
 
 // False when the shape gives no size.
 bool ReadRoom(Fit& fit, float slideWidth) {
   FitRoom& room = fit.room;
-  const bool width = TypedGetSingle(fit.shape, ppt::shape::kWidth, room.shapeW);
-  const bool height = TypedGetSingle(fit.shape, ppt::shape::kHeight, room.shapeH);
+  const bool width = Get(fit.shape, ppt::shape::kWidth, room.shapeW);
+  const bool height = Get(fit.shape, ppt::shape::kHeight, room.shapeH);
   if (!width || !height || !(room.shapeW > 0.0F) || !(room.shapeH > 0.0F)) return false;
   const float left = Margin(fit, ppt::textFrame::kMarginLeft);
   const float right = Margin(fit, ppt::textFrame::kMarginRight);
@@ -128,15 +128,15 @@ TextMeasure Measure(const Fit& fit) {
   TextMeasure measure;
   AutomationObject* range = fit.range.get();
   measure.validHeight =
-      TypedGetSingle(range, ppt::textRange::kBoundHeight, measure.height) && measure.height > 0.0F;
+      Get(range, ppt::textRange::kBoundHeight, measure.height) && measure.height > 0.0F;
   measure.validWidth =
-      TypedGetSingle(range, ppt::textRange::kBoundWidth, measure.width) && measure.width > 0.0F;
-  if (!TypedGetSingle(range, ppt::textRange::kBoundLeft, measure.left)) measure.left = 0.0F;
+      Get(range, ppt::textRange::kBoundWidth, measure.width) && measure.width > 0.0F;
+  if (!Get(range, ppt::textRange::kBoundLeft, measure.left)) measure.left = 0.0F;
   return measure;
 }
 
 TextMeasure MeasureWithWrap(const Fit& fit, std::int32_t wrap) {
-  TypedPutWhole(fit.frame.get(), ppt::textFrame::kWordWrap, wrap);
+  Put(fit.frame.get(), ppt::textFrame::kWordWrap, wrap);
   return Measure(fit);
 }
 
@@ -202,10 +202,10 @@ void GiveUp(const Fit& fit) {
 
 ShapeRect ReadShapeRect(AutomationObject* shape) {
   ShapeRect rect;
-  const bool left = TypedGetSingle(shape, ppt::shape::kLeft, rect.left);
-  const bool top = TypedGetSingle(shape, ppt::shape::kTop, rect.top);
-  const bool width = TypedGetSingle(shape, ppt::shape::kWidth, rect.width);
-  const bool height = TypedGetSingle(shape, ppt::shape::kHeight, rect.height);
+  const bool left = Get(shape, ppt::shape::kLeft, rect.left);
+  const bool top = Get(shape, ppt::shape::kTop, rect.top);
+  const bool width = Get(shape, ppt::shape::kWidth, rect.width);
+  const bool height = Get(shape, ppt::shape::kHeight, rect.height);
   rect.valid = left && top && width && height && rect.width > 0.0F && rect.height > 0.0F;
   return rect;
 }
@@ -213,22 +213,22 @@ ShapeRect ReadShapeRect(AutomationObject* shape) {
 void FitShape(AutomationObject* shape, const ShapeRect* rect, float slideWidth) {
   Fit fit;
   fit.shape = shape;
-  if (!TypedGetObject(shape, ppt::shape::kTextFrame, fit.frame) ||
-      !TypedGetObject(fit.frame.get(), ppt::textFrame::kTextRange, fit.range)) {
+  if (!Get(shape, ppt::shape::kTextFrame, fit.frame) ||
+      !Get(fit.frame.get(), ppt::textFrame::kTextRange, fit.range)) {
     return;
   }
   SwitchAutoSizeOff(fit);
   if (rect != nullptr && rect->valid) RestorePlace(fit, *rect);
   if (!ReadRoom(fit, slideWidth)) return GiveUp(fit);
 
-  if (!TypedGetWhole(fit.frame.get(), ppt::textFrame::kWordWrap, fit.savedWrap)) fit.savedWrap = 0;
+  if (!Get(fit.frame.get(), ppt::textFrame::kWordWrap, fit.savedWrap)) fit.savedWrap = 0;
   const TextMeasure unwrapped = MeasureWithWrap(fit, kWrapOff);
   const TextMeasure wrapped = MeasureWithWrap(fit, kWrapOn);
   if (!unwrapped.validHeight && !wrapped.validHeight) return GiveUp(fit);
 
   const TextMeasure& best = unwrapped.validHeight ? unwrapped : wrapped;
   const Choice choice = Choose(fit, unwrapped, wrapped);
-  TypedPutWhole(fit.frame.get(), ppt::textFrame::kWordWrap, choice.wrap);
+  Put(fit.frame.get(), ppt::textFrame::kWordWrap, choice.wrap);
   if (choice.shrink) {
     const bool fromWrapped = choice.wrap != kWrapOff && wrapped.validHeight;
     Shrink(fit, fromWrapped ? wrapped : best);

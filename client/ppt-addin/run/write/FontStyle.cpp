@@ -21,19 +21,19 @@ void LogColor(std::int32_t before, std::int32_t after) {
 
 void RestoreColor(AutomationObject* font, const FontSnapshot& snapshot) {
   ObjectRef color;
-  if (!TypedGetObject(font, ppt::font::kColor, color)) return;
+  if (!Get(font, ppt::font::kColor, color)) return;
   std::int32_t type = kMixed;
   std::int32_t rgb = 0;
-  TypedGetWhole(color.get(), ppt::colorFormat::kType, type);
-  const bool rgbRead = TypedGetWhole(color.get(), ppt::colorFormat::kRgb, rgb);
+  Get(color.get(), ppt::colorFormat::kType, type);
+  const bool rgbRead = Get(color.get(), ppt::colorFormat::kRgb, rgb);
   if (snapshot.colorType == kSchemeColorType && snapshot.hasSchemeColor &&
       snapshot.schemeColor != 0 && type != kSchemeColorType) {
-    TypedPutWhole(color.get(), ppt::colorFormat::kSchemeColor, snapshot.schemeColor);
+    Put(color.get(), ppt::colorFormat::kSchemeColor, snapshot.schemeColor);
     if (snapshot.hasTint) {
-      TypedPutSingle(color.get(), ppt::colorFormat::kTintAndShade, snapshot.tint);
+      Put(color.get(), ppt::colorFormat::kTintAndShade, snapshot.tint);
     }
   } else if (snapshot.hasRgb && type != kMixed && rgb != snapshot.rgb) {
-    TypedPutWhole(color.get(), ppt::colorFormat::kRgb, snapshot.rgb);
+    Put(color.get(), ppt::colorFormat::kRgb, snapshot.rgb);
   } else {
     return;
   }
@@ -42,16 +42,16 @@ void RestoreColor(AutomationObject* font, const FontSnapshot& snapshot) {
 
 void RestoreSize(AutomationObject* font, float wanted) {
   float size = 0.0F;
-  if (!TypedGetSingle(font, ppt::font::kSize, size) || !(size > 0.0F)) return;
+  if (!Get(font, ppt::font::kSize, size) || !(size > 0.0F)) return;
   if (size < wanted - kSizeTolerance || size > wanted + kSizeTolerance) {
-    TypedPutSingle(font, ppt::font::kSize, wanted);
+    Put(font, ppt::font::kSize, wanted);
   }
 }
 
-void RestoreFlag(AutomationObject* font, const TypedMember& member, std::int32_t wanted) {
+void RestoreFlag(AutomationObject* font, const Member<std::int32_t>& member, std::int32_t wanted) {
   std::int32_t present = 0;
-  if (wanted == kMixed || !TypedGetWhole(font, member, present) || present == wanted) return;
-  TypedPutWhole(font, member, wanted);
+  if (wanted == kMixed || !Get(font, member, present) || present == wanted) return;
+  Put(font, member, wanted);
 }
 
 }  // namespace
@@ -59,27 +59,25 @@ void RestoreFlag(AutomationObject* font, const TypedMember& member, std::int32_t
 void TakeFontSnapshot(AutomationObject* range, FontSnapshot& snapshot) {
   snapshot = FontSnapshot{};
   ObjectRef font;
-  if (range == nullptr || !TypedGetObject(range, ppt::textRange::kFont, font)) return;
+  if (range == nullptr || !Get(range, ppt::textRange::kFont, font)) return;
   snapshot.valid = true;
   ObjectRef color;
-  if (TypedGetObject(font.get(), ppt::font::kColor, color)) {
+  if (Get(font.get(), ppt::font::kColor, color)) {
     AutomationObject* from = color.get();
-    TypedGetWhole(from, ppt::colorFormat::kType, snapshot.colorType);
-    snapshot.hasRgb = TypedGetWhole(from, ppt::colorFormat::kRgb, snapshot.rgb);
-    snapshot.hasSchemeColor =
-        TypedGetWhole(from, ppt::colorFormat::kSchemeColor, snapshot.schemeColor);
-    snapshot.hasTint = TypedGetSingle(from, ppt::colorFormat::kTintAndShade, snapshot.tint);
+    Get(from, ppt::colorFormat::kType, snapshot.colorType);
+    snapshot.hasRgb = Get(from, ppt::colorFormat::kRgb, snapshot.rgb);
+    snapshot.hasSchemeColor = Get(from, ppt::colorFormat::kSchemeColor, snapshot.schemeColor);
+    snapshot.hasTint = Get(from, ppt::colorFormat::kTintAndShade, snapshot.tint);
   }
-  snapshot.hasSize =
-      TypedGetSingle(font.get(), ppt::font::kSize, snapshot.size) && snapshot.size > 0.0F;
-  TypedGetWhole(font.get(), ppt::font::kBold, snapshot.bold);
-  TypedGetWhole(font.get(), ppt::font::kItalic, snapshot.italic);
+  snapshot.hasSize = Get(font.get(), ppt::font::kSize, snapshot.size) && snapshot.size > 0.0F;
+  Get(font.get(), ppt::font::kBold, snapshot.bold);
+  Get(font.get(), ppt::font::kItalic, snapshot.italic);
 }
 
 void RestoreFontSnapshot(AutomationObject* range, const FontSnapshot& snapshot) {
   if (range == nullptr || !snapshot.valid) return;
   ObjectRef font;
-  if (!TypedGetObject(range, ppt::textRange::kFont, font)) return;
+  if (!Get(range, ppt::textRange::kFont, font)) return;
   if (snapshot.hasRgb || snapshot.hasSchemeColor) RestoreColor(font.get(), snapshot);
   if (snapshot.hasSize) RestoreSize(font.get(), snapshot.size);
   RestoreFlag(font.get(), ppt::font::kBold, snapshot.bold);
@@ -88,10 +86,10 @@ void RestoreFontSnapshot(AutomationObject* range, const FontSnapshot& snapshot) 
 
 void ApplyTargetFontName(AutomationObject* range, const Wide& targetFont) {
   ObjectRef font;
-  if (targetFont.empty() || !TypedGetObject(range, ppt::textRange::kFont, font)) return;
-  TypedPutText(font.get(), ppt::font::kName, targetFont);
-  TypedPutText(font.get(), ppt::font::kNameFarEast, targetFont);
-  TypedPutText(font.get(), ppt::font::kNameAscii, targetFont);
+  if (targetFont.empty() || !Get(range, ppt::textRange::kFont, font)) return;
+  Put(font.get(), ppt::font::kName, targetFont);
+  Put(font.get(), ppt::font::kNameFarEast, targetFont);
+  Put(font.get(), ppt::font::kNameAscii, targetFont);
 }
 
 }  // namespace quillmarch::addin

@@ -4,15 +4,16 @@
 #include <cstddef>
 #include <span>
 
-#include "run/control/RunState.h"
+#include "run/write/RunWrites.h"
 
 namespace quillmarch::addin {
 
-// One unit of kind 3, 4, 6, 8, 9 or 10; false when it was not written.
-bool WriteChartOrNode(RunState& run, AutomationObject* shape, std::size_t unit, const Wide& text);
+// One unit that is written by itself; false when it was not written.
+bool WriteChartOrNode(const WriteTask& task, AutomationObject* shape, std::size_t unit,
+                      const Wide& text);
 
-// A whole group of kind 7 or 11; false when it failed. `written` is the number of units written.
-bool WriteChartGroup(RunState& run, AutomationObject* shape, std::span<const std::size_t> units,
-                     std::int32_t& written);
+// All units of one shape at once; false when it failed. `written` is the number of units written.
+bool WriteChartGroup(const WriteTask& task, AutomationObject* shape,
+                     std::span<const std::size_t> units, std::int32_t& written);
 
 }  // namespace quillmarch::addin

@@ -15,21 +15,21 @@ constexpr std::int32_t kAll = -1;
 
 bool ShrinkRuns(AutomationObject* textRange, float scale, float minSize, bool& shrunk) {
   ObjectRef runs;
-  if (!TypedGetObjectAt2(textRange, ppt::textRange::kRuns, kAll, kAll, runs)) return false;
+  if (!GetAt(textRange, ppt::textRange::kRuns, kAll, kAll, runs)) return false;
   std::int32_t count = 0;
-  TypedGetWhole(runs.get(), ppt::textRange::kCount, count);
+  Get(runs.get(), ppt::textRange::kCount, count);
   for (std::int32_t i = 1; i <= count; ++i) {
     ObjectRef run;
     ObjectRef font;
     float size = 0.0F;
-    if (!TypedGetObjectAt2(textRange, ppt::textRange::kRuns, i, 1, run) ||
-        !TypedGetObject(run.get(), ppt::textRange::kFont, font) ||
-        !TypedGetSingle(font.get(), ppt::font::kSize, size) || !(size > minSize)) {
+    if (!GetAt(textRange, ppt::textRange::kRuns, i, 1, run) ||
+        !Get(run.get(), ppt::textRange::kFont, font) || !Get(font.get(), ppt::font::kSize, size) ||
+        !(size > minSize)) {
       continue;
     }
     const float smaller = std::max(size * scale, minSize);
     if (!(smaller < size)) continue;
-    TypedPutSingle(font.get(), ppt::font::kSize, smaller);
+    Put(font.get(), ppt::font::kSize, smaller);
     // Also where the put failed: a pass that could change nothing still counts as one.
     shrunk = true;
   }

@@ -4,11 +4,12 @@
 #include <exception>
 #include <numeric>
 
-#include "foundation/automation/HostShapes.h"
+#include "foundation/automation/HostMembers.h"
 #include "foundation/log/Log.h"
 #include "run/document/BilingualSlides.h"
+#include "run/document/FindShape.h"
 #include "run/document/ResolveShape.h"
-#include "run/document/RunWindow.h"
+#include "run/document/ResolveUnit.h"
 #include "run/write/ApplyText.h"
 #include "run/write/FitShape.h"
 #include "run/write/KindWriters.h"
@@ -19,7 +20,7 @@ namespace {
 
 // One call of WriteSlide.
 struct SlideWrite {
-  RunState& run;
+  const WriteTask& task;
   ObjectRef slides;
   float slideWidth = 0.0F;  // points
   bool located = false;
@@ -29,26 +30,27 @@ struct SlideWrite {
 
 using Group = std::vector<std::size_t>;
 
-const Wide& UnitIdOf(const RunState& run, std::size_t unit) {
+const Wide& UnitIdOf(const WriteTask& task, std::size_t unit) {
   static const Wide unknown = u"?";
-  return unit < run.units.size() ? run.units[unit].unitId : unknown;
+  return unit < task.texts.units.size() ? task.texts.units[unit].unitId : unknown;
 }
 
-void RecordGroup(RunState& run, const Group& group) {
-  for (const std::size_t unit : group) RecordApplyFailure(run.applyError, UnitIdOf(run, unit));
+void RecordUnit(const WriteTask& task, std::size_t unit, WriteFailure failure) {
+  RecordApplyFailure(task.writes.applyError, UnitIdOf(task, unit));
+  task.writes.failures[unit] = failure;
+}
+
+void RecordNotFound(const WriteTask& task, const Group& group) {
+  for (const std::size_t unit : group) RecordUnit(task, unit, {FailCause::kNotFound, kOk});
 }
 
 void FailLocate(SlideWrite& write, const Group& group, const char16_t* stage, std::int32_t slide) {
   if (!write.locateFailLogged) {
     write.locateFailLogged = true;
     LogLine(Wide(u"PptCtrl apply locate fail stage=") + stage + u" slide=" + Decimal(slide) +
-            u" where=" + UnitIdOf(write.run, group.front()));
+            u" where=" + UnitIdOf(write.task, group.front()));
   }
-  RecordGroup(write.run, group);
-}
-
-bool IsNotesUnit(const UnitLocator& locator) {
-  return locator.onNotes != 0 || locator.kind == kKindNotes;
+  RecordNotFound(write.task, group);
 }
 
 bool LocateShape(SlideWrite& write, const Group& group, const UnitLocator& locator,
@@ -57,141 +59,177 @@ bool LocateShape(SlideWrite& write, const Group& group, const UnitLocator& locat
     FailLocate(write, group, u"copySlide", locator.slideIndex);
     return false;
   }
-  const bool onNotes = IsNotesUnit(locator);
-  const ResultCode found =
-      onNotes ? ResolveNotesShape(write.slides.get(), write.targetSlide, locator.shapePath, shape)
-              : ResolveShape(write.slides.get(), write.targetSlide, locator.shapePath, shape);
-  if (Succeeded(found)) return true;
-  FailLocate(write, group, onNotes ? u"notesShape" : u"shape", write.targetSlide);
+  switch (ResolveUnit(write.slides.get(), write.targetSlide, locator, shape)) {
+    case UnitPlace::kFound:
+      return true;
+    case UnitPlace::kNoShape:
+      FailLocate(write, group, LiesOnNotes(locator) ? u"notesShape" : u"shape", write.targetSlide);
+      return false;
+    case UnitPlace::kNoCell:
+      break;
+  }
+  RecordNotFound(write.task, group);
   return false;
 }
 
-bool IsCellUnit(const UnitLocator& locator) {
-  return locator.kind == kKindCell || (locator.kind == kKindCharacters && locator.row > 0);
-}
-
-bool EnterCell(const UnitLocator& locator, ObjectRef& shape) {
-  ObjectRef table;
-  ObjectRef cell;
-  if (!TypedGetObject(shape.get(), ppt::shape::kTable, table) ||
-      !CellShape(table.get(), locator.row, locator.column, cell)) {
-    return false;
-  }
-  shape = std::move(cell);
-  return true;
-}
-
-bool MayBeFitted(const UnitLocator& locator) {
-  return locator.kind == kKindShape ||
-         (locator.kind == kKindCharacters && locator.row == 0 && locator.onNotes == 0);
-}
-
 // From the last piece of text to the first, so that no write moves the place of a later one.
-void SortForWriting(const RunState& run, Group& group) {
-  const auto place = [&run](std::size_t unit) {
-    const UnitLocator& locator = run.locators[unit];
-    return locator.kind == kKindCharacters ? locator.charStart : locator.paragraphIndex;
+void SortForWriting(const RunTexts& texts, Group& group) {
+  const auto place = [&texts](std::size_t unit) {
+    const UnitLocator& locator = texts.locators[unit];
+    return locator.kind == UnitKind::kCharacters ? locator.charStart : locator.paragraphIndex;
   };
   std::stable_sort(group.begin(), group.end(),
                    [&](std::size_t a, std::size_t b) { return place(a) > place(b); });
 }
 
-bool WriteUnit(RunState& run, AutomationObject* shape, std::size_t unit, const Wide& text) {
-  const UnitLocator& locator = run.locators[unit];
-  switch (locator.kind) {
-    case 3:
-    case kKindSmartArt:
-    case 6:
-    case 8:
-    case 9:
-    case 10:
-      return WriteChartOrNode(run, shape, unit, text);
-    case kKindCharacters:
-      return ApplyCharacterRange(shape, locator, text, run.params.targetFont);
+ResultCode WriteUnit(const WriteTask& task, AutomationObject* shape, std::size_t unit,
+                     TextChange& change) {
+  const UnitLocator& locator = task.texts.locators[unit];
+  switch (RulesOf(locator.kind).writer) {
+    case UnitWriter::kChartOrNode:
+      return WriteChartOrNode(task, shape, unit, change.to) ? kOk : kFail;
+    case UnitWriter::kCharacters:
+      return ApplyCharacterRange(shape, locator, change, task.params.targetFont);
     default:
-      return ApplyParagraph(shape, locator, text, run.params.targetFont);
+      return ApplyParagraph(shape, locator, change, task.params.targetFont);
   }
 }
 
-bool WriteUnits(RunState& run, AutomationObject* shape, const Group& group) {
-  bool wrote = false;
-  for (const std::size_t unit : group) {
-    const Wide text = TextToWrite(run, unit);
-    if (text.empty()) continue;
-    if (WriteUnit(run, shape, unit, text)) {
-      ++run.appliedCount;
-      run.reached[unit] = true;
-      wrote = true;
-    } else {
-      RecordApplyFailure(run.applyError, UnitIdOf(run, unit));
+// Every grid position of a merged cell is a unit of its own, and the service may have translated
+// one text in two ways: the first that was written stays.
+bool WrittenByTwin(const WriteTask& task, std::size_t unit, const Wide& shown) {
+  const RunTexts& texts = task.texts;
+  const UnitLocator& own = texts.locators[unit];
+  if (!IsInCell(own)) return false;
+  for (std::size_t twin = 0; twin < unit; ++twin) {
+    const UnitLocator& other = texts.locators[twin];
+    if (task.writes.reached[twin] && IsInCell(other) && other.slideIndex == own.slideIndex &&
+        other.shapePath == own.shapePath && texts.sourceTexts[twin] == texts.sourceTexts[unit] &&
+        SameText(shown, FlattenTranslation(task.translations[twin]))) {
+      return true;
     }
   }
-  return wrote;
+  return false;
 }
 
-bool WriteWholeGroup(RunState& run, AutomationObject* shape, const Group& group) {
+// A shape of a slide and one of its notes page may have the same Id, by which the collection finds
+// what is selected. The slide's shape comes first there; its text tells that the other was meant.
+bool FindOnNotes(const SlideWrite& write, AutomationObject* onSlide, ObjectRef& onNotes) {
+  ObjectRef slide;
+  ObjectRef notes;
+  ShapeList shapes;
+  StoredPath path;
+  std::int32_t row = 0;
+  std::int32_t column = 0;
+  return GetAt(write.slides.get(), ppt::slides::kItem, write.targetSlide, slide) &&
+         Get(slide.get(), ppt::slide::kNotesPage, notes) &&
+         Get(notes.get(), ppt::slideRange::kShapes, shapes.object) &&
+         FindShape(shapes, onSlide, path, row, column) && row == 0 &&
+         Succeeded(ResolveNotesShape(write.slides.get(), write.targetSlide, path, onNotes));
+}
+
+struct GroupWritten {
+  bool any = false;
+  bool elsewhere = false;  // not in the shape that was given
+};
+
+GroupWritten WriteUnits(const SlideWrite& write, ObjectRef shape, const Group& group) {
+  const WriteTask& task = write.task;
+  GroupWritten written;
+  for (const std::size_t unit : group) {
+    const Wide text = TextToWrite(task, unit);
+    if (text.empty()) continue;
+    const UnitLocator& locator = task.texts.locators[unit];
+    // A copy that an earlier run made shows that run's translation.
+    TextChange change{.from = task.copies.bilingual ? nullptr : &task.texts.sourceTexts[unit],
+                      .to = text};
+    ResultCode code = WriteUnit(task, shape.get(), unit, change);
+    ObjectRef onNotes;
+    if (code == kPlaceChanged && task.params.scope == Scope::kSelection && !written.any &&
+        !IsInCell(locator) && !LiesOnNotes(locator) && FindOnNotes(write, shape.get(), onNotes)) {
+      code = WriteUnit(task, onNotes.get(), unit, change);
+      if (code == kOk) {
+        shape = std::move(onNotes);
+        written.elsewhere = true;
+      }
+    }
+    if (code == kPlaceChanged && WrittenByTwin(task, unit, change.shown)) code = kAlreadyThere;
+    if (Succeeded(code)) {
+      ++task.writes.appliedCount;
+      task.writes.reached[unit] = true;
+      written.any = written.any || code != kAlreadyThere;
+    } else {
+      const FailCause cause =
+          code == kPlaceChanged ? FailCause::kPlaceChanged : FailCause::kRefused;
+      RecordUnit(task, unit, {cause, code});
+    }
+  }
+  return written;
+}
+
+bool WriteWholeGroup(const WriteTask& task, AutomationObject* shape, const Group& group) {
   std::int32_t written = 0;
-  if (WriteChartGroup(run, shape, group, written)) {
-    run.appliedCount += written;
-    for (const std::size_t unit : group) run.reached[unit] = true;
+  if (WriteChartGroup(task, shape, group, written)) {
+    task.writes.appliedCount += written;
+    for (const std::size_t unit : group) task.writes.reached[unit] = true;
     return written > 0;
   }
   for (const std::size_t unit : group) {
-    if (!TextToWrite(run, unit).empty()) RecordApplyFailure(run.applyError, UnitIdOf(run, unit));
+    if (!TextToWrite(task, unit).empty()) RecordUnit(task, unit, {FailCause::kRefused, kFail});
   }
   return false;
 }
 
 void WriteGroup(SlideWrite& write, Group group) {
-  RunState& run = write.run;
-  const UnitLocator& locator = run.locators[group.front()];
+  const WriteTask& task = write.task;
+  const UnitLocator& locator = task.texts.locators[group.front()];
   ObjectRef shape;
   if (!LocateShape(write, group, locator, shape)) return;
-  if (IsCellUnit(locator) && !EnterCell(locator, shape)) {
-    RecordGroup(run, group);
-    return;
-  }
-  const bool fit = MayBeFitted(locator) && !run.params.useTargetFontSize;
+  const bool fit = MayBeFitted(locator) && !task.params.useTargetFontSize;
   const ShapeRect rect = fit ? ReadShapeRect(shape.get()) : ShapeRect{};
-  SortForWriting(run, group);
-  const bool wholeGroup = locator.kind == kKindChartCategories || locator.kind == kKindChartSheet;
-  const bool wrote =
-      wholeGroup ? WriteWholeGroup(run, shape.get(), group) : WriteUnits(run, shape.get(), group);
-  if (wrote && fit) FitShape(shape.get(), rect.valid ? &rect : nullptr, write.slideWidth);
+  SortForWriting(task.texts, group);
+  const bool wholeGroup = RulesOf(locator.kind).writer == UnitWriter::kChartGroup;
+  const GroupWritten written = wholeGroup
+                                   ? GroupWritten{WriteWholeGroup(task, shape.get(), group), false}
+                                   : WriteUnits(write, shape, group);
+  if (written.any && !written.elsewhere && fit) {
+    FitShape(shape.get(), rect.valid ? &rect : nullptr, write.slideWidth);
+  }
 }
 
-void WriteEntry(RunState& run, std::size_t entry) {
-  AutomationObject* presentation = RunPresentation(run);
+void WriteEntry(const WriteTask& task, std::size_t entry) {
+  AutomationObject* presentation = RunPresentation(task.document);
   if (presentation == nullptr) {
-    run.applyError = u"无法定位当前演示文稿";
+    task.writes.applyError = u"无法定位当前演示文稿";
     return;
   }
-  SlideWrite write{run, {}, 0.0F, false, 0, false};
-  if (!TypedGetObject(presentation, ppt::presentation::kSlides, write.slides)) return;
+  SlideWrite write{task, {}, 0.0F, false, 0, false};
+  if (!Get(presentation, ppt::presentation::kSlides, write.slides)) return;
   ObjectRef pageSetup;
-  if (TypedGetObject(presentation, ppt::presentation::kPageSetup, pageSetup)) {
-    TypedGetSingle(pageSetup.get(), ppt::pageSetup::kSlideWidth, write.slideWidth);
+  if (Get(presentation, ppt::presentation::kPageSetup, pageSetup)) {
+    Get(pageSetup.get(), ppt::pageSetup::kSlideWidth, write.slideWidth);
   }
-  const std::int32_t slideNumber = run.SlideNumberAt(static_cast<std::int32_t>(entry));
-  write.located = LocateCopySlide(run, write.slides.get(), slideNumber, write.targetSlide);
+  const RunTexts& texts = task.texts;
+  const std::int32_t slideNumber = texts.SlideNumberAt(static_cast<std::int32_t>(entry));
+  write.located = LocateCopySlide(task.copies, write.slides.get(), slideNumber, write.targetSlide);
 
   // The entry's own units only: so the cost is linear in slides, and a slide that has two entries
   // is written in two steps.
-  const UnitRange range = run.slideRanges[entry];
-  const std::size_t end = std::min({range.second, run.locators.size(), run.translations.size()});
+  const UnitRange range = texts.slideRanges[entry];
+  const std::size_t end = std::min({range.second, texts.locators.size(), task.translations.size()});
   std::size_t unit = range.first;
   while (unit < end) {
-    const UnitLocator& first = run.locators[unit];
+    const UnitLocator& first = texts.locators[unit];
     if (first.slideIndex != slideNumber) {
       ++unit;
       continue;
     }
-    std::size_t behind = unit + 1;
-    while (behind < end && SameApplyTarget(run.locators[behind], first)) ++behind;
-    Group group(behind - unit);
+    std::size_t next = unit + 1;
+    while (next < end && SameApplyTarget(texts.locators[next], first)) ++next;
+    Group group(next - unit);
     std::iota(group.begin(), group.end(), unit);
     WriteGroup(write, std::move(group));
-    unit = behind;
+    unit = next;
   }
 }
 
@@ -203,17 +241,18 @@ void RecordApplyFailure(Wide& failures, const Wide& unitId) {
   LogLine(u"PptCtrl writeback FAIL: " + unitId);
 }
 
-Wide TextToWrite(const RunState& run, std::size_t unit) {
-  if (unit < run.repairedUnits.size() && run.repairedUnits[unit]) return {};
-  if (unit >= run.translations.size() || unit >= run.sourceTexts.size()) return {};
-  Wide text = FlattenTranslation(run.translations[unit]);
-  if (text == run.sourceTexts[unit]) return {};
+Wide TextToWrite(const WriteTask& task, std::size_t unit) {
+  const std::vector<bool>& repaired = task.writes.repairedUnits;
+  if (unit < repaired.size() && repaired[unit]) return {};
+  if (unit >= task.translations.size() || unit >= task.texts.sourceTexts.size()) return {};
+  Wide text = FlattenTranslation(task.translations[unit]);
+  if (text == task.texts.sourceTexts[unit]) return {};
   return text;
 }
 
-void WriteSlide(RunState& run, std::size_t entry) noexcept {
+void WriteSlide(const WriteTask& task, std::size_t entry) noexcept {
   try {
-    WriteEntry(run, entry);
+    WriteEntry(task, entry);
   } catch (const std::exception&) {
     // Memory ran out. What was not written by now is told from `reached` at the run's end.
   }
