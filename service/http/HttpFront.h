@@ -88,7 +88,7 @@ class HttpFront {
   using Clock = std::chrono::steady_clock;
   enum class Phase { kHandshake, kHead, kWaiting, kBody, kAnswering, kWriting, kDraining };
   struct Connection {
-    Connection(int socket, ssl_ctx_st* tls) : io(socket, tls) {}
+    Connection(int socket, ssl_ctx_st* context) : io(socket, context) {}
     ClientSocket io;
     TlsContext tls;  // kept while the connection uses it
     Phase phase = Phase::kHandshake;
