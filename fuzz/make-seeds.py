@@ -75,6 +75,9 @@ def main():
     seeds = {
         "JsonTextFuzz": told, "PageMessageFuzz": told, "ServiceAnswerFuzz": [text.encode() for text in ANSWERS],
         "SlideXmlFuzz": slides, "WorkbookFuzz": list(workbooks()),
+        "ServiceRequestFuzz": [text.encode() for text in REQUESTS],
+        "ModelAnswerFuzz": [text.encode() for text in MODEL],
+        "ApertiumStreamFuzz": [text.encode() for text in TEXTS],
         "PackageFuzz": [b"Z" + deck.read_bytes() for deck in decks] + [b"X" + slide for slide in slides]}
     for target, texts in seeds.items():
         folder = out / target
