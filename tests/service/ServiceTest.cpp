@@ -221,6 +221,19 @@ TEST(Service, TheLogHasOneLineForEachRequestAndNeverATextOrAToken) {
   EXPECT_NE(lines[2].find(" GET /a?b?c 404 "), std::string::npos) << lines[2];
 }
 
+TEST(Service, WithoutThreadsOneAfterTheOtherIsServed) {
+  ServiceOptions options;
+  options.threads = 0;
+  const RunningService running(options);
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(running.Post(kOneText).status, 200);
+  std::vector<std::thread> clients;
+  for (int i = 0; i < 4; ++i) {
+    clients.emplace_back([&] { EXPECT_EQ(running.Post(kOneText).status, 200); });
+  }
+  for (std::thread& client : clients) client.join();
+  running.service->Stop();
+}
+
 TEST(Service, ClientsAreServedSideBySide) {
   Gate gate;
   const RunningService running({},
