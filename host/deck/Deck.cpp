@@ -168,11 +168,20 @@ bool Deck::Edited() {
   return std::any_of(held_.begin(), held_.end(), edited) || package_->Edited();
 }
 
-Result<void> Deck::Save(const std::string& path) {
+void Deck::WriteAllBack() {
   for (Held& held : held_) WriteBack(held);
   lastText_ = nullptr;
   held_.clear();
+}
+
+Result<void> Deck::Save(const std::string& path) {
+  WriteAllBack();
   return package_->Save(path);
+}
+
+Result<std::string> Deck::SaveBytes() {
+  WriteAllBack();
+  return package_->SaveBytes();
 }
 
 TextBody* Deck::Text(const ShapeAddress& address) {

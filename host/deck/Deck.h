@@ -110,6 +110,8 @@ class Deck {
   bool Edited();
   // Saves atomically; without edits the file is a byte for byte copy.
   Result<void> Save(const std::string& path);
+  // The bytes that Save would write.
+  Result<std::string> SaveBytes();
 
  private:
   friend class DeckReader;
@@ -132,6 +134,7 @@ class Deck {
     std::vector<std::pair<CharProps, std::shared_ptr<const BodyStyle>>> plainCells;
   };
   void WriteBack(Held& held);
+  void WriteAllBack();
   // `formats` as SlidePart::ReadTexts takes it. Any thread.
   std::unique_ptr<SlidePart> ReadPart(const std::string& part, bool formats);
   std::unique_ptr<SlidePart> ReadPage(PageAddress page);

@@ -2,6 +2,7 @@
 
 #include "host/package/PartName.h"
 #include "host/package/xml/Namespaces.h"
+#include "host/package/xml/XmlReader.h"
 #include "host/package/xml/XmlText.h"
 
 namespace quillmarch::host {
@@ -37,6 +38,27 @@ std::string ContentTypes::Of(std::string_view name) const {
   if (dot == std::string::npos || key[dot] != '.') return {};
   const auto general = defaults_.find(key.substr(dot + 1));
   return general == defaults_.end() ? std::string() : general->second;
+}
+
+std::string WithContentType(std::string_view xml, std::string_view part, std::string_view type) {
+  std::string changed(xml);
+  XmlReader reader(xml);
+  std::string_view prefix;
+  for (auto event = reader.Next(); event != XmlReader::Event::kDone; event = reader.Next()) {
+    if (event == XmlReader::Event::kEnd && reader.depth() == 1) break;
+    if (event != XmlReader::Event::kStart) continue;
+    if (reader.depth() == 1) prefix = PrefixOf(reader.name());
+    if (reader.local() != "Override") continue;
+    std::string name = reader.Attribute("PartName");
+    if (name.starts_with('/')) name.erase(0, 1);
+    const std::string_view old = reader.RawAttribute("ContentType");
+    if (PartKey(name) != PartKey(part) || old.data() == nullptr) continue;
+    return changed.replace(static_cast<std::size_t>(old.data() - xml.data()), old.size(), type);
+  }
+  // Its type came by the ending until now.
+  const std::string element = std::string(prefix) + (prefix.empty() ? "" : ":") + "Override";
+  return changed.insert(reader.begin(), "<" + element + " PartName=\"/" + std::string(part) +
+                                            "\" ContentType=\"" + std::string(type) + "\"/>");
 }
 
 }  // namespace quillmarch::host

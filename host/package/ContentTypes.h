@@ -21,4 +21,8 @@ class ContentTypes {
   std::unordered_map<std::string, std::string> defaults_;   // by extension in small letters
 };
 
+// The table with the part's content type changed to `type`; `xml` is well-formed. All else keeps
+// its bytes.
+std::string WithContentType(std::string_view xml, std::string_view part, std::string_view type);
+
 }  // namespace quillmarch::host

@@ -162,8 +162,8 @@ std::string Inflate(const std::string& deflated, std::uint64_t size, std::string
   }
 }
 
-std::uint32_t Crc32(const std::string& bytes) {
-  return libdeflate_crc32(0, bytes.data(), bytes.size());
+std::uint32_t Crc32(std::string_view bytes, std::uint32_t before) {
+  return libdeflate_crc32(before, bytes.data(), bytes.size());
 }
 
 }  // namespace quillmarch::host

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/package/InputFile.h"
@@ -53,6 +54,7 @@ class ZipArchive {
 
 // Inflates `deflated` to exactly `size` bytes. Empty when all is well, else why not.
 std::string Inflate(const std::string& deflated, std::uint64_t size, std::string& bytes);
-std::uint32_t Crc32(const std::string& bytes);
+// Of `bytes` after what has the checksum `before`.
+std::uint32_t Crc32(std::string_view bytes, std::uint32_t before = 0);
 
 }  // namespace quillmarch::host

@@ -17,6 +17,9 @@ Wide InstallId();
 // The add-in's version from version.json; the built-in default when it names none.
 Wide ClientVersion();
 
+// For a program without a version.json: its version, before the first request.
+void ReplaceClientVersion(Wide version);
+
 // The text of version.json in a module's directory; a 32-bit module in a subfolder "x86" shares the
 // file above it. Empty when there is no such file.
 Wide ReadVersionFile(WideView directory);
