@@ -48,12 +48,12 @@ TEST(Inheritance, BothKindsOfTitleMatchEachOther) {
   EXPECT_EQ(MatchInMaster(styles, {"title", 0}), &styles[1]);
 }
 
-TEST(Inheritance, TheIndexZeroAloneMatchesNothing) {
+TEST(Inheritance, TheIndexZeroByItselfMatchesNothing) {
   const std::vector<PlaceholderStyle> styles = {Style("title", 0)};
   EXPECT_EQ(Layout(styles, "body", 0), nullptr);
 }
 
-TEST(Inheritance, OnTheMasterEverythingButTitlesAndFootersStandsOnTheBody) {
+TEST(Inheritance, OnTheMasterEverythingButTitlesAndFootersIsBasedOnTheBody) {
   const std::vector<PlaceholderStyle> styles = {Style("title", 0), Style("body", 1), Style("dt", 2),
                                                 Style("ftr", 3)};
   EXPECT_EQ(MatchInMaster(styles, {"subTitle", 5}), &styles[1]);
