@@ -39,6 +39,7 @@ TEST(Inheritance, TypeAndIndexTogetherWinOverIndexAndIndexOverType) {
   EXPECT_EQ(Layout(styles, "body", 2), &styles[2]);
   EXPECT_EQ(Layout(styles, "chart", 2), &styles[1]) << "the first of that index";
   EXPECT_EQ(Layout(styles, "body", 9), &styles[0]) << "the first of that type";
+  EXPECT_EQ(Layout(styles, "pic", 1), &styles[0]) << "the index wins over the type";
   EXPECT_EQ(Layout(styles, "chart", 9), nullptr);
 }
 
