@@ -48,6 +48,22 @@ def workbooks():
         yield b"P" + parts.replace('"X"', f'"{sheets}"').replace('"R"', f'"{links}"').encode()
 
 
+BODIES = ['{"texts":["one","two"],"unitIds":["u1","u2"],"sourceLang":"en","targetLang":"es","glossary":'
+          '[{"source":"a","target":"b","note":"n"}],"trace":{"clientTraceId":"t","runId":"1"}}',
+          '{"events":[{"event":"addin:loaded","outcome":"ok","context":{"os":"x"},"props":{"a":"b"}}]}']
+REQUESTS = BODIES + [
+    f"POST /v1/translate HTTP/1.1\r\nHost: x\r\nAuthorization: Bearer t\r\nContent-Length: {len(text)}\r\n\r\n{text}"
+    for text in BODIES] + [
+    f"POST /v1/translate HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n{len(text):x}\r\n{text}\r\n0\r\n\r\n"
+    for text in BODIES] + ["GET /v1/health?a%20b HTTP/1.1\r\nExpect: 100-continue\r\n\r\n"]
+MESSAGES = ['{"1":"uno","2":"dos [[QM_A_1]]"}', 'Here:\n```\n{"translations":[{"id":1,"text":"uno"},'
+            '{"id":"2","text":"dos [[QM_A_1]]"}]}\n```', '{"1":"uno"}']
+MODEL = [json.dumps({"choices": [{"message": {"role": "assistant", "content": text}}]}) for text in MESSAGES] + [
+    '{"error":{"message":"No such model."}}', '{"error":"gone"}']
+TEXTS = ["The Plan of the house", "KEY POINTS\vand the rest", "see [[QM_A_1]] at https://example.com/a",
+         "a  b \\ ^x$ [y] {z} ~ \u2028 é", "x" * 300]
+
+
 def main():
     root, out = map(pathlib.Path, sys.argv[1:3])
     decks = [file for file in sorted((root / "samples").glob("*.pptx")) if file.stem.count(".") == 0]
@@ -59,6 +75,9 @@ def main():
     seeds = {
         "JsonTextFuzz": told, "PageMessageFuzz": told, "ServiceAnswerFuzz": [text.encode() for text in ANSWERS],
         "SlideXmlFuzz": slides, "WorkbookFuzz": list(workbooks()),
+        "ServiceRequestFuzz": [text.encode() for text in REQUESTS],
+        "ModelAnswerFuzz": [text.encode() for text in MODEL],
+        "ApertiumStreamFuzz": [text.encode() for text in TEXTS],
         "PackageFuzz": [b"Z" + deck.read_bytes() for deck in decks] + [b"X" + slide for slide in slides]}
     for target, texts in seeds.items():
         folder = out / target

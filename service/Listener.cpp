@@ -14,7 +14,7 @@ namespace quillmarch::service {
 
 namespace {
 
-constexpr int kBacklog = 128;
+constexpr int kBacklog = 1024;
 
 std::uint16_t BoundPort(int socket) {
   sockaddr_storage address{};

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "service/HttpServer.h"
+#include "service/ApiServer.h"
 #include "service/Listener.h"
 
 namespace quillmarch::service {
@@ -12,7 +12,7 @@ Result<std::unique_ptr<Service>> Service::Start(const ServiceOptions& options,
   if (!engine) return Error{ErrorCode::kInvalidArgument, "The service needs an engine."};
   Result<Listener> listener = OpenListener(options.address, options.port);
   if (!listener) return std::move(listener).error();
-  return ServeHttp(options, listener->socket, listener->port, std::move(engine));
+  return ServeApi(options, listener->socket, listener->port, std::move(engine));
 }
 
 }  // namespace quillmarch::service

@@ -70,6 +70,11 @@ class Service {
   // Takes no new request, lets those that are being answered finish for the grace, ends the others
   // within a second, then returns. May be called several times and by several threads.
   virtual void Stop() = 0;
+  // Ends a Stop's grace early.
+  virtual void HurryStop() = 0;
+  // Reads the token file and the certificate anew, for what comes next; on failure the old ones
+  // stay.
+  virtual Result<void> Reload() = 0;
   // What was collected since the last call, when the options ask for it. A program that runs one
   // deck after the other takes it after each.
   virtual ServiceReport TakeReport() = 0;

@@ -75,7 +75,7 @@ std::unique_ptr<SlidePart> Deck::ReadPart(const std::string& part, bool formats)
   return read;
 }
 
-// A run goes from slide to slide, so the next ones are parsed on a second thread meanwhile. A page
+// A run goes from slide to slide, so a second thread parses the next ones in advance. A page
 // that is held is never read ahead: its edits are not in the package yet.
 void Deck::StartAhead(PageAddress page) {
   const bool goesOn = page.slide == lastRead_ || page.slide == lastRead_ + 1;

@@ -63,10 +63,10 @@ class Deck {
   double SlideHeight() const { return slideHeight_; }  // points
   std::int32_t FirstSlideNumber() const { return firstSlideNumber_; }
 
-  // The parsed page, valid until the next call of Page or Flush; null when it cannot be read. A
-  // slide without a notes page answers with a blank one that takes no edits.
+  // The parsed page, valid until the next call of Page or Save; null when it cannot be read. A
+  // slide without a notes page answers with an empty one that takes no edits.
   SlidePart* Page(PageAddress page);
-  // The part's name, empty for a blank notes page.
+  // The part's name; empty for a notes page that the file does not have.
   const std::string& PartOf(PageAddress page) const;
 
   // The text of a shape or cell; null when it has none. Valid as Page is.
@@ -100,7 +100,7 @@ class Deck {
   bool NeedsFit(const ShapeAddress& address);
   void SetFitted(const ShapeAddress& address);
   // What fits a shape. It is called for each one that needs it before its page is written back,
-  // and may ask for that page alone.
+  // and may ask only for that page.
   void SetFit(std::function<void(const ShapeAddress&)> fit) { fit_ = std::move(fit); }
 
   Package& package() { return *package_; }

@@ -45,7 +45,7 @@ class Host {
   // needs and is missing or broken is an error; a missing leaf (picture, workbook, sound) is a
   // sentence in `warnings`.
   Result<void> Open(const std::string& path, std::vector<std::string>& warnings);
-  // Tells that texts will be measured, so that reading the machine's fonts can begin meanwhile.
+  // Announces that texts will be measured, so that the machine's fonts can be read in advance.
   void ExpectMeasuring();
   // Saves the deck of the active window; nothing that was not edited changes.
   Result<void> Save(const std::string& path);

@@ -13,7 +13,8 @@ void RunMemory::Note(const std::string& run, const std::string& language, bool h
       runs_.erase(byAge_.front());
       byAge_.pop_front();
     }
-    found = runs_.emplace(run, Entry{{}, byAge_.insert(byAge_.end(), run)}).first;
+    found = runs_.try_emplace(run).first;
+    found->second.age = byAge_.insert(byAge_.end(), run);
   } else {
     byAge_.splice(byAge_.end(), byAge_, found->second.age);
   }

@@ -6,7 +6,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <regex>
+#include <thread>
 
 #include "service/LoopbackClient.h"
 #include "service/PrivateFile.h"
@@ -83,7 +85,8 @@ class Program {
 TEST(ServiceProgram, ServesUntilASignalAndWritesItsLog) {
   const TempFolder folder;
   for (const int number : {SIGTERM, SIGINT}) {
-    Program program({"--engine", "pseudo", "--growth", "2", "--log", folder.Path("log")});
+    Program program(
+        {"--port", "0", "--engine", "pseudo", "--growth", "2", "--log", folder.Path("log")});
     const std::uint16_t port = program.Listening();
     EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText).body,
               R"({"translations":["⟦Plan Pla⟧"]})");
@@ -93,18 +96,83 @@ TEST(ServiceProgram, ServesUntilASignalAndWritesItsLog) {
   std::ifstream log(folder.Path("log"));
   int lines = 0;
   for (std::string line; std::getline(log, line); ++lines) {
-    EXPECT_NE(line.find("POST /v1/translate 200 texts=1 chars=4 ms="), std::string::npos) << line;
+    EXPECT_NE(line.find("POST /v1/translate 200 token=- texts=1 chars=4 engine=pseudo ms="),
+              std::string::npos)
+        << line;
   }
   EXPECT_EQ(lines, 2);
 }
 
 TEST(ServiceProgram, ReadsItsTokenFile) {
   const TempFolder folder;
-  Program program({"--engine", "pseudo", "--token-file", PutPrivate(folder, "tokens", "secret\n")});
+  Program program({"--port", "0", "--engine", "pseudo", "--token-file",
+                   PutPrivate(folder, "tokens", "secret\n")});
   const std::uint16_t port = program.Listening();
   EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText).status, 401);
   EXPECT_EQ(HttpRequest("POST", LocalUrl(port), kOneText, {"Authorization: Bearer secret"}).status,
             200);
+}
+
+TEST(ServiceProgram, AHangUpReloadsTheTokensAndTheLog) {
+  const TempFolder folder;
+  const std::string tokens = PutPrivate(folder, "tokens", "old\n");
+  Program program(
+      {"--port", "0", "--engine", "pseudo", "--token-file", tokens, "--log", folder.Path("log")});
+  const std::uint16_t port = program.Listening();
+  const auto status = [&](const char* token) {
+    return HttpRequest("POST", LocalUrl(port), kOneText,
+                       {std::string("Authorization: Bearer ") + token})
+        .status;
+  };
+  EXPECT_EQ(status("old"), 200);
+  std::filesystem::rename(folder.Path("log"), folder.Path("log.1"));
+  folder.Put("tokens", "new name=Ann\n");
+  program.Signal(SIGHUP);
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (status("new") != 200 && std::chrono::steady_clock::now() < limit) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(status("old"), 401);
+  EXPECT_EQ(status("new"), 200);
+  const std::string log = TempFolder::Bytes(folder.Path("log"));
+  EXPECT_NE(log.find("reloaded tokens and certificate"), std::string::npos) << log;
+  EXPECT_NE(log.find(" 200 token=Ann "), std::string::npos) << log;
+  folder.Put("tokens", "broken line here\n");
+  program.Signal(SIGHUP);
+  EXPECT_EQ(status("new"), 200);
+}
+
+TEST(ServiceProgram, TheVersionIsPrinted) {
+  Program program({"--version"});
+  EXPECT_TRUE(std::regex_match(program.ReadAll(), std::regex("quillmarch-service [0-9.]+\n")));
+  EXPECT_EQ(program.ExitCode(), 0);
+}
+
+TEST(ServiceProgram, ThePortIsTheSameEachTimeUnlessToldOtherwise) {
+  Program program({"--help"});
+  EXPECT_TRUE(std::regex_search(program.ReadAll(), std::regex("--port [^\\n]*8710")));
+}
+
+TEST(ServiceProgram, ACheckNamesWhatIsWrong) {
+  const TempFolder folder;
+  {
+    Program program({"--check", "--port", "0", "--engine", "pseudo"});
+    const std::string text = program.ReadAll();
+    EXPECT_EQ(program.ExitCode(), 0) << text;
+    EXPECT_EQ(text, "engine: works\naddress, tokens and certificate: works\n");
+  }
+  {
+    Program program({"--check", "--port", "0", "--engine", "openai", "--openai-url",
+                     "http://127.0.0.1:1", "--openai-model", "m", "--token-file",
+                     folder.Put("open", "secret\n"), "--log", folder.Path("no/log")});
+    const std::string text = program.ReadAll();
+    EXPECT_EQ(program.ExitCode(), 1);
+    EXPECT_NE(text.find("engine: The model's server 127.0.0.1:1 can't be reached"),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("chmod o-rw"), std::string::npos) << text;
+    EXPECT_NE(text.find("Cannot write the log file"), std::string::npos) << text;
+  }
 }
 
 TEST(ServiceProgram, HelpShowsExamplesAndExitCodes) {
@@ -135,6 +203,7 @@ TEST(ServiceProgram, WhatKeepsItFromStartingIsOneSentenceAndExit1) {
         {"--log", folder.Path("no/such/folder/log")},
         {"--growth", "0"}}) {
     std::vector<std::string> all = {"--engine", "pseudo"};
+    if (arguments[0] != "--port") all.insert(all.end(), {"--port", "0"});
     all.insert(all.end(), arguments.begin(), arguments.end());
     Program program(all);
     const std::string text = program.ReadAll();

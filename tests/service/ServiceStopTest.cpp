@@ -81,4 +81,43 @@ TEST(ServiceStop, AClientThatDoesNotReadDoesNotHoldItUp) {
   EXPECT_TRUE(StopsSoon(*running.service));
 }
 
+TEST(ServiceStop, WhatIsBeingAnsweredIsFinishedWithinTheGrace) {
+  Gate gate;
+  ServiceOptions options;
+  options.stopGraceMs = 20'000;
+  const RunningService running(options,
+                               [&](const EngineRequest& request, const std::atomic<bool>& stop) {
+                                 gate.Arrive();
+                                 gate.Wait(stop);
+                                 return Translated(request.texts);
+                               });
+  std::future<HttpReply> reply =
+      std::async(std::launch::async, [&] { return running.Post(kOneText); });
+  gate.WaitArrived();
+  std::future<void> stopped = std::async(std::launch::async, [&] { running.service->Stop(); });
+  EXPECT_EQ(stopped.wait_for(std::chrono::milliseconds(300)), std::future_status::timeout);
+  EXPECT_FALSE(RawConnection(running.port()).connected());
+  gate.Open();
+  EXPECT_EQ(reply.get().status, 200);
+  EXPECT_EQ(stopped.wait_for(kSoon), std::future_status::ready);
+}
+
+TEST(ServiceStop, AHurriedStopDoesNotWaitForTheGrace) {
+  Gate gate;
+  ServiceOptions options;
+  options.stopGraceMs = 60'000;
+  const RunningService running(options, [&](const EngineRequest&, const std::atomic<bool>& stop) {
+    gate.Arrive();
+    gate.Wait(stop);
+    return Failed(EngineFailure::kStopping, "The service is stopping.");
+  });
+  std::future<HttpReply> reply =
+      std::async(std::launch::async, [&] { return running.Post(kOneText); });
+  gate.WaitArrived();
+  std::future<void> stopped = std::async(std::launch::async, [&] { running.service->Stop(); });
+  running.service->HurryStop();
+  EXPECT_EQ(stopped.wait_for(kSoon), std::future_status::ready);
+  EXPECT_EQ(reply.get().status, 503);
+}
+
 }  // namespace quillmarch::service

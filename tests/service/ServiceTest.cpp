@@ -103,7 +103,7 @@ TEST(Service, ABodyOverTheLimitIsRefusedHoweverItComes) {
   options.maxBodyBytes = 1000;
   const RunningService running(options);
   const std::string big = R"({"texts":[")" + std::string(300'000, 'x') + R"("],"targetLang":"es"})";
-  const std::string refused = Json("payload_too_large", "A request may hold 1000 bytes at most.");
+  const std::string refused = Json("payload_too_large", "A request may hold at most 1000 bytes.");
   const HttpReply announced = running.Post(big);
   EXPECT_EQ(announced.status, 413);
   EXPECT_EQ(announced.body, refused);
@@ -151,6 +151,21 @@ TEST(Service, WhatIsNoHttpGetsAnErrorInJson) {
   EXPECT_NE(answer.find("{\"code\":\"bad_request\""), std::string::npos) << answer;
 }
 
+TEST(Service, ARequestThatIsFramedInTwoWaysIsRefused) {
+  const RunningService running;
+  const RawConnection connection(running.port());
+  connection.Send(
+      "POST /v1/translate HTTP/1.1\r\nContent-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n{}");
+  EXPECT_EQ(connection.ReadToEnd().rfind("HTTP/1.1 400 ", 0), 0u);
+}
+
+TEST(Service, AHeadWithoutEndIsRefused) {
+  const RunningService running;
+  const RawConnection connection(running.port());
+  connection.Send("GET /v1/health HTTP/1.1\r\nX: " + std::string(100'000, 'x'));
+  EXPECT_EQ(connection.ReadToEnd().rfind("HTTP/1.1 431 ", 0), 0u);
+}
+
 TEST(Service, ABodyCutShortIsRefused) {
   const RunningService running;
   const RawConnection connection(running.port());
@@ -180,8 +195,6 @@ TEST(Service, EachConnectionServesOneRequest) {
 
 TEST(Service, TheLogHasOneLineForEachRequestAndNeverATextOrAToken) {
   ServiceOptions options;
-  // A client has its answer before its line is written: two threads could swap two clients' lines.
-  options.threads = 0;
   options.tokens = {"topsecret"};
   RunningService running(options);
   running.Post(R"({"texts":["private","words"],"targetLang":"es"})",
@@ -191,18 +204,34 @@ TEST(Service, TheLogHasOneLineForEachRequestAndNeverATextOrAToken) {
   const std::vector<std::string> lines = running.StopAndGetLog();
   ASSERT_EQ(lines.size(), 3u);
   const std::regex form(
-      R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z [A-Z]+ \S+ \d{3} texts=\d+ chars=\d+ ms=\d+)");
+      R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z [A-Z]+ \S+ \d{3} token=\S+ texts=\d+ chars=\d+ )"
+      R"(engine=scripted ms=\d+ cause=\S+)");
   for (const std::string& line : lines) {
     EXPECT_TRUE(std::regex_match(line, form)) << line;
     for (const char* never : {"topsecret", "guessed", "private", "words"}) {
       EXPECT_EQ(line.find(never), std::string::npos) << line;
     }
   }
-  EXPECT_NE(lines[0].find(" POST /v1/translate 200 texts=2 chars=12 "), std::string::npos)
+  EXPECT_NE(lines[0].find(" POST /v1/translate 200 token=given-1 texts=2 chars=12 "),
+            std::string::npos)
       << lines[0];
-  EXPECT_NE(lines[1].find(" POST /v1/translate 401 texts=0 chars=0 "), std::string::npos)
+  EXPECT_NE(lines[1].find(" POST /v1/translate 401 token=- texts=0 chars=0 "), std::string::npos)
       << lines[1];
+  EXPECT_NE(lines[1].find(" cause=unauthorized"), std::string::npos) << lines[1];
   EXPECT_NE(lines[2].find(" GET /a?b?c 404 "), std::string::npos) << lines[2];
+}
+
+TEST(Service, WithoutThreadsOneAfterTheOtherIsServed) {
+  ServiceOptions options;
+  options.threads = 0;
+  const RunningService running(options);
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(running.Post(kOneText).status, 200);
+  std::vector<std::thread> clients;
+  for (int i = 0; i < 4; ++i) {
+    clients.emplace_back([&] { EXPECT_EQ(running.Post(kOneText).status, 200); });
+  }
+  for (std::thread& client : clients) client.join();
+  running.service->Stop();
 }
 
 TEST(Service, ClientsAreServedSideBySide) {
@@ -221,6 +250,32 @@ TEST(Service, ClientsAreServedSideBySide) {
   EXPECT_EQ(running.Post(kOneText).status, 200);
   gate.Open();
   slow.join();
+}
+
+TEST(Service, TheReportTellsWhatWasLeftAndWhyAnEngineFailed) {
+  ServiceOptions options;
+  options.keepReport = true;
+  bool fails = false;
+  const RunningService running(options,
+                               [&](const EngineRequest& request, const std::atomic<bool>&) {
+                                 if (fails)
+                                   return Failed(EngineFailure::kRefused, "The key is wrong.");
+                                 EngineResult result = Translated(request.texts);
+                                 result.left.push_back({0, LeftCause::kNoPair, "deu"});
+                                 return result;
+                               });
+  ASSERT_EQ(running.Post(R"({"texts":["Kosten","x"],"targetLang":"es"})").status, 200);
+  fails = true;
+  running.Post(kOneText);
+  const ServiceReport report = running.service->TakeReport();
+  ASSERT_EQ(report.left.size(), 1u);
+  EXPECT_EQ(report.left[0].text, "Kosten");
+  EXPECT_EQ(report.left[0].language, "deu");
+  EXPECT_EQ(report.left[0].cause, LeftCause::kNoPair);
+  EXPECT_EQ(report.failure, EngineFailure::kRefused);
+  EXPECT_EQ(report.failureMessage, "The key is wrong.");
+  EXPECT_TRUE(running.service->TakeReport().left.empty());
+  EXPECT_FALSE(running.service->TakeReport().failure);
 }
 
 TEST(Service, APortThatIsTakenIsRefusedWithASentence) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "service/RunningService.h"
 #include "service/TestCertificate.h"
 
@@ -48,9 +50,29 @@ TEST_F(Tls, AClientThatDoesNotTrustItGetsNothing) {
   EXPECT_TRUE(running.StopAndGetLog().empty());
 }
 
-TEST_F(Tls, PlainHttpIsNotAnswered) {
+TEST_F(Tls, PlainHttpIsToldToUseTls) {
   const RunningService running(Options());
-  EXPECT_EQ(running.Post(kOneText).status, 0);
+  const HttpReply reply = running.Post(kOneText);
+  EXPECT_EQ(reply.status, 400);
+  EXPECT_EQ(reply.body,
+            R"({"code":"tls_required","message":"This port speaks TLS: use https://."})");
+}
+
+TEST_F(Tls, ANewCertificateIsUsedAfterAReload) {
+  const RunningService running(Options());
+  const auto ask = [&](const TestCertificate& trusted) {
+    return HttpRequest("POST", Url(running, "127.0.0.1"), kOneText, {}, trusted.certificateFile)
+        .status;
+  };
+  EXPECT_EQ(ask(certificate), 200);
+  const TestCertificate other = MakeTestCertificate(folder, "other");
+  std::filesystem::copy_file(other.certificateFile, certificate.certificateFile,
+                             std::filesystem::copy_options::overwrite_existing);
+  EXPECT_FALSE(running.service->Reload()) << "the key belongs to the old one";
+  std::filesystem::copy_file(other.keyFile, certificate.keyFile,
+                             std::filesystem::copy_options::overwrite_existing);
+  ASSERT_TRUE(running.service->Reload());
+  EXPECT_EQ(ask(other), 200);
 }
 
 TEST_F(Tls, ASilentClientDoesNotHoldUpTheStop) {
