@@ -70,7 +70,7 @@ void Answer(test::IdleThread& thread, const Wide& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // Without a deck: every run is turned away in its start, so no worker ever lives.
   static test::IdleThread thread;
-  static IdleHands hands;
+  static UnattendedInput hands;
   static test::TwoFonts fonts;
   const std::shared_ptr<CPptPane> pane = CPptPane::Create({thread, hands, fonts, {}, {}, {}});
   pane->OnCreate(1);

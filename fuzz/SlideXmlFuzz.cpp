@@ -62,6 +62,14 @@ class OneSlide final : public Package {
                     std::function<std::string()> make) override {
     PutPart(name, make());
   }
+  Result<void> AddPart(std::string_view name, std::string_view, std::string bytes) override {
+    PutPart(name, std::move(bytes));
+    return {};
+  }
+  Result<void> RemovePart(std::string_view name) override {
+    parts_.erase(std::string(name));
+    return {};
+  }
   bool Edited() override { return edited_; }
   Result<void> Save(const std::string&) override { return {}; }
   Result<std::string> SaveBytes() override { return std::string(); }

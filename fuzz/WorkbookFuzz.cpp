@@ -75,8 +75,8 @@ void Write(Workbook& workbook, std::size_t sheet, const std::string& bytes,
     if (static_cast<unsigned char>(bytes[++number % bytes.size()]) % 3 != 0) continue;
     const CellPosition at{cell.row, cell.column};
     const auto put = workbook.PutText(sheet, at, text + Decimal(static_cast<std::int64_t>(number)));
-    Require(put.ok == put.error.sentence.empty());
-    if (put.ok) written.emplace_back(at, put.value);
+    Require(put.ok() || !put.error().words.empty());
+    if (put.ok()) written.emplace_back(at, put.value());
   }
 }
 
@@ -90,9 +90,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   limits.maxCells = kMostCells;
   const std::string whole = data[0] == 'Z' ? bytes : Around(bytes);
   const auto opened = Workbook::Open(whole, limits);
-  Require(opened.ok == opened.error.sentence.empty());
-  if (!opened.ok) return 0;
-  Workbook& workbook = *opened.value;
+  Require(opened.ok() || !opened.error().words.empty());
+  if (!opened.ok()) return 0;
+  Workbook& workbook = *opened.value();
   std::vector<std::vector<std::pair<CellPosition, Wide>>> written(workbook.Sheets().size());
   for (std::size_t sheet = 0; sheet < written.size(); ++sheet) {
     const SheetPart* const part = workbook.Sheet(sheet);
@@ -109,8 +109,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   const auto saved = workbook.SaveBytes();
   // Two sheets of a foreign archive may share one part.
-  if (!saved.ok || data[0] == 'Z') return 0;
-  const auto again = Workbook::Open(saved.value, {.maxXmlBytes = 16 << 20});
+  if (!saved.ok() || data[0] == 'Z') return 0;
+  const auto again = Workbook::Open(saved.value(), {.maxXmlBytes = 16 << 20});
   Require(again.ok);
   for (std::size_t sheet = 0; sheet < written.size(); ++sheet) {
     if (written[sheet].empty()) continue;

@@ -35,7 +35,7 @@ class Body {
  public:
   Body() : host_(*FindPersonality("powerpoint")) {
     std::vector<std::string> warnings;
-    host_.Open(QUILLMARCH_SAMPLE, warnings);
+    if (!host_.Open(QUILLMARCH_SAMPLE, warnings)) return;
     const ObjectRef slides = Get(Get(host_.application(), u"ActivePresentation"), u"Slides");
     const ObjectRef shapes = Get(Get(slides, u"Item", {Variant::I4(kBodySlide)}), u"Shapes");
     shape_ = Get(shapes, u"Item", {Variant::I4(kBody)});

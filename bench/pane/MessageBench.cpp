@@ -103,7 +103,7 @@ struct Stage {
   Stage() : pane(CPptPane::Create({thread, hands, fonts, {}, {}, {}})) { pane->OnCreate(1); }
   ~Stage() { pane->OnDestroy(); }
   test::IdleThread thread;
-  IdleHands hands;
+  UnattendedInput hands;
   test::TwoFonts fonts;
   std::shared_ptr<CPptPane> pane;
 };

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 
+#include "foundation/identity/ClientIdentity.h"
 #include "foundation/transport/Endpoint.h"
 #include "foundation/transport/HttpTransport.h"
 
@@ -29,6 +30,7 @@ std::string RandomToken() {
 
 std::unique_ptr<Backend> Backend::Make(const TranslateOptions& options, std::string& error) {
   auto backend = std::make_unique<Backend>();
+  ReplaceClientVersion(ToWide(QUILLMARCH_VERSION));
   if (!options.ownService) {
     ReplaceDefaultEndpoint(options.service);
     if (!options.authorityFile.empty()) TrustAuthorityFile(options.authorityFile);

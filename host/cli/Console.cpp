@@ -54,7 +54,7 @@ void Console::Tell(const std::string& line) {
 
 void Console::TellAlways(const std::string& line) {
   ClearProgress();
-  if (options_.json) {
+  if (options_.outputTaken) {
     WriteError(line + "\n");
   } else {
     WriteOutput(line + "\n");
@@ -68,20 +68,14 @@ void Console::Event(const std::string& json) {
 
 void Console::WriteOutput(const std::string& line) {
   if (outputLost_) return;
-  // Each line at once: whoever reads the pipe follows the run.
+  // Flushed line by line, so that a reader of the pipe can follow the run.
   const bool written =
       std::fwrite(line.data(), 1, line.size(), stdout) == line.size() && std::fflush(stdout) == 0;
   if (written) return;
   outputLost_ = true;
   if (errno != EPIPE) {
-    Complain(std::string("standard output can't be written: ") + std::strerror(errno));
-  } else {
-    std::clearerr(stdout);
+    Complain(CannotSentence("write to standard output", std::strerror(errno)));
   }
-}
-
-bool Console::OutputComplete() {
-  return !outputLost_ || std::ferror(stdout) == 0;
 }
 
 void Console::Show(const RunProgress& progress) {
@@ -101,9 +95,9 @@ void Console::Show(const RunProgress& progress) {
     return;
   }
   if (progress.texts == 0) return;
-  WriteError(progress.deck + ": " + std::to_string(progress.textsDone) + " of " +
-             Counted(progress.texts, "text") + " translated, on " +
-             Counted(progress.slides, "slide") + "\n");
+  WriteError((progress.place.empty() ? "" : progress.place + " ") + progress.deck + ": " +
+             std::to_string(progress.textsDone) + " of " + Counted(progress.texts, "text") +
+             " translated, on " + Counted(progress.slides, "slide") + "\n");
 }
 
 void Console::ClearProgress() {

@@ -1,5 +1,5 @@
-// Where the command's words go: results to standard output, all else to standard error, with the
-// progress line kept out of their way. Host thread only.
+// Where the command's words go: results to standard output, everything else to standard error, with
+// the progress line kept out of their way. Host thread only.
 #pragma once
 
 #include <chrono>
@@ -10,8 +10,8 @@
 namespace quillmarch::host {
 
 struct ConsoleOptions {
-  bool quiet = false;  // errors and warnings alone
-  bool json = false;   // standard output belongs to the events
+  bool quiet = false;        // only errors and warnings
+  bool outputTaken = false;  // standard output belongs to the events, or to the deck
 };
 
 class Console {
@@ -23,7 +23,7 @@ class Console {
 
   // "quillmarch: " and the line, on standard error.
   void Complain(const std::string& line);
-  // A line of the outcome; on standard error when standard output belongs to the events.
+  // A line of the outcome; on standard error when standard output is taken.
   void Tell(const std::string& line);
   // As Tell, also when quiet.
   void TellAlways(const std::string& line);
@@ -32,11 +32,8 @@ class Console {
 
   // Draws the bar on a terminal, at most ten times a second; elsewhere a plain line now and then.
   void Show(const RunProgress& progress);
-  // Takes the bar away. Does nothing elsewhere.
+  // Removes the bar. Does nothing elsewhere.
   void ClearProgress();
-
-  // Whether all that was meant for standard output got there; a reader that went away is fine.
-  bool OutputComplete();
 
  private:
   void WriteOutput(const std::string& line);

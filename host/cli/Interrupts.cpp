@@ -82,6 +82,11 @@ std::unique_lock<std::mutex> Interrupts::HoldWhileSaving() {
   return std::unique_lock(saving_);
 }
 
+void Interrupts::SetLastWords(std::string words) {
+  const std::lock_guard lock(wordsMutex_);
+  lastWords_ = std::move(words);
+}
+
 void Interrupts::Watch() {
   if (NextByte(readEnd_, -1) == kStop) return;
   asked_ = true;
@@ -95,8 +100,9 @@ void Interrupts::LeaveAtOnce() {
   if (isatty(STDERR_FILENO) == 1) {
     [[maybe_unused]] const auto cleared = write(STDERR_FILENO, "\r\033[K", 4);
   }
-  constexpr char kWords[] = "quillmarch: cancelled, nothing more was saved\n";
-  [[maybe_unused]] const auto written = write(STDERR_FILENO, kWords, sizeof(kWords) - 1);
+  const std::lock_guard words(wordsMutex_);
+  const std::string line = "quillmarch: " + lastWords_ + "\n";
+  [[maybe_unused]] const auto written = write(STDERR_FILENO, line.data(), line.size());
   _exit(kExitCancelled);
 }
 

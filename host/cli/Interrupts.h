@@ -6,6 +6,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <string>
 #include <thread>
 
 namespace quillmarch::host {
@@ -21,7 +22,10 @@ class Interrupts {
 
   bool Asked() const { return asked_; }
 
-  // Hold it while a deck is being saved: the process is not ended at once meanwhile.
+  // What is said when the process ends at once, one line.
+  void SetLastWords(std::string words);
+
+  // Hold it while a deck is being saved: the process does not end at once meanwhile.
   [[nodiscard]] std::unique_lock<std::mutex> HoldWhileSaving();
 
  private:
@@ -31,6 +35,8 @@ class Interrupts {
   std::function<void()> onFirst_;
   std::atomic<bool> asked_{false};
   std::mutex saving_;
+  std::mutex wordsMutex_;
+  std::string lastWords_;
   int readEnd_ = -1;
   std::thread watcher_;
 };

@@ -7,8 +7,11 @@
 #include <memory>
 #include <string_view>
 
+#include "host/cli/DeckKind.h"
 #include "host/cli/ExitCode.h"
+#include "host/cli/Sentences.h"
 #include "host/cli/ServiceUrl.h"
+#include "host/cli/StandardStreams.h"
 #include "host/cli/TerminalText.h"
 #include "host/cli/TokenFile.h"
 
@@ -21,7 +24,7 @@ constexpr const char* kExamples = R"(Examples:
       writes talk.es.pptx, translated by the offline engine
   quillmarch translate *.pptx --to pt --from es --output-dir translated
   quillmarch translate talk.pptx --to es --select "3:Title 1" --select "3:#2"
-      translates two shapes of slide 3 and leaves all else as it is
+      translates two shapes of slide 3 and leaves everything else as it is
   quillmarch translate talk.pptx --to de --engine openai --openai-url http://localhost:8080/v1 \
       --openai-model llama3
   quillmarch translate talk.pptx --to fr --service https://api.example.com --token-file token.txt
@@ -33,8 +36,8 @@ Exit codes:
   1    a run failed; nothing was saved for that deck
   2    bad input or usage; nothing was saved for that deck
   3    a deck is saved, but some translated text did not reach it; each is named
-  130  cancelled by Ctrl-C; nothing was saved for the deck under way
-  Of several decks the gravest counts: 130, 2, 1, 3, 0.
+  130  cancelled by Ctrl-C; nothing was saved for the deck in progress
+  With several decks the most severe code wins: 130, 2, 1, 3, 0.
 )";
 
 constexpr int kMostSlides = 1000000;
@@ -55,13 +58,13 @@ std::string CheckGrowth(const std::string& text) {
   double growth = 0.0;
   const char* const end = text.data() + text.size();
   const auto [rest, code] = std::from_chars(text.data(), end, growth);
-  // Written so that what is no number is out of range, too.
+  // Written so that NaN is out of range, too.
   if (code == std::errc() && rest == end && growth >= 1.0 && growth <= kGreatestGrowth) return {};
-  return "wants a number from 1 to 20";
+  return "takes a number from 1 to 20";
 }
 
-// Option, value and explanation, without the parser's notes on what needs or excludes what: the
-// groups say that.
+// Option, value and explanation, without the parser's notes on what needs or excludes what, which
+// the groups already say.
 class PlainFormatter final : public CLI::Formatter {
  public:
   std::string make_option_opts(const CLI::Option* option) const override {
@@ -86,39 +89,46 @@ void Declare(CLI::App& translate, TranslateOptions& options, RawOptions& raw) {
       ->type_name("LANG")
       ->required()
       ->check(CheckLanguage);
-  translate.add_option("--from", options.sourceLang, "Language of the decks; auto finds it out")
+  translate.add_option("--from", options.sourceLang, "Language of the decks; auto detects it")
       ->type_name("LANG")
       ->check(CheckLanguage)
       ->capture_default_str();
 
   const char* const where = "Output (default: NAME.LANG.EXT beside the deck)";
-  auto* const file =
-      translate.add_option("--output,-o", options.output.file, "File to write, for one deck");
+  auto* const file = translate.add_option("--output,-o", options.output.file,
+                                          "File to write, for one deck; - is standard output");
   auto* const folder = translate.add_option("--output-dir", options.output.directory,
                                             "Folder to write NAME.LANG.EXT to; it must exist");
   auto* const inPlace =
       translate.add_flag("--in-place", options.output.inPlace, "Replace the decks themselves");
+  auto* const force =
+      translate.add_flag("--force", options.output.force,
+                         "Replace an output even if it was edited since or is not ours");
+  auto* const skip = translate.add_flag("--skip-existing", options.output.skipExisting,
+                                        "Leave decks out whose output exists");
+  force->group(where)->excludes(inPlace);
+  skip->group(where)->excludes(inPlace)->excludes(force);
   file->type_name("FILE")->group(where)->excludes(folder)->excludes(inPlace);
   folder->type_name("DIR")->group(where)->excludes(inPlace);
   inPlace->group(where);
 
-  const char* const what = "What is translated";
+  const char* const what = "What to translate";
   auto* const slide =
-      translate.add_option("--slide", options.slide, "Translate this slide alone, counted from 1")
+      translate.add_option("--slide", options.slide, "Translate only this slide, counted from 1")
           ->type_name("N")
           ->check(CLI::Range(1, kMostSlides).description(""))
           ->group(what);
   translate
       .add_option("--select", raw.select,
-                  "Translate a selection alone: slides (2,5-7); shapes of one slide by\n"
-                  "name or number (3:Title 1, 3:#2, 3:#2/1 within a group); or a piece\n"
-                  "of a text (3:#2:5+12: 12 characters from the 5th). Several are\n"
-                  "parted by commas, or the option is repeated")
+                  "Translate only a selection: slides (2,5-7); shapes of one slide by\n"
+                  "name or number (3:Title 1, 3:#2, 3:#2/1 within a group); or part of\n"
+                  "a text (3:#2:5+12: 12 characters from the 5th). Separate several\n"
+                  "with commas, or repeat the option")
       ->type_name("WHAT")
       ->allow_extra_args(false)
       ->group(what)
       ->excludes(slide);
-  translate.add_option("--font", options.font, "Font for translated text (default: fonts stay)")
+  translate.add_option("--font", options.font, "Font for translated text (default: unchanged)")
       ->type_name("NAME")
       ->group(what);
 
@@ -134,7 +144,7 @@ void Declare(CLI::App& translate, TranslateOptions& options, RawOptions& raw) {
           ->group(engines);
   auto* const growth = translate
                            .add_option("--growth", options.engine.growth,
-                                       "pseudo: how many times as long texts become, 1 to 20")
+                                       "pseudo: factor by which texts grow, 1 to 20")
                            ->type_name("F")
                            ->check(CheckGrowth)
                            ->group(engines);
@@ -154,30 +164,45 @@ void Declare(CLI::App& translate, TranslateOptions& options, RawOptions& raw) {
                         ->type_name("FILE")
                         ->group(engines);
 
+  auto* const authority =
+      translate
+          .add_option("--openai-ca-file", options.engine.openaiCaFile,
+                      "openai: PEM file with one more certificate authority to trust")
+          ->type_name("FILE")
+          ->group(engines);
+
   const char* const services = "Service (in place of an engine)";
   auto* const service =
       translate.add_option("--service", raw.serviceUrl, "http(s)://host[:port] of a service")
           ->type_name("URL")
           ->group(services);
-  for (CLI::Option* const other : {engine, growth, url, model, key}) service->excludes(other);
+  for (CLI::Option* const other : {engine, growth, url, model, key, authority})
+    service->excludes(other);
   translate.add_option("--token-file", raw.tokenFile, "File whose first word is the access token")
       ->type_name("FILE")
       ->needs(service)
       ->group(services);
   translate
       .add_option("--ca-file", options.authorityFile,
-                  "PEM file of one more authority whose certificates are trusted")
+                  "PEM file with one more certificate authority to trust")
       ->type_name("FILE")
       ->needs(service)
       ->group(services);
 
-  const char* const telling = "What is told";
-  translate.add_flag("--json", options.json, "Print the run's events, one JSON object a line")
+  const char* const telling = "Messages";
+  translate
+      .add_flag("--json", options.json,
+                "Print one JSON object a line instead: each deck, its events, its result")
       ->group(telling);
-  translate.add_flag("--stats", options.stats, "Print host calls, times and peak memory")
+  translate
+      .add_flag("--list-left", options.listLeft,
+                "List each text that came back unchanged or not at all")
       ->group(telling);
-  translate.add_flag("--quiet,-q", options.quiet, "Print errors and warnings alone")
+  translate
+      .add_flag("--stats", options.stats,
+                "Print where the time went, calls into the deck, and peak memory")
       ->group(telling);
+  translate.add_flag("--quiet,-q", options.quiet, "Print only errors and warnings")->group(telling);
   translate
       .add_flag("--paced", options.paced,
                 "Work at the pace of a user's screen instead of full speed")
@@ -189,20 +214,26 @@ bool IsReadable(const std::string& path) {
   return std::ifstream(path, std::ios::binary).peek() != std::ifstream::traits_type::eof();
 }
 
-// What no single option can tell; a sentence, or nothing when all is well.
+// Checks that involve several options; a sentence, or nothing when all is well.
 std::string Complete(const CLI::App& translate, const RawOptions& raw, TranslateOptions& options) {
   std::string error;
-  if (options.targetLang == "auto") return "--to wants a language; auto is for --from";
+  if (options.targetLang == "auto") return "--to takes a language; auto is only for --from";
   if (translate.count("--growth") > 0 && options.engine.name != "pseudo") {
-    return "--growth goes with --engine pseudo";
+    return "--growth needs --engine pseudo";
   }
-  for (const char* const name : {"--openai-url", "--openai-model", "--openai-key-file"}) {
+  for (const char* const name :
+       {"--openai-url", "--openai-model", "--openai-key-file", "--openai-ca-file"}) {
     if (translate.count(name) > 0 && options.engine.name != "openai") {
-      return std::string(name) + " goes with --engine openai";
+      return std::string(name) + " needs --engine openai";
     }
   }
+  const bool toOutput = options.output.file == kStandardStream;
+  if (toOutput && options.json) return "--json and --output - both need standard output";
   for (const std::string& deck : options.decks) {
     if (deck.empty()) return "a deck's name is empty";
+    if (IsStandardInput(deck) && (options.output.file.empty() || options.decks.size() > 1)) {
+      return "a deck from standard input is translated by itself and needs --output";
+    }
   }
   if (!ReadSelect(raw.select, options.select, error)) return error;
   if (raw.serviceUrl.empty() && translate.count("--service") == 0) return {};
@@ -214,7 +245,8 @@ std::string Complete(const CLI::App& translate, const RawOptions& raw, Translate
     return error;
   }
   if (translate.count("--ca-file") > 0 && !IsReadable(options.authorityFile)) {
-    return PlainLine(options.authorityFile) + ": the authority file can't be read or is empty";
+    return CannotSentence("read " + PlainLine(options.authorityFile),
+                          "no such file, or it is empty");
   }
   return {};
 }
@@ -229,6 +261,11 @@ std::string WithoutGaps(const std::string& text) {
   }
   while (kept.size() >= 2 && kept[kept.size() - 2] == '\n') kept.pop_back();
   return kept;
+}
+
+// "quillmarch talk.pptx --to es": the one thing that a deck as the first word can mean.
+bool MeansTranslate(const std::vector<const char*>& words) {
+  return words.size() > 1 && IsDeckEnding(EndingOf(words[1]));
 }
 
 std::string OneLine(std::string text) {
@@ -249,13 +286,16 @@ CommandLine ReadCommandLine(int argc, const char* const* argv) {
   CLI::App& translate = *app.add_subcommand("translate", "Translate decks");
   Declare(translate, line.translate, raw);
 
-  // The parser takes no further name behind "--" once it has one, so those are set apart.
-  const char* const* const end = argv + argc;
-  const char* const* const mark =
-      std::find_if(argv, end, [](const char* word) { return std::string_view(word) == "--"; });
+  std::vector<const char*> words(argv, argv + argc);
+  if (MeansTranslate(words)) words.insert(words.begin() + 1, "translate");
+  // The parser takes no further name after "--" once it has one, so those are set apart.
+  const auto mark = std::find_if(words.begin(), words.end(),
+                                 [](const char* word) { return std::string_view(word) == "--"; });
   try {
-    app.parse(static_cast<int>(mark - argv), argv);
-    if (mark != end) line.translate.decks.insert(line.translate.decks.end(), mark + 1, end);
+    app.parse(static_cast<int>(mark - words.begin()), words.data());
+    if (mark != words.end()) {
+      line.translate.decks.insert(line.translate.decks.end(), mark + 1, words.end());
+    }
     if (line.translate.decks.empty()) throw CLI::RequiredError("DECK");
   } catch (const CLI::CallForHelp&) {
     line.output = WithoutGaps(app.help());

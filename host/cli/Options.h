@@ -27,12 +27,13 @@ struct TranslateOptions {
   service::EngineOptions engine;
   bool paced = false;
   bool json = false;
+  bool listLeft = false;
   bool stats = false;
   bool quiet = false;
 };
 
 struct CommandLine {
-  bool run = false;  // `translate` is to be run; else `exitCode` and what stands in `output`
+  bool run = false;  // `translate` is to be run; otherwise `output` and `exitCode` are all
   int exitCode = 0;
   std::string output;  // help or version, for standard output
   std::string error;   // a usage error, one line without the program's name

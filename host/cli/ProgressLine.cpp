@@ -47,27 +47,30 @@ std::string FormatDuration(double seconds) {
 }
 
 std::string FormatProgress(const RunProgress& progress, std::size_t columns) {
-  if (progress.texts <= 0) return Shorten(progress.deck + ": reading", columns);
+  const std::string lead = progress.place.empty() ? std::string() : progress.place + " ";
+  if (progress.texts <= 0) return Shorten(lead + progress.deck + ": reading", columns);
 
   const std::string percent = std::to_string(static_cast<int>(Share(progress) * 100.0)) + "%";
   if (columns < percent.size()) return {};
-  std::string counts = std::to_string(progress.textsDone) + "/" + std::to_string(progress.texts) +
-                       " texts on " + Counted(progress.slides, "slide") + TimeLeft(progress);
+  const std::string counts = std::to_string(progress.textsDone) + "/" +
+                             std::to_string(progress.texts) + " texts on " +
+                             Counted(progress.slides, "slide") + TimeLeft(progress);
   if (counts.size() > columns) return percent;
 
-  const std::size_t nameWidth =
-      std::min(DisplayWidth(progress.deck), std::max(kShortestName, columns / 3));
-  const std::size_t forBoth = columns - counts.size();
-  // A name and a bar, each with a blank behind it and the bar in its brackets.
-  if (forBoth >= nameWidth + kNarrowestBar + 4) {
-    const std::size_t barWidth = std::min(kWidestBar, forBoth - nameWidth - 4);
-    return ShortenFront(progress.deck, nameWidth) + " " + Bar(Share(progress), barWidth) + " " +
+  const std::size_t name = DisplayWidth(progress.deck);
+  const std::size_t nameWidth = std::min(name, std::max(kShortestName, columns / 3));
+  const std::size_t rest = columns - counts.size();
+  // The name and the bar are each followed by a space, and the bar has its brackets.
+  if (rest >= lead.size() + nameWidth + kNarrowestBar + 4) {
+    const std::size_t barWidth = std::min(kWidestBar, rest - lead.size() - nameWidth - 4);
+    return lead + ShortenFront(progress.deck, nameWidth) + " " + Bar(Share(progress), barWidth) +
+           " " + counts;
+  }
+  if (rest >= lead.size() + std::min(name, kShortestName) + 1) {
+    return lead + ShortenFront(progress.deck, std::min(name, rest - lead.size() - 1)) + " " +
            counts;
   }
-  if (forBoth >= kNarrowestBar + 3) {
-    return Bar(Share(progress), std::min(kWidestBar, forBoth - 3)) + " " + counts;
-  }
-  return counts;
+  return rest >= lead.size() ? lead + counts : counts;
 }
 
 }  // namespace quillmarch::host

@@ -16,7 +16,7 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// Digits alone, from 1.
+// Only digits, from 1.
 std::optional<std::int32_t> Number(std::string_view text) {
   std::int32_t number = 0;
   const char* const end = text.data() + text.size();
@@ -26,7 +26,7 @@ std::optional<std::int32_t> Number(std::string_view text) {
   return number;
 }
 
-// Whether digits and a colon stand here.
+// Whether it begins with digits and a colon.
 bool BeginsItem(std::string_view text) {
   std::size_t digits = 0;
   while (digits < text.size() && IsDigit(text[digits])) ++digits;
@@ -50,7 +50,7 @@ std::vector<std::string_view> Items(std::string_view value) {
 }
 
 std::string NotUnderstood(std::string_view item) {
-  return "--select wants slides (2,5-7), shapes (3:Title 1 or 3:#2) or a piece of text "
+  return "--select takes slides (2,5-7), shapes (3:Title 1 or 3:#2) or part of a text "
          "(3:#2:5+12), not \"" +
          PlainLine(std::string(item)) + "\"";
 }
@@ -112,12 +112,12 @@ bool ReadOnSlide(std::string_view item, SelectOption& select, std::string& error
     return false;
   }
   if (select.slide != 0 && select.slide != *slide) {
-    error = "shapes on several slides can't be selected together";
+    error = "shapes on several slides cannot be selected together";
     return false;
   }
   const bool another = !select.shapes.empty();
   if (another && (text || select.kind == SelectOption::Kind::kText)) {
-    error = "a piece of text can be selected only by itself";
+    error = "part of a text can be selected only by itself";
     return false;
   }
   select.slide = *slide;
@@ -137,7 +137,7 @@ bool ReadSelect(const std::vector<std::string>& values, SelectOption& select, st
         return false;
       }
       if (!select.slides.empty() && !select.shapes.empty()) {
-        error = "slides and shapes can't be selected together";
+        error = "slides and shapes cannot be selected together";
         return false;
       }
     }

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "host/cli/OutputPlan.h"
+#include "host/cli/StandardStreams.h"
 #include "host/cli/TerminalText.h"
+#include "run/document/CollectCodes.h"
 
 namespace quillmarch::host {
 
@@ -18,38 +21,44 @@ struct CodeSentence {
 constexpr CodeSentence kSentences[] = {
     {u"unauthorized", "the access token is missing or has expired"},
     {u"insufficient_credits", "there are no credits left for this translation"},
-    {u"network_error", "the translation service can't be reached or gave no answer"},
+    {u"network_error", "the translation service cannot be reached or gave no answer"},
     {u"translate_failed", "the translation service gave no usable answer"},
-    {u"batch_size_mismatch", "the translation service gave back a wrong number of texts"},
+    {u"batch_size_mismatch", "the translation service returned a wrong number of texts"},
     {u"terminology_resolve_failed", "the terminology of this run could not be read"},
     {u"collect_failed", "the texts of the deck could not be read"},
     {u"pane_window_unavailable", "the deck has no window to work in"},
     {u"presentation_busy", "the deck is being translated by another run"},
-    {u"bilingual_copy_failed", "the bilingual slides could not be made"},
+    {u"bilingual_copy_failed", "the bilingual slides could not be created"},
     {u"engine_unavailable", "the translation engine is not available"},
     {u"engine_timeout", "the translation engine took too long to answer"},
     {u"engine_failed", "the translation engine failed"},
     {u"engine_refused", "the translation engine refused the request"},
     {u"engine_bad_answer", "the translation engine gave no usable answer"},
-    {u"unsupported_language_pair", "the translation engine has no such pair of languages"},
-    {u"rate_limited", "the translation service asks for fewer requests"},
-    {u"payload_too_large", "a slide's texts are more than the translation service takes"},
-    {u"too_many_texts", "a slide has more texts than the translation service takes at once"},
-    {u"shutting_down", "the translation service is being stopped"},
+    {u"unsupported_language_pair", "the translation engine does not serve this pair of languages"},
+    {u"rate_limited", "the translation service wants fewer requests"},
+    {u"payload_too_large", "one slide has more text than the translation service accepts"},
+    {u"too_many_texts", "one slide has more texts than the translation service accepts at once"},
+    {u"shutting_down", "the translation service is shutting down"},
 };
 
-// What a run says about a selection.
-constexpr CodeSentence kSelectionSentences[] = {
-    {u"选区里没有可翻译的文字", "the selection holds no text to translate"},
-    {u"选区过大，请缩小选择范围", "the selection is too large; select less"},
-    {u"无法读取选区", "the selection could not be read"},
-    {u"请先选中要翻译的形状或文字", "nothing is selected that could be translated"},
+struct ResultSentence {
+  ResultCode code;
+  const char* sentence;
 };
 
-template <std::size_t N>
-const char* SentenceOf(const CodeSentence (&sentences)[N], WideView word) {
-  for (const CodeSentence& entry : sentences) {
-    if (entry.code == word) return entry.sentence;
+constexpr ResultSentence kCollectSentences[] = {
+    {addin::kNothingSelected, "nothing translatable is selected"},
+    {addin::kSelectionWithoutText, "the selection holds no text to translate"},
+    {addin::kSelectionUnreadable, "the selection could not be read"},
+    {addin::kSelectionTooLarge, "the selection is too large; select less"},
+};
+
+const char* SentenceOf(WideView code, ResultCode failure) {
+  for (const ResultSentence& entry : kCollectSentences) {
+    if (entry.code == failure) return entry.sentence;
+  }
+  for (const CodeSentence& entry : kSentences) {
+    if (entry.code == code) return entry.sentence;
   }
   return nullptr;
 }
@@ -67,10 +76,8 @@ bool SaysNothingMore(WideView message) {
 
 }  // namespace
 
-std::string FailureSentence(WideView code, WideView message) {
-  const char* found = nullptr;
-  if (code == u"collect_failed") found = SentenceOf(kSelectionSentences, message);
-  if (found == nullptr) found = SentenceOf(kSentences, code);
+std::string FailureSentence(WideView code, WideView message, ResultCode failure) {
+  const char* const found = SentenceOf(code, failure);
   std::string sentence;
   if (found != nullptr) {
     sentence = found;
@@ -82,6 +89,25 @@ std::string FailureSentence(WideView code, WideView message) {
     sentence += " (" + Shorten(ToUtf8(message), kLongestMessage) + ")";
   }
   return sentence;
+}
+
+std::string CannotSentence(std::string_view action, std::string_view reason) {
+  std::string sentence = "Cannot " + std::string(action) + ": " + std::string(reason);
+  char& first = sentence[sentence.size() - reason.size()];
+  // "The part ...", but not a name in capitals.
+  const bool isWord =
+      reason.size() > 1 && (reason[1] == ' ' || (reason[1] >= 'a' && reason[1] <= 'z'));
+  if (isWord && first >= 'A' && first <= 'Z') first = static_cast<char>(first - 'A' + 'a');
+  if (!sentence.ends_with('.')) sentence += '.';
+  return sentence;
+}
+
+std::string ShownDeck(const std::string& deck) {
+  return IsStandardInput(deck) ? "standard input" : PlainLine(deck);
+}
+
+std::string ShownOutput(const std::string& output) {
+  return output == kStandardStream ? "standard output" : PlainLine(output);
 }
 
 std::string Counted(std::int64_t count, const char* noun) {

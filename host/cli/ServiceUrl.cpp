@@ -41,16 +41,17 @@ bool ParseServiceUrl(std::string_view url, Endpoint& endpoint, std::string& erro
   const std::string given(url);
   endpoint.useHttps = TakeScheme(url, "https://");
   if (!endpoint.useHttps && !TakeScheme(url, "http://")) {
-    error = "--service wants http://host[:port] or https://host[:port], not \"" + given + "\"";
+    error = "--service takes http://host[:port] or https://host[:port], not \"" + given + "\"";
     return false;
   }
   endpoint.port = endpoint.useHttps ? kHttpsPort : kHttpPort;
+  if (url.ends_with('/')) url.remove_suffix(1);
 
   const std::size_t bracket = url.rfind(']');
   const std::size_t colon = url.find(':', bracket == std::string_view::npos ? 0 : bracket);
   const std::string_view host = url.substr(0, colon);
   if (!IsHostName(host) && !IsBracketedAddress(host)) {
-    error = "--service wants a host and nothing but a port behind it: \"" + given + "\"";
+    error = "--service takes a host, optionally followed by :port: \"" + given + "\"";
     return false;
   }
   endpoint.host = ToWide(host);
@@ -60,7 +61,7 @@ bool ParseServiceUrl(std::string_view url, Endpoint& endpoint, std::string& erro
   const char* const end = digits.data() + digits.size();
   const auto [rest, code] = std::from_chars(digits.data(), end, endpoint.port);
   if (code != std::errc() || rest != end || endpoint.port == 0) {
-    error = "--service wants a port from 1 to 65535: \"" + given + "\"";
+    error = "--service takes a port from 1 to 65535: \"" + given + "\"";
     return false;
   }
   return true;

@@ -8,8 +8,8 @@
 
 namespace quillmarch::host {
 
-// Reads "http://host[:port]" or "https://host[:port]"; an IPv6 host stands in brackets. Anything
-// else, also a path, is false with a sentence in `error`.
+// Reads "http://host[:port]" or "https://host[:port]", with or without a slash at the end; an IPv6
+// host is in brackets. False with a sentence in `error` for anything else, a path included.
 bool ParseServiceUrl(std::string_view url, Endpoint& endpoint, std::string& error);
 
 }  // namespace quillmarch::host

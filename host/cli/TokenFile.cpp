@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "host/cli/Sentences.h"
 #include "host/cli/TerminalText.h"
 
 namespace quillmarch::host {
@@ -21,7 +22,8 @@ bool ReadTokenFile(const std::string& path, std::string& token, std::string& err
   if (file) file.read(text.data(), kLongestToken + 1);
   // A folder opens like a file and fails at the first read.
   if (!file.is_open() || file.bad() || (file.fail() && !file.eof())) {
-    error = PlainLine(path) + ": the token file can't be read: " + std::strerror(errno);
+    error = CannotSentence("read the token file " + PlainLine(path),
+                           errno == ENOENT ? "no such file" : std::strerror(errno));
     return false;
   }
   text.resize(static_cast<std::size_t>(file.gcount()));
@@ -32,7 +34,7 @@ bool ReadTokenFile(const std::string& path, std::string& token, std::string& err
   const bool visible =
       std::all_of(token.begin(), token.end(), [](char c) { return c > ' ' && c < '\x7F'; });
   if (token.empty() || !visible || token.size() > static_cast<std::size_t>(kLongestToken)) {
-    error = PlainLine(path) + ": the token file holds no usable token";
+    error = CannotSentence("use the token file " + PlainLine(path), "it holds no usable token");
     return false;
   }
   return true;

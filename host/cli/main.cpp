@@ -6,14 +6,15 @@
 
 #include "host/cli/ExitCode.h"
 #include "host/cli/Options.h"
+#include "host/cli/StandardStreams.h"
 #include "host/cli/TranslateCommand.h"
 
 namespace quillmarch::host {
 
 namespace {
 
-// Parts of a deck come and go by the thousand: giving each one's pages back to the system and
-// asking for them again costs more than unpacking them.
+// A deck's parts are loaded and dropped by the thousand; returning their pages to the system and
+// asking for them again would cost more than unpacking them.
 void KeepFreedPages() {
   constexpr int kLargeBlock = 16 << 20;
   mallopt(M_MMAP_THRESHOLD, kLargeBlock);
@@ -26,6 +27,7 @@ void KeepFreedPages() {
 
 int main(int argc, char** argv) {
   using namespace quillmarch::host;
+  OpenClosedStreams();
   // A reader that went away is a failed write, not the end of the process.
   std::signal(SIGPIPE, SIG_IGN);
   KeepFreedPages();

@@ -18,7 +18,7 @@ constexpr const char* kThemeElements[] = {"dk1",     "lt1",     "dk2",     "lt2"
                                           "accent1", "accent2", "accent3", "accent4",
                                           "accent5", "accent6", "hlink",   "folHlink"};
 
-// The preset colours that text is likely to bear; any other name reads as black.
+// The preset colours that text is likely to have; any other name reads as black.
 struct Preset {
   std::string_view name;
   std::uint32_t rgb;

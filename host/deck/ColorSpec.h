@@ -44,7 +44,7 @@ enum class ColorChange : std::uint8_t {
   kSatOff,
   kTint,
   kShade,
-  kOther,  // alpha and what else leaves the colour as seen on white alone
+  kOther,  // alpha and others that leave the colour as it is, seen on white
 };
 
 struct ColorModifier {

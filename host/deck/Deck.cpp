@@ -75,7 +75,7 @@ std::unique_ptr<SlidePart> Deck::ReadPart(const std::string& part, bool formats)
   return read;
 }
 
-// A run goes from slide to slide, so the next ones are parsed on a second thread meanwhile. A page
+// A run goes from slide to slide, so a second thread parses the next ones in advance. A page
 // that is held is never read ahead: its edits are not in the package yet.
 void Deck::StartAhead(PageAddress page) {
   const bool goesOn = page.slide == lastRead_ || page.slide == lastRead_ + 1;
@@ -168,11 +168,20 @@ bool Deck::Edited() {
   return std::any_of(held_.begin(), held_.end(), edited) || package_->Edited();
 }
 
-Result<void> Deck::Save(const std::string& path) {
+void Deck::WriteAllBack() {
   for (Held& held : held_) WriteBack(held);
   lastText_ = nullptr;
   held_.clear();
+}
+
+Result<void> Deck::Save(const std::string& path) {
+  WriteAllBack();
   return package_->Save(path);
+}
+
+Result<std::string> Deck::SaveBytes() {
+  WriteAllBack();
+  return package_->SaveBytes();
 }
 
 TextBody* Deck::Text(const ShapeAddress& address) {

@@ -63,10 +63,10 @@ class Deck {
   double SlideHeight() const { return slideHeight_; }  // points
   std::int32_t FirstSlideNumber() const { return firstSlideNumber_; }
 
-  // The parsed page, valid until the next call of Page or Flush; null when it cannot be read. A
-  // slide without a notes page answers with a blank one that takes no edits.
+  // The parsed page, valid until the next call of Page or Save; null when it cannot be read. A
+  // slide without a notes page answers with an empty one that takes no edits.
   SlidePart* Page(PageAddress page);
-  // The part's name, empty for a blank notes page.
+  // The part's name; empty for a notes page that the file does not have.
   const std::string& PartOf(PageAddress page) const;
 
   // The text of a shape or cell; null when it has none. Valid as Page is.
@@ -100,7 +100,7 @@ class Deck {
   bool NeedsFit(const ShapeAddress& address);
   void SetFitted(const ShapeAddress& address);
   // What fits a shape. It is called for each one that needs it before its page is written back,
-  // and may ask for that page alone.
+  // and may ask only for that page.
   void SetFit(std::function<void(const ShapeAddress&)> fit) { fit_ = std::move(fit); }
 
   Package& package() { return *package_; }
@@ -110,6 +110,8 @@ class Deck {
   bool Edited();
   // Saves atomically; without edits the file is a byte for byte copy.
   Result<void> Save(const std::string& path);
+  // The bytes that Save would write.
+  Result<std::string> SaveBytes();
 
  private:
   friend class DeckReader;
@@ -132,6 +134,7 @@ class Deck {
     std::vector<std::pair<CharProps, std::shared_ptr<const BodyStyle>>> plainCells;
   };
   void WriteBack(Held& held);
+  void WriteAllBack();
   // `formats` as SlidePart::ReadTexts takes it. Any thread.
   std::unique_ptr<SlidePart> ReadPart(const std::string& part, bool formats);
   std::unique_ptr<SlidePart> ReadPage(PageAddress page);

@@ -100,7 +100,7 @@ bool IsPresentationType(std::string_view type) {
   return std::find(std::begin(kTypes), std::end(kTypes), type) != std::end(kTypes);
 }
 
-// The deck cannot be understood without what stands behind these.
+// The deck cannot be understood without the targets of these.
 const char* StructureWord(RelationshipKind kind) {
   switch (kind) {
     case RelationshipKind::kSlideLayout:
@@ -279,7 +279,7 @@ Result<void> DeckReader::ReadPresentation() {
   const std::string& part = deck_.presentationPart_;
   if (part.empty()) {
     return Error{ErrorCode::kUnsupported,
-                 "There is no main document in the file, so it is no presentation."};
+                 "There is no main document in the file, so it is not a presentation."};
   }
   if (!package_.HasPart(part)) {
     return Missing("The part " + part + " (the presentation) is missing.");
@@ -287,7 +287,7 @@ Result<void> DeckReader::ReadPresentation() {
   const std::string type = package_.ContentType(part);
   if (!IsPresentationType(type)) {
     return Error{ErrorCode::kUnsupported,
-                 "The part " + part + " is no presentation: its content type is " +
+                 "The part " + part + " is not a presentation: its content type is " +
                      (type.empty() ? "not given" : "\"" + type + "\"") + "."};
   }
   pugi::xml_document document;
@@ -344,7 +344,7 @@ Result<void> DeckReader::ReadPresentation() {
     if (link == byId.end() || link->second->external ||
         RelationshipKindOf(link->second->type) != RelationshipKind::kSlide) {
       return Damaged("The part " + part + " lists slide " + number + " by the relationship \"" +
-                     id + "\", which leads to no slide.");
+                     id + "\", which does not lead to a slide.");
     }
     const std::string& target = link->second->target;
     if (!package_.HasPart(target)) {

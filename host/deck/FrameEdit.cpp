@@ -69,8 +69,8 @@ std::string AutofitXml(const std::string& prefix, const Autofit& fit) {
   return xml + "/>";
 }
 
-// `raw` is a whole a:bodyPr, `node` the same element parsed. The autofit stands behind the text's
-// warp and before everything else.
+// `raw` is a whole a:bodyPr, `node` the same element parsed. The autofit follows the text's
+// warp and precedes everything else.
 std::string WithAutofit(const XmlNames& names, std::string_view bytes, pugi::xml_node node,
                         const std::string& fit) {
   const ElementSpan element = FindElement(bytes, node);
@@ -137,7 +137,7 @@ void AppendBoxEdits(const XmlNames& names, std::string_view bytes, const ShapeEn
                   edits);
     return;
   }
-  // One of the two alone says nothing, so both are written.
+  // One without the other means nothing, so both are written.
   if (offset) replace(offset, {});
   if (extent) replace(extent, {});
   const ElementSpan span = FindElement(bytes, transform);

@@ -54,7 +54,7 @@ FrameProps ParseFrameProps(const XmlNames& names, pugi::xml_node node);
 FrameProps ParseCellFrame(pugi::xml_node node);
 // Takes from `from` whatever `into` leaves unset.
 void Inherit(FrameProps& into, const FrameProps& from);
-// What holds when nobody says anything; all set.
+// The defaults when nothing is set anywhere; all set.
 FrameProps DefaultFrame();
 
 }  // namespace quillmarch::host::deck

@@ -16,7 +16,7 @@ std::string Typeface(const XmlNames& names, pugi::xml_node fonts, const char* sc
   return names.Child(fonts, kA, script).attribute("typeface").value();
 }
 
-// Types that have a placeholder of their own on the master; all others stand on its body.
+// Types that have a placeholder of their own on the master; all others are based on its body.
 bool IsFooter(const std::string& type) {
   return type == "dt" || type == "ftr" || type == "sldNum" || type == "hdr" || type == "sldImg";
 }

@@ -53,7 +53,7 @@ LayoutStyles ParseLayout(const XmlNames& names, pugi::xml_node root);
 // The colour map that a slide or layout sets over its master's, if any.
 std::optional<ColorMap> ParseColorMapOverride(const XmlNames& names, pugi::xml_node root);
 
-// The layout's placeholder that a slide's one stands on, by index first and type second; null when
+// The layout's placeholder that a slide's one is based on, by index first, then type; null when
 // there is none.
 const PlaceholderStyle* MatchInLayout(const std::vector<PlaceholderStyle>& placeholders,
                                       const PlaceholderKey& key);

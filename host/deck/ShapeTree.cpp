@@ -129,7 +129,7 @@ pugi::xml_node ShapeProperties(const XmlNames& names, pugi::xml_node shape) {
   for (const pugi::xml_node child : shape.children()) {
     if (child.type() != pugi::node_element) continue;
     if (const pugi::xml_node found = names.Child(child, kP, "cNvPr")) return found;
-    // Ink bears the same properties under its own namespace.
+    // Ink has the same properties under its own namespace.
     if (const pugi::xml_node found = names.Child(child, XmlNamespace::kPowerPoint2010, "cNvPr")) {
       return found;
     }

@@ -65,7 +65,7 @@ class ShapeTree {
   std::span<const std::uint32_t> Children(const ShapeEntry& group) const {
     return std::span(children_).subspan(group.firstChild, group.childCount);
   }
-  // The shapes of all levels below a group that are no groups themselves, depth first.
+  // The shapes on all levels below a group that are not groups themselves, depth first.
   std::span<const std::uint32_t> Leaves(const ShapeEntry& group) const {
     return std::span(leaves_).subspan(group.firstLeaf, group.leafCount);
   }
@@ -83,7 +83,7 @@ class ShapeTree {
 
 // The p:cNvPr of a shape; null when the file has none.
 pugi::xml_node ShapeProperties(const XmlNames& names, pugi::xml_node shape);
-// The p:ph of a shape, nothing when it is no placeholder.
+// The p:ph of a shape, nothing when it is not a placeholder.
 std::optional<PlaceholderKey> PlaceholderOf(const XmlNames& names, pugi::xml_node shape);
 // The a:xfrm of a shape (p:xfrm of a frame); null when the file has none.
 pugi::xml_node ShapeTransform(const XmlNames& names, pugi::xml_node shape, ShapeKind kind);

@@ -48,7 +48,7 @@ class SlidePart {
   TextBody* ShapeText(std::uint32_t shape);
   // The grid of a table's frame, null for any other shape.
   TableGrid* Table(std::uint32_t shape);
-  // The text body behind a 0-based grid position: the merged cell's origin answers for all of its
+  // The text body at a 0-based grid position: a merged cell's origin answers for all of its
   // positions. Null when the table has no such cell or the cell no text body.
   TextBody* CellText(std::uint32_t shape, std::uint32_t row, std::uint32_t column);
 
@@ -61,7 +61,7 @@ class SlidePart {
   // Null when the shape's frame was not asked for yet.
   FrameState* Frame(std::uint32_t shape);
   FrameState& AddFrame(std::uint32_t shape, const FrameProps& file);
-  // Where the shape was moved to; nothing while it stands where the file says.
+  // Where the shape was moved to; nothing while it is where the file says.
   const std::optional<ShapeBox>& MovedBox(std::uint32_t shape) const;
   // To be called with every change of a frame.
   void TouchFrames() { ++framesRevision_; }

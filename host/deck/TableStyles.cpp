@@ -70,7 +70,7 @@ CharProps TableStyles::CellProps(const XmlNames& names, const TableGrid& grid, s
   if (bottom) take("lastRow");
   if (left) take("firstCol");
   if (right) take("lastCol");
-  // Bands are counted behind a header row or column.
+  // Bands are counted from after a header row or column.
   const std::uint32_t bandRow = row - (on("firstRow") && row > 0 ? 1 : 0);
   const std::uint32_t bandColumn = column - (on("firstCol") && column > 0 ? 1 : 0);
   if (on("bandRow") && !top && !bottom) take(bandRow % 2 == 0 ? "band1H" : "band2H");

@@ -67,7 +67,7 @@ std::string ElementText(pugi::xml_node node) {
 }
 
 // The declarations are found as text, which is far cheaper than visiting every attribute. What
-// only looks like one can at worst make the names ambiguous, and then each is resolved for itself.
+// merely looks like one can at worst make the names ambiguous, and then each is resolved by itself.
 XmlNames::XmlNames(std::string_view bytes) {
   std::size_t at = 0;
   while ((at = bytes.find(kDeclaration, at)) != std::string_view::npos) {
@@ -149,7 +149,7 @@ bool XmlNames::Is(pugi::xml_node node, XmlNamespace space, const char* local) co
   if (ambiguous_ || space == XmlNamespace::kOther) {
     return std::strcmp(LocalName(name), local) == 0 && SpaceOf(node) == space;
   }
-  // The whole name is compared at once: it is looked for far more often than found.
+  // The whole name is compared at once: most look-ups find nothing.
   for (const Binding& binding : bindings_) {
     if (binding.space != space) continue;
     const std::size_t size = binding.qualifier.size();

@@ -11,11 +11,11 @@
 
 namespace quillmarch::host::deck {
 
-// Numbers out of a file: anything that is no plain decimal, or out of range, gives `otherwise`.
+// Numbers from a file: anything but a plain decimal within range gives `otherwise`.
 std::int64_t WholeAttribute(pugi::xml_node node, const char* name, std::int64_t otherwise);
 // A share in thousandths of a per cent ("92500"), or as strict files write it ("92.5%").
 std::int64_t PercentAttribute(pugi::xml_node node, const char* name, std::int64_t otherwise);
-// 1 or 0; -1 when the attribute is absent or no truth value.
+// 1 or 0; -1 when the attribute is absent or not a truth value.
 int FlagAttribute(pugi::xml_node node, const char* name);
 // The text of an element: all its character data, comments and the like left out.
 std::string ElementText(pugi::xml_node node);
@@ -43,7 +43,7 @@ class XmlNames {
     std::string uri;
     XmlNamespace space;
   };
-  // Whether the name stands under the binding, not knowing of other places.
+  // Whether the name has the binding's prefix, ignoring other bindings of that prefix.
   static bool Bears(const Binding& binding, const char* qualified);
   XmlNamespace SpaceOfPrefix(pugi::xml_node node, std::string_view prefix) const;
 
@@ -53,7 +53,7 @@ class XmlNames {
   bool ambiguous_ = false;
 };
 
-// The local name: what stands behind the prefix.
+// The local name: what follows the prefix.
 const char* LocalName(const char* qualified);
 // The prefix with its colon ("a:"), or an empty text.
 std::string_view PrefixWithColon(const char* qualified);

@@ -4,7 +4,7 @@
 
 #include "foundation/automation/Automation.h"
 #include "foundation/automation/HostId.h"
-#include "host/driver/IdleHands.h"
+#include "host/driver/UnattendedInput.h"
 #include "host/layout/DesktopFonts.h"
 #include "pane/HandOver.h"
 
@@ -24,9 +24,9 @@ WindowContext ContextOf(AutomationObject* window) {
 }
 
 // A pane may outlive its host, so these outlive every pane.
-InputState& Hands() {
-  static IdleHands hands;
-  return hands;
+InputState& Input() {
+  static UnattendedInput input;
+  return input;
 }
 FontList& Fonts() {
   static DesktopFonts fonts;
@@ -46,7 +46,7 @@ HostedPane::HostedPane(ObjectRef application, HostThread& thread, std::shared_pt
   block.app = std::move(application);
   block.paneId = panesMade++;
   addin::PaneSurroundings surroundings{.thread = thread,
-                                       .input = Hands(),
+                                       .input = Input(),
                                        .fonts = Fonts(),
                                        .observer = std::move(observer),
                                        .startWebView = {},

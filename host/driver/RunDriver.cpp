@@ -8,7 +8,7 @@ namespace quillmarch::host {
 
 struct RunDriver::Run {
   RunListener listener;
-  RunReport report;
+  DrivenRun report;
   bool recorded = false;   // the run handed over its record
   bool collected = false;  // its first event, or its end, has come
   PhaseMeter meter;

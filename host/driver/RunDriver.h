@@ -15,7 +15,7 @@
 
 namespace quillmarch::host {
 
-struct RunReport {
+struct DrivenRun {
   addin::RunRecord record;
   Wide errorCode;       // of a failed run
   Wide errorMessage;    // of a failed run, as the run says it
@@ -28,7 +28,7 @@ struct RunListener {
   std::function<void(const PageCall&)> onEvent;
   // Once for each run, behind its last event; the driver is free for the next run by then. The
   // report is good during the call only.
-  std::function<void(const RunReport&)> onEnded;
+  std::function<void(const DrivenRun&)> onEnded;
 };
 
 class RunDriver {

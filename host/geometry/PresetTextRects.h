@@ -1,4 +1,4 @@
-// Where text stands inside the shapes that the file format names, and the common ones of them.
+// Where text goes inside the preset shapes that the file format names; here the common ones.
 #pragma once
 
 #include <pugixml.hpp>

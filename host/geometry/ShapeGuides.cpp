@@ -21,7 +21,7 @@ std::optional<double> Number(std::string_view word) {
   return value;
 }
 
-// `whole` divided by the number behind `prefix`: "wd2" is half the width.
+// `whole` divided by the number after `prefix`: "wd2" is half the width.
 std::optional<double> Fraction(std::string_view word, std::string_view prefix, double whole) {
   if (!word.starts_with(prefix)) return std::nullopt;
   const std::optional<double> by = Number(word.substr(prefix.size()));

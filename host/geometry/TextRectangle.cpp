@@ -14,7 +14,7 @@ constexpr XmlNamespace kA = XmlNamespace::kDrawing;
 constexpr XmlNamespace kP = XmlNamespace::kPresentation;
 constexpr double kEmuPerPoint = 12700.0;
 
-// The rectangle that a shape with an outline of its own names; nothing when it names none.
+// The text rectangle that a custom outline names; nothing when it names none.
 std::optional<PresetEdges> OwnRect(const deck::XmlNames& names, pugi::xml_node custom, double width,
                                    double height) {
   const pugi::xml_node rectangle = names.Child(custom, kA, "rect");

@@ -1,4 +1,4 @@
-// Where the text of a shape stands inside the shape's own box.
+// Where the text of a shape goes inside the shape's own box.
 #pragma once
 
 #include <pugixml.hpp>

@@ -86,7 +86,7 @@ PresetEdges Sun(const Geometry& g) {
 PresetEdges Moon(const Geometry& g) {
   const double thick = g.Adjust("adj", 0.5, 0.875);
   const double left = thick * kCorner;
-  // Half the height of the circle's chord that stands there.
+  // Half the height of the circle's chord at that place.
   const double chord = std::sqrt(1.0 - (1.0 - left) * (1.0 - left));
   return {g.width * left, g.height * (1.0 - chord) / 2.0, g.width * thick,
           g.height * (1.0 + chord) / 2.0};
@@ -177,7 +177,7 @@ PresetEdges BracePair(const Geometry& g) {
   return {side, side, g.width - side, g.height - bow * kCorner};
 }
 
-// A ribbon whose middle hangs down; the text stands on its front.
+// A ribbon whose middle hangs down; the text is on its front.
 PresetEdges HangingRibbon(const Geometry& g) {
   const double fold = g.Adjust("adj1", 0.25, 1.0);
   const double front = std::max(0.25, g.Adjust("adj2", 0.5, 0.75));

@@ -1,4 +1,4 @@
-// Where text stands inside shapes that few slides show: arrows with several heads, brackets, signs.
+// Where text goes inside shapes that few slides show: arrows with several heads, brackets, signs.
 #pragma once
 
 #include <optional>

@@ -61,7 +61,7 @@ std::vector<FilledLine> FillLines(const ParagraphText& text, const std::vector<b
     lines.push_back(filler.Next(start, lines.empty()));
     start = lines.back().end;
   } while (start < text.text.size());
-  // Behind a line break at the end stands one more line, without text.
+  // After a line break at the end there is one more line, without text.
   if (!text.text.empty() && text.text.back() == u'\v') lines.push_back({start, start, false});
   return lines;
 }

@@ -11,7 +11,7 @@ namespace quillmarch::host::layout {
 
 struct FilledLine {
   std::size_t start = 0;
-  std::size_t end = 0;   // behind the blanks that hang and the line break
+  std::size_t end = 0;   // after the hanging spaces and the line break
   bool wrapped = false;  // the text goes on because the line was full
 };
 

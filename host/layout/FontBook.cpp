@@ -67,7 +67,7 @@ struct FontBook::Candidates {
 };
 
 bool FontFace::Shows(char32_t character) const {
-  // The character behind a mark, so that an empty slot is no answer, in front of the answer.
+  // The character with a mark, so that an empty slot is not an answer, above the answer.
   constexpr std::uint32_t kAsked = 1u << 31;
   std::uint32_t& slot = asked_[character % asked_.size()];
   const std::uint32_t key = kAsked | static_cast<std::uint32_t>(character) << 1;
@@ -180,7 +180,7 @@ const FontFace& FontBook::Choose(const Candidates& candidates, char32_t characte
 }
 
 bool FontBook::Has(const std::string& family) {
-  // A family that nothing stands for ends at the same face as a name that no font has.
+  // A family without a substitute ends at the same face as a name that no font has.
   FontWish wish{family, "en", false, false};
   const FontFace& face = Find(wish);
   auto same = [](const std::string& left, const std::string& right) {
@@ -190,7 +190,7 @@ bool FontBook::Has(const std::string& family) {
   Pattern pattern(FcPatternCreate());
   FcPatternAddString(pattern.get(), FC_FAMILY, Bytes(family));
   FcConfigSubstitute(Config(), pattern.get(), FcMatchPattern);
-  // Replacements of equal metrics are bound as strongly as the name itself and stand right behind
+  // Replacements of equal metrics are bound as strongly as the name itself and come right after
   // it, generic families are bound weakly.
   FcValue value;
   FcValueBinding binding;

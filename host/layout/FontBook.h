@@ -1,4 +1,4 @@
-// The fonts of this machine: which face stands for a family name, and which one shows a character
+// The fonts of this machine: which face serves a family name, and which one shows a character
 // that the named one lacks. Fontconfig decides, metric-compatible replacements included.
 #pragma once
 
@@ -56,7 +56,7 @@ class FontBook {
   FontBook(const FontBook&) = delete;
   FontBook& operator=(const FontBook&) = delete;
 
-  // Begins reading what fonts there are on a thread of its own, for the first question to find it
+  // Begins listing the fonts on a thread of its own, for the first question to find it
   // done. Without it, that question reads them.
   void ReadAhead();
 
@@ -66,7 +66,7 @@ class FontBook {
   // The first face that shows the character, in the order of likeness to the wish; the wished one
   // itself when none does.
   const FontFace& FindFor(const FontWish& wish, char32_t character);
-  // Whether the family, or one that stands for it with the same metrics, is installed.
+  // Whether the family, or a substitute with the same metrics, is installed.
   bool Has(const std::string& family);
 
  private:

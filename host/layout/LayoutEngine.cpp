@@ -151,7 +151,7 @@ class Layouter {
     }
     unit_ += text.text.size();
     if (!lines.empty() && unit_ < out_.unitLeft.size()) {
-      // The paragraph's mark stands at the end of its last line and shows nothing.
+      // The paragraph's mark is at the end of its last line and shows nothing.
       const LaidLine& last = out_.lines.back();
       out_.unitLeft[unit_] = out_.unitRight[unit_] = static_cast<float>(last.left + last.width);
     }
@@ -173,7 +173,7 @@ class Layouter {
     while (piece < text.pieces.size() && text.pieces[piece].end <= filled.start) ++piece;
     bool measured = false;
     for (std::size_t i = piece; i < text.pieces.size() && text.pieces[i].start < filled.end; ++i) {
-      // A line break's own font counts only where nothing else stands in the line.
+      // A line break's own font counts only where nothing else is in the line.
       if (text.pieces[i].kind == TextPiece::Kind::kLineBreak && measured) continue;
       ascent = std::max(ascent, text.pieces[i].ascent);
       descent = std::max(descent, text.pieces[i].descent);

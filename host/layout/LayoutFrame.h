@@ -10,7 +10,7 @@ namespace quillmarch::host::layout {
 
 enum class Caps : std::uint8_t { kNone, kSmall, kAll };
 
-// Which one a character takes is decided by its script. An empty name stands for a default.
+// Which one a character takes is decided by its script. An empty name means the default.
 struct RunFonts {
   std::string latin, eastAsian, complexScript, symbol;
   friend bool operator==(const RunFonts&, const RunFonts&) = default;
@@ -21,7 +21,7 @@ struct LayoutRun {
   RunFonts fonts;
   std::string language;  // BCP 47, may be empty; it only chooses among fallback fonts
   double size = 18.0;
-  double spacing = 0.0;   // added behind each character
+  double spacing = 0.0;   // added after each character
   double baseline = 0.0;  // share of the size that the text is raised by; negative lowers it
   bool bold = false;
   bool italic = false;
@@ -59,7 +59,7 @@ struct LayoutParagraph {
   LayoutRun mark;  // its format gives an empty paragraph its height; its text does not count
   Alignment alignment = Alignment::kLeft;  // left and right as seen, right to left as well
   bool rightToLeft = false;
-  bool hangingPunctuation = true;  // East Asian stops may stand beyond the edge
+  bool hangingPunctuation = true;  // East Asian stops may hang over the edge
   double marginStart = 0.0;        // on the side where lines begin
   double marginEnd = 0.0;
   double indent = 0.0;  // of the first line, from marginStart; negative hangs
@@ -73,10 +73,10 @@ struct LayoutParagraph {
 enum class Anchor : std::uint8_t { kTop, kMiddle, kBottom };
 enum class Direction : std::uint8_t {
   kHorizontal,
-  kClockwise,         // turned by 90 degrees: lines run down, the next one stands to the left
-  kCounterclockwise,  // turned by 270 degrees: lines run up, the next one stands to the right
+  kClockwise,         // turned by 90 degrees: lines run down, the next one is to the left
+  kCounterclockwise,  // turned by 270 degrees: lines run up, the next one is to the right
   kEastAsian,         // as kClockwise, East Asian characters upright
-  kMongolian,         // as kEastAsian, the next line stands to the right
+  kMongolian,         // as kEastAsian, the next line is to the right
   kStacked            // one upright character below the other, lines from left to right
 };
 enum class Autofit : std::uint8_t { kNone, kShapeToText, kTextToShape };
@@ -88,12 +88,12 @@ enum class LineHeight : std::uint8_t {
 };
 
 struct LayoutFrame {
-  double width = 0.0;  // the whole frame, insets included, as it stands on the slide unrotated
+  double width = 0.0;  // the whole frame, insets included, unrotated
   double height = 0.0;
   double insetLeft = 7.2, insetTop = 3.6, insetRight = 7.2, insetBottom = 3.6;
   bool wrap = true;
   Anchor anchor = Anchor::kTop;
-  bool anchorCenter = false;  // the block of lines stands in the middle between the sides
+  bool anchorCenter = false;  // the block of lines is centred between the sides
   int columns = 1;
   double columnSpacing = 0.0;
   Direction direction = Direction::kHorizontal;

@@ -1,4 +1,4 @@
-// A frame's text as laid out: lines, and where each unit of the text stands.
+// A frame's text as laid out: lines, and where each unit of the text is.
 // Positions are 0-based UTF-16 units of the paragraphs' texts with one unit (CR) between them.
 #pragma once
 
@@ -23,10 +23,10 @@ struct Box {
 struct LaidLine {
   std::size_t paragraph = 0;
   std::size_t start = 0;
-  std::size_t length = 0;  // with blanks that hang over the edge and a line break, without CR
+  std::size_t length = 0;  // with spaces that hang over the edge and a line break, without CR
   int column = 0;
   double left = 0.0;   // of the first character seen, a bullet left aside
-  double width = 0.0;  // up to the last character seen; blanks at a wrapped end do not count
+  double width = 0.0;  // up to the last character seen; spaces at a wrapped end do not count
   double top = 0.0;
   double height = 0.0;  // as spaced
   double ascent = 0.0;  // from `top` to the base line
@@ -43,8 +43,8 @@ class LayoutResult {
   double neededWidth = 0.0;
 
   // The smallest box around the lines' pieces in the range. An empty range gives a box without
-  // width at its place. Ranges beyond the end are held to it. `toTheEnd` takes an empty last line
-  // along, which no unit stands in.
+  // width at its place. Ranges beyond the end are held to it. `toTheEnd` includes an empty last
+  // line, which holds no unit.
   Box Bounds(std::size_t start, std::size_t length, bool toTheEnd = false) const;
   // The box of the whole text.
   Box Bounds() const { return Bounds(0, length, true); }
@@ -56,7 +56,7 @@ class LayoutResult {
   // show nothing. The second and later units of a cluster repeat its end.
   std::vector<float> unitLeft, unitRight;
 
-  // How the text area stands in the frame.
+  // Where the text area is in the frame.
   double originLeft = 0.0;  // of the area inside the insets, along the lines
   double originTop = 0.0;
   double frameWidth = 0.0;

@@ -195,7 +195,7 @@ class Apart {
     return format;
   }
 
-  // Looked up anew only where run, slot or script change: names are compared by their letters.
+  // Looked up again only where run, slot or script change: comparing names is slow.
   const FontFace& Wished(const LayoutRun& run) {
     if (wishedFace_ && wishRun_ == &run && wishSlot_ == slot_ && wishScript_ == script_) {
       return *wishedFace_;
@@ -213,7 +213,7 @@ class Apart {
 
   const FontFace* FaceFor(const LayoutRun& run, char32_t character) {
     Wished(run);
-    // Fonts without a no-break space show their blank.
+    // Fonts without a no-break space show their space.
     if (wishedFace_->Shows(character == kNoBreakSpace ? U' ' : character)) return wishedFace_;
     return &fonts_.book.FindFor(wish_, character);
   }
@@ -256,11 +256,11 @@ class Apart {
     shape.rightToLeft = piece.level % 2 == 1;
     shape.upright = format.upright;
     shape.kerning = format.run->kerning;
-    // Letters that stand apart do not join.
+    // Letters that are spaced do not join.
     shape.ligatures = format.run->spacing == 0.0;
     std::u16string_view text = out_.text;
     for (std::size_t at = piece.start; at < piece.end;) {
-      // A word ends before its blanks, and the blanks are one more: so words meet again.
+      // A word ends before its spaces, and the spaces are one more: so words are found again.
       bool blank = text[at] == u' ';
       std::size_t end = at + 1;
       while (end < piece.end && (text[end] == u' ') == blank) ++end;

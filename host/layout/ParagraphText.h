@@ -26,7 +26,7 @@ struct TextPiece {
 struct ParagraphText {
   std::u16string text;
   std::vector<TextPiece> pieces;  // cover the text in order
-  std::vector<float> advances;    // points; 0 for units behind the first of their cluster
+  std::vector<float> advances;    // points; 0 for units after the first of their cluster
   std::vector<bool> clusterStart;
   std::uint8_t level = 0;  // of the paragraph
   bool turns = false;      // some level differs from the paragraph's

@@ -150,13 +150,13 @@ class Placer {
     return {place, width, end};
   }
 
-  // Stretches the blanks of a wrapped line up to the edge; returns the new width.
+  // Stretches the spaces of a wrapped line up to the edge; returns the new width.
   double Justify(double end, double width) {
     double slack = wish_.end - end;
     std::vector<std::size_t> units;
     std::size_t blanks = 0;
     for (std::size_t i = line_.start; i < seenEnd_; ++i) {
-      // Text behind a tab stands where the tab leads.
+      // Text after a tab goes where the tab leads.
       if (text_.text[i] == u'\t') return width;
       if (text_.text[i] == u' ') ++blanks;
       units.push_back(i);

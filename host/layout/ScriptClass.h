@@ -24,7 +24,7 @@ bool StaysWithPrevious(char32_t character);
 bool MayTurn(char16_t unit);
 // Blanks that hang over the edge at a line's end.
 bool IsHangingBlank(char16_t unit);
-// East Asian stops that may stand beyond the edge.
+// East Asian stops that may hang over the edge.
 bool IsHangingStop(char16_t unit);
 // Stands upright in a vertical line of East Asian text.
 bool IsUpright(char32_t character);

@@ -6,7 +6,7 @@
 namespace quillmarch::host::layout {
 namespace {
 
-// A stop this near is where the text already stands.
+// A stop this near is where the text already is.
 constexpr double kNearestStop = 0.01;
 constexpr double kStandardTab = 72.0;
 
@@ -24,7 +24,7 @@ TabStop TabPlan::Next(double position) const {
       break;
     }
   }
-  // The place where hanging lines begin is a stop of its own.
+  // The place where hanging lines begin is a stop too.
   double hanging = paragraph_.marginStart;
   if (paragraph_.indent < 0.0 && hanging > position + kNearestStop && hanging < next.position) {
     next = {hanging, TabAlignment::kLeft};

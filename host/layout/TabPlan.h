@@ -8,7 +8,7 @@ namespace quillmarch::host::layout {
 class TabPlan {
  public:
   TabPlan(const LayoutParagraph& paragraph, double defaultTab);
-  // The next stop behind `position`.
+  // The next stop after `position`.
   TabStop Next(double position) const;
 
  private:
@@ -16,7 +16,7 @@ class TabPlan {
   double defaultTab_;
 };
 
-// Where text ends while it is put behind a tab, bit by bit.
+// Where text ends while it is placed after a tab, bit by bit.
 class LineCursor {
  public:
   LineCursor(const TabPlan& tabs, double start) : tabs_(tabs), base_(start) {}
@@ -25,13 +25,13 @@ class LineCursor {
   void Add(double advance, bool isPoint = false);
   // The end of the text so far.
   double End() const { return Begin() + width_; }
-  // Where the text behind the last tab begins.
+  // Where the text after the last tab begins.
   double Begin() const;
 
  private:
   const TabPlan& tabs_;
   double base_;         // end of the text before the last tab
-  double width_ = 0.0;  // of the text behind it
+  double width_ = 0.0;  // of the text after it
   double beforePoint_ = 0.0;
   bool pointSeen_ = false;
   TabStop stop_;

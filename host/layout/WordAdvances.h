@@ -20,7 +20,7 @@ namespace layout {
 struct WordShape {
   std::uint32_t script = 0;  // ISO 15924, as HarfBuzz packs it
   bool rightToLeft = false;
-  bool upright = false;  // for characters that stand upright in a vertical line
+  bool upright = false;  // for characters that are upright in a vertical line
   bool kerning = true;
   bool ligatures = true;
 };

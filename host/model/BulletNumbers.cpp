@@ -8,7 +8,7 @@
 namespace quillmarch::host::model {
 namespace {
 
-// Past this Roman numbers are no numbers any more.
+// There are no Roman numerals beyond this.
 constexpr std::int32_t kMostRoman = 3999;
 constexpr std::int32_t kLetters = 26;
 

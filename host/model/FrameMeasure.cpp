@@ -36,7 +36,7 @@ double ShareAtBegin(const layout::LayoutFrame& frame, bool along) {
     double share = frame.anchor == layout::Anchor::kTop      ? 0.0
                    : frame.anchor == layout::Anchor::kMiddle ? 0.5
                                                              : 1.0;
-    // Turned clockwise, the first line stands at the right.
+    // Turned clockwise, the first line is at the right.
     const bool fromRight = frame.direction == layout::Direction::kClockwise ||
                            frame.direction == layout::Direction::kEastAsian;
     return fromRight ? 1.0 - share : share;

@@ -19,12 +19,12 @@ class FrameMeasure {
   FrameMeasure(const FrameMeasure&) = delete;
   FrameMeasure& operator=(const FrameMeasure&) = delete;
 
-  // Begins what the first measuring takes long for on a thread of its own.
+  // Begins the slow part of the first measuring on a thread of its own.
   void Prepare() { Layout().ReadFontsAhead(); }
 
   // The box of a range of the text in slide coordinates, of the unrotated shape, after the frame
-  // was fitted; `toTheEnd` counts an empty last paragraph in. Laid out anew only when the text, its
-  // format or the frame has changed. False when there is no text body.
+  // was fitted; `toTheEnd` also counts an empty last paragraph. Laid out again only when the text,
+  // its format or the frame has changed. False when there is no text body.
   bool Bounds(deck::Deck& deck, const deck::ShapeAddress& address, deck::TextSpan span,
               bool toTheEnd, deck::ShapeBox& out);
 

@@ -2,6 +2,7 @@
 
 #include "host/model/HostState.h"
 #include "host/model/objects/ApplicationObjects.h"
+#include "host/package/ContentTypes.h"
 
 namespace quillmarch::host {
 
@@ -42,6 +43,27 @@ Result<void> Host::Save(const std::string& path) {
   const model::OpenDeck* const open = state_->session->Active();
   if (open != nullptr) return open->deck->Save(path);
   return Error{ErrorCode::kNotFound, "No presentation is open."};
+}
+
+Result<std::string> Host::SaveBytes() {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open != nullptr) return open->deck->SaveBytes();
+  return Error{ErrorCode::kNotFound, "No presentation is open."};
+}
+
+std::string Host::ContentType() const {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open == nullptr) return {};
+  return open->deck->package().ContentType(open->deck->PresentationPart());
+}
+
+void Host::PutContentType(const std::string& type) {
+  const model::OpenDeck* const open = state_->session->Active();
+  if (open == nullptr || ContentType() == type) return;
+  Package& package = open->deck->package();
+  const Result<std::string> types = package.ReadXmlPart(kContentTypesPart);
+  if (!types) return;
+  package.PutPart(kContentTypesPart, WithContentType(*types, open->deck->PresentationPart(), type));
 }
 
 bool Host::Edited() const {

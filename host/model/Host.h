@@ -45,10 +45,15 @@ class Host {
   // needs and is missing or broken is an error; a missing leaf (picture, workbook, sound) is a
   // sentence in `warnings`.
   Result<void> Open(const std::string& path, std::vector<std::string>& warnings);
-  // Tells that texts will be measured, so that reading the machine's fonts can begin meanwhile.
+  // Announces that texts will be measured, so that the machine's fonts can be read in advance.
   void ExpectMeasuring();
   // Saves the deck of the active window; nothing that was not edited changes.
   Result<void> Save(const std::string& path);
+  // The bytes that Save would write.
+  Result<std::string> SaveBytes();
+  // Which kind of presentation it is, by its main part's content type; and makes it another kind.
+  std::string ContentType() const;
+  void PutContentType(const std::string& type);
   bool Edited() const;
   std::int32_t SlideCount() const;
   // Shows a slide (1-based) in the active window, as a user would before a one-slide run.

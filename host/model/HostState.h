@@ -1,4 +1,4 @@
-// What is behind a Host; for its own sources.
+// What a Host owns; only for its own sources.
 #pragma once
 
 #include <memory>

@@ -8,7 +8,7 @@ namespace quillmarch::host::model {
 
 // By how much the text is turned within its shape: radians, clockwise.
 double TextTurn(deck::Deck& deck, const deck::ShapeAddress& address);
-// Where the text of a shape or cell may stand, insets included, in slide coordinates, before shape
+// Where the text of a shape or cell may be, insets included, in slide coordinates, before shape
 // and text are turned.
 deck::ShapeBox TextArea(deck::Deck& deck, const deck::ShapeAddress& address);
 

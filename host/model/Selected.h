@@ -11,7 +11,7 @@ namespace quillmarch::host::model {
 // The host's numbers.
 enum class SelectionType : std::int32_t { kNone = 0, kSlides = 1, kShapes = 2, kText = 3 };
 
-// The fields of the type alone count.
+// Only the fields of the type count.
 struct Selected {
   SelectionType type = SelectionType::kNone;
   std::vector<std::uint32_t> slides;     // 0-based, in the order of selection

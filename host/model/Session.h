@@ -24,11 +24,11 @@ struct OpenDeck {
   std::uint32_t shown = 0;  // the slide in view, 0-based
   std::int32_t window = 0;  // its handle, never 0
   // Of a host that keeps the autosize of its two text frames apart: the first one's, by slide and
-  // shape, where it was put or left behind by the second one. The file holds the second one's.
+  // shape, where it was set, or where the second one left it. The file holds the second one's.
   std::map<std::pair<std::uint32_t, std::uint32_t>, std::int32_t> firstAutoSizes;
   Selected selected;
 
-  // What is selected lies on the slide in view, so going to another one lets go of it.
+  // The selection is on the slide in view, so going to another slide clears it.
   void Show(std::uint32_t slide) {
     if (slide != shown) selected = {};
     shown = slide;

@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -13,6 +14,7 @@
 #include "host/package/OutputFile.h"
 #include "host/package/PartName.h"
 #include "host/package/Relationships.h"
+#include "host/package/xml/Splice.h"
 #include "host/package/xml/Utf16Xml.h"
 #include "host/package/xml/XmlCheck.h"
 #include "host/package/zip/CompoundFile.h"
@@ -42,7 +44,7 @@ class ZipPackage final : public Package {
   std::string Load(const std::string& path);
   std::string LoadBytes(std::string_view bytes);
 
-  bool HasPart(std::string_view name) const override { return Find(name) != nullptr; }
+  bool HasPart(std::string_view name) const override { return Find(name).has_value(); }
   std::vector<std::string> PartNames() const override;
   Result<std::string> ReadPart(std::string_view name) override;
   Result<std::string> ReadXmlPart(std::string_view name) override;
@@ -51,13 +53,18 @@ class ZipPackage final : public Package {
   void PutPart(std::string_view name, std::string bytes) override;
   void PutPartLater(std::string_view name, std::size_t weight,
                     std::function<std::string()> make) override;
+  Result<void> AddPart(std::string_view name, std::string_view contentType,
+                       std::string bytes) override;
+  Result<void> RemovePart(std::string_view name) override;
   bool Edited() override;
   Result<void> Save(const std::string& path) override;
   Result<std::string> SaveBytes() override;
 
  private:
   std::string LoadOpened();
-  const std::size_t* Find(std::string_view name) const;
+  std::optional<std::size_t> Find(std::string_view name) const;
+  bool IsAdded(std::size_t entry) const { return entry >= archive_.Entries().size(); }
+  const std::string& NameOf(std::size_t entry) const;
   std::string CheckEntries();
   std::string CheckBomb(const ZipEntry& entry, std::string_view key) const;
   std::string Bytes(std::size_t entry, std::uint64_t limit, std::string& bytes);
@@ -70,11 +77,14 @@ class ZipPackage final : public Package {
   FileState expected_;  // what is at the path, as long as only this package writes there
   InputFile file_;
   ZipArchive archive_;
-  std::unordered_map<std::string, std::size_t> parts_;  // entry by PartKey
+  std::unordered_map<std::string, std::size_t> parts_;  // entry by PartKey, added ones after all
+  std::vector<std::string> added_;                      // names; a removed one is empty
+  std::set<std::size_t> removed_;                       // of the archive's own entries
   ContentTypes types_;
   std::string putFault_;
-  // Guards both below against reads by other threads; the owner's own thread alone changes edits.
-  std::mutex mutex_;
+  // Guards the parts and both below against reads by other threads; only the owner's own thread
+  // changes them.
+  mutable std::mutex mutex_;
   std::unordered_map<std::size_t, XmlForm> utf16_;  // of the entries that were given as UTF-8
   std::map<std::size_t, std::shared_ptr<PackingJob>> edits_;
   // The last member: its thread makes parts, and looks at the archive for it.
@@ -146,15 +156,24 @@ std::string ZipPackage::CheckEntries() {
   return {};
 }
 
-const std::size_t* ZipPackage::Find(std::string_view name) const {
-  const auto found = parts_.find(PartKey(name));
-  return found == parts_.end() ? nullptr : &found->second;
+std::optional<std::size_t> ZipPackage::Find(std::string_view name) const {
+  const std::string key = PartKey(name);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const auto found = parts_.find(key);
+  if (found == parts_.end()) return std::nullopt;
+  return found->second;
+}
+
+const std::string& ZipPackage::NameOf(std::size_t entry) const {
+  const std::size_t original = archive_.Entries().size();
+  return entry < original ? archive_.Entries()[entry].name : added_[entry - original];
 }
 
 std::vector<std::string> ZipPackage::PartNames() const {
   std::vector<std::string> names;
-  for (const ZipEntry& entry : archive_.Entries()) {
-    if (!entry.name.ends_with('/')) names.push_back(entry.name);
+  for (std::size_t i = 0; i < archive_.Entries().size() + added_.size(); ++i) {
+    const std::string& name = NameOf(i);
+    if (!name.empty() && !name.ends_with('/') && !removed_.contains(i)) names.push_back(name);
   }
   return names;
 }
@@ -178,8 +197,8 @@ std::string ZipPackage::Bytes(std::size_t entry, std::uint64_t limit, std::strin
 }
 
 Result<std::string> ZipPackage::ReadPart(std::string_view name) {
-  const std::size_t* const entry = Find(name);
-  if (entry == nullptr) return Missing(name);
+  const std::optional<std::size_t> entry = Find(name);
+  if (!entry) return Missing(name);
   std::string bytes;
   const std::string why = Bytes(*entry, limits_.maxPartBytes, bytes);
   if (!why.empty()) return Error{ErrorCode::kDamaged, PartSentence(name, why)};
@@ -187,8 +206,8 @@ Result<std::string> ZipPackage::ReadPart(std::string_view name) {
 }
 
 Result<std::string> ZipPackage::ReadXmlPart(std::string_view name) {
-  const std::size_t* const entry = Find(name);
-  if (entry == nullptr) return Missing(name);
+  const std::optional<std::size_t> entry = Find(name);
+  if (!entry) return Missing(name);
   std::string bytes;
   const std::string why = Bytes(*entry, limits_.maxXmlBytes, bytes);
   if (!why.empty()) return Error{ErrorCode::kDamaged, PartSentence(name, why)};
@@ -226,6 +245,7 @@ Result<std::vector<Relationship>> ZipPackage::Relationships(std::string_view nam
 }
 
 bool ZipPackage::IsOriginal(std::size_t entry, const PartBytes& part) {
+  if (IsAdded(entry)) return false;
   const ZipEntry& original = archive_.Entries()[entry];
   if (original.crc != part.crc || original.size != part.bytes.size()) return false;
   std::string now;
@@ -240,8 +260,8 @@ void ZipPackage::PutPart(std::string_view name, std::string bytes) {
 
 void ZipPackage::PutPartLater(std::string_view name, std::size_t weight,
                               std::function<std::string()> make) {
-  const std::size_t* const entry = Find(name);
-  if (entry == nullptr) {
+  const std::optional<std::size_t> entry = Find(name);
+  if (!entry) {
     if (putFault_.empty()) putFault_ = "The part " + std::string(name) + " is missing.";
     return;
   }
@@ -264,8 +284,53 @@ void ZipPackage::PutPartLater(std::string_view name, std::size_t weight,
   edits_.insert_or_assign(*entry, std::move(job));
 }
 
+Result<void> ZipPackage::AddPart(std::string_view name, std::string_view contentType,
+                                 std::string bytes) {
+  if (!EntryNameFault(name).empty() || name.ends_with('/')) {
+    return Error{ErrorCode::kInvalidArgument,
+                 "The part name \"" + Printable(name) + "\" cannot be used."};
+  }
+  if (HasPart(name)) {
+    return Error{ErrorCode::kExists, "There is a part " + std::string(name) + " already."};
+  }
+  if (PartNames().size() >= limits_.maxEntries) {
+    return Error{ErrorCode::kTooLarge, "The file cannot hold more parts."};
+  }
+  Result<std::string> types = ReadXmlPart(kContentTypesPart);
+  if (!types) return std::move(types).error();
+  const std::vector<Edit> edits = types_.Adding(*types, name, contentType);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    parts_.emplace(PartKey(name), archive_.Entries().size() + added_.size());
+    added_.emplace_back(name);
+  }
+  if (!edits.empty()) PutPart(kContentTypesPart, ApplyEdits(*types, edits));
+  PutPart(name, std::move(bytes));
+  return {};
+}
+
+Result<void> ZipPackage::RemovePart(std::string_view name) {
+  const std::optional<std::size_t> entry = Find(name);
+  if (!entry) return Missing(name);
+  Result<std::string> types = ReadXmlPart(kContentTypesPart);
+  if (!types) return std::move(types).error();
+  const std::vector<Edit> edits = types_.Removing(*types, name);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    parts_.erase(PartKey(name));
+    edits_.erase(*entry);
+    if (IsAdded(*entry)) {
+      added_[*entry - archive_.Entries().size()].clear();
+    } else {
+      removed_.insert(*entry);
+    }
+  }
+  if (!edits.empty()) PutPart(kContentTypesPart, ApplyEdits(*types, edits));
+  return {};
+}
+
 bool ZipPackage::Edited() {
-  return std::any_of(edits_.begin(), edits_.end(), [this](const auto& edit) {
+  return !removed_.empty() || std::any_of(edits_.begin(), edits_.end(), [this](const auto& edit) {
     return !compressor_.Wait(edit.second) || !edit.second->original;
   });
 }
@@ -284,14 +349,19 @@ std::string ZipPackage::WriteTo(OutputFile& output) {
     output.CopyFrom(file_, 0, file_.Size(), 0);
     return output.Failure();
   }
-  std::vector<ZipReplacement> replacements;
+  ZipChanges changes;
+  changes.removed = removed_;
   for (const auto& [entry, job] : edits_) {
     if (!compressor_.Wait(job)) {
-      return "There is not enough memory to write the part " + archive_.Entries()[entry].name + ".";
+      return "There is not enough memory to write the part " + NameOf(entry) + ".";
     }
-    if (!job->original) replacements.push_back({entry, &job->packed});
+    if (IsAdded(entry)) {
+      changes.added.push_back({NameOf(entry), &job->packed});
+    } else if (!job->original) {
+      changes.replaced.push_back({entry, &job->packed});
+    }
   }
-  return archive_.Write(replacements, output);
+  return archive_.Write(changes, output);
 }
 
 Result<void> ZipPackage::Save(const std::string& path) {

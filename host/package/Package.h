@@ -74,6 +74,14 @@ class Package {
   // about how many bytes of memory it holds until then.
   virtual void PutPartLater(std::string_view name, std::size_t weight,
                             std::function<std::string()> make) = 0;
+  // Adds a part at the archive's end, and its content type to the list of content types unless the
+  // type that its extension has there is the same. An error, and nothing changed, when there is a
+  // part of that name or the name cannot be one.
+  virtual Result<void> AddPart(std::string_view name, std::string_view contentType,
+                               std::string bytes) = 0;
+  // Removes a part with its entry in the list of content types. Its relationships are a part of
+  // their own, and relationships that lead to it are the caller's. An error when it is not there.
+  virtual Result<void> RemovePart(std::string_view name) = 0;
   // Waits for what was put, as bytes that turn out to be the original's are no edit.
   virtual bool Edited() = 0;
 

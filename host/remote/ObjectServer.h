@@ -11,11 +11,11 @@
 
 namespace quillmarch::host {
 
-// What a test makes go wrong with the calls of the objects behind the root; the root itself always
+// What a test makes go wrong with calls of the objects below the root; the root itself always
 // answers.
 struct ServerFaults {
   std::int64_t failAt = 0;  // counts down with each call; the one that brings it to 0 fails
-  std::int64_t more = 0;    // how many fail behind that one
+  std::int64_t more = 0;    // how many fail after that one
   ResultCode code = kFail;
   bool refuseNames = false;  // no name is found
   bool refuseTypes = false;  // no published interface is answered to

@@ -5,7 +5,7 @@
 //   OpenToo(path)             one more deck in that host, in the active window; true when it opened
 //   Error                     the sentence of the last failure
 //   Save(path)                true when the deck was saved
-//   Close                     lets go of the host; what was handed out of it lives on
+//   Close                     releases the host; objects handed out stay valid
 //   ShowSlide(index)          shows a slide in the active window
 //   SelectShape(slide, index) selects a shape of a slide; both count from 1
 //   Edited                    whether the deck was changed
@@ -14,7 +14,7 @@
 //   LiveReferences            what the remote program holds, this object's own reference included
 //   FailCall(number, code[, more])
 //                             of the calls from now on, the one of that number fails, and as many
-//                             more behind it
+//                             more after it
 //   Refuse(names, types)      no name is found; no published interface is answered to
 #pragma once
 

@@ -12,7 +12,7 @@
 //   kQueryTyped   handle, IID (16 bytes)                           object
 //   kRelease      handle                                           none at all
 //
-// An object is its handle (64 bits, 0 for none), which stands for one reference, and its identity.
+// An object is its handle (64 bits, 0 for none), which represents one reference, and its identity.
 #pragma once
 
 #include <cstdint>

@@ -17,7 +17,7 @@ namespace quillmarch::host {
 
 namespace {
 
-// Whether a program has come; false when nobody needs this one any more.
+// Whether a program has connected; false when this one is no longer needed.
 bool WaitForProgram(int listener) {
   for (;;) {
     pollfd watched[] = {{listener, POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};

@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t kShortestPeriodMs = 10;
 
 // A worker posts more often than a thread can be woken for less than the posts cost. What it posts
-// sooner than this behind the last ones waits for the rest.
+// sooner than this after the last ones waits for the rest.
 constexpr std::chrono::microseconds kNapTime{500};
 
 constexpr std::uint64_t kNoLimit = std::numeric_limits<std::uint64_t>::max();
@@ -32,7 +32,7 @@ SteadyClock::time_point SteadyMoment(std::uint64_t ms) {
   return SteadyClock::time_point(std::chrono::milliseconds(static_cast<std::int64_t>(ms)));
 }
 
-// Moments outlive a loop, such as the quiet time behind a run's last write, so the next loop's
+// Moments outlive a loop, such as the quiet time after a run's last write, so the next loop's
 // clock goes on where the last one's stood.
 std::atomic<std::uint64_t> leaptBefore{0};
 

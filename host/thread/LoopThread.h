@@ -1,5 +1,5 @@
 // The host thread of the headless host: an event loop with posted calls, timers and a clock that
-// either keeps real time or leaps over every wait that nobody outside needs.
+// either keeps real time or skips every wait that nothing outside needs.
 #pragma once
 
 #include <atomic>
@@ -18,7 +18,7 @@ namespace quillmarch::host {
 
 enum class ClockMode {
   kPaced,    // real time, as a user would see it
-  kUnpaced,  // waits are leapt over while no outside work is under way
+  kUnpaced,  // waits are skipped while no outside work is under way
 };
 
 // The thread that constructs a LoopThread is the host thread. Unless a member says otherwise, it
@@ -31,7 +31,7 @@ class LoopThread final : public HostThread {
   LoopThread(const LoopThread&) = delete;
   LoopThread& operator=(const LoopThread&) = delete;
 
-  // Milliseconds of the machine's steady clock, plus every millisecond leapt over, by earlier loops
+  // Milliseconds of the machine's steady clock, plus every millisecond skipped, by earlier loops
   // of the process too. Any thread.
   std::uint64_t TickCount() override;
   void Sleep(std::uint32_t ms) override;

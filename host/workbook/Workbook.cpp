@@ -276,6 +276,46 @@ Wide Workbook::Formula(std::size_t sheet, CellPosition at) {
   return cell == nullptr ? Wide() : ToWide(part->Formula(*cell));
 }
 
+bool Workbook::ReadReference(WideView reference, bool visibleOnly, CellBlock& block) {
+  block = {};
+  const std::vector<SheetRange> areas = ParseReference(ToUtf8(reference));
+  std::size_t cells = 0;
+  for (const SheetRange& area : areas) {
+    cells += std::size_t{area.range.Rows()} * area.range.Columns();
+    if (cells > kMostBlockCells) return false;
+  }
+  for (const SheetRange& area : areas) {
+    const int found = area.sheet.empty() ? 0 : FindSheet(ToWide(area.sheet));
+    const auto sheet = static_cast<std::size_t>(found);
+    const SheetPart* const part = found < 0 || sheets_.empty() ? nullptr : Sheet(sheet);
+    if (part == nullptr) {
+      block = {};
+      return false;
+    }
+    std::uint32_t rows = 0;
+    std::uint32_t columns = 0;
+    for (std::uint32_t row = area.range.first.row; row <= area.range.last.row; ++row) {
+      if (visibleOnly && part->RowHidden(row)) continue;
+      columns = 0;
+      for (std::uint32_t column = area.range.first.column; column <= area.range.last.column;
+           ++column) {
+        if (visibleOnly && part->ColumnHidden(column)) continue;
+        const CellPosition at{row, column};
+        block.cells.push_back({Value(sheet, at), Text(sheet, at)});
+        ++columns;
+      }
+      ++rows;
+    }
+    block.rows = rows;
+    block.columns = columns;
+  }
+  if (areas.size() > 1) {
+    block.rows = static_cast<std::uint32_t>(block.cells.size());
+    block.columns = 1;
+  }
+  return !block.cells.empty();
+}
+
 void Workbook::RenameInNames(const std::string& table, const std::string& from,
                              const std::string& to) {
   std::vector<Edit> edits;

@@ -53,6 +53,20 @@ struct CellValue {
   Wide text;          // of a text or an error, such as "#N/A"
 };
 
+// The cells of a chart's reference, row by row; several areas as one column.
+struct CellBlock {
+  struct Cell {
+    CellValue value;
+    Wide text;  // as the cell shows it
+  };
+  std::uint32_t rows = 0;
+  std::uint32_t columns = 0;
+  std::vector<Cell> cells;
+};
+
+// No reference to more cells is read.
+inline constexpr std::size_t kMostBlockCells = 200000;
+
 class Workbook {
  public:
   // `bytes` is the .xlsx or .xlsm. A sentence says why it is refused: encrypted, in one of Excel's
@@ -80,6 +94,11 @@ class Workbook {
   bool HasFormula(std::size_t sheet, CellPosition at);
   // Without "="; empty for none, or where another cell's formula covers this one.
   Wide Formula(std::size_t sheet, CellPosition at);
+
+  // `reference` is one such as "Sheet1!$A$2:$A$5", with or without "="; with `visibleOnly` without
+  // the cells of hidden rows and columns. False, and the block is empty, when it leads to no cells,
+  // to a sheet that cannot be read, or to too many.
+  bool ReadReference(WideView reference, bool visibleOnly, CellBlock& block);
 
   // Makes the cell hold that text, whatever it looks like; its format stays. The header of a
   // table's column keeps a name of its own in that table: where another column has it, a number

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/DeckKind.h"
 #include "host/cli/Options.h"
 #include "host/cli/OutputPlan.h"
 #include "host/cli/ServiceUrl.h"
@@ -79,6 +80,20 @@ TEST(CommandLine, NamesMayHoldAnyBytes) {
   EXPECT_EQ(line.translate.decks, std::vector<std::string>{odd});
 }
 
+TEST(CommandLine, ADeckAsTheFirstWordIsToBeTranslated) {
+  const CommandLine line = Read({"talk.pptx", "--to", "es"});
+  ASSERT_TRUE(line.run) << line.error;
+  EXPECT_EQ(line.translate.decks, std::vector<std::string>{"talk.pptx"});
+  EXPECT_FALSE(Read({"talk.doc", "--to", "es"}).run);
+}
+
+TEST(CommandLine, ADeckFromStandardInputNeedsAnOutput) {
+  for (const char* const deck : {"-", "/dev/stdin"}) {
+    EXPECT_NE(ErrorOf({"translate", deck, "--to", "es"}).find("needs --output"), std::string::npos);
+    EXPECT_TRUE(Read({"translate", deck, "--to", "es", "-o", "-"}).run);
+  }
+}
+
 TEST(CommandLine, WhatIsMissingIsNamed) {
   EXPECT_NE(ErrorOf({}).find("subcommand"), std::string::npos);
   EXPECT_NE(ErrorOf({"translate", "--to", "es"}).find("DECK"), std::string::npos);
@@ -91,6 +106,10 @@ TEST(CommandLine, OptionsThatContradictEachOtherAreRefused) {
       {"--in-place", "--output", "x"},
       {"--in-place", "--output-dir", "x"},
       {"--output", "x", "--output-dir", "x"},
+      {"--output", "-", "--json"},
+      {"--in-place", "--force"},
+      {"--force", "--skip-existing"},
+      {"--openai-ca-file", "c"},
       {"--service", "http://h", "--engine", "auto"},
       {"--service", "http://h", "--openai-url", "http://h"},
       {"--token-file", "t"},
@@ -136,11 +155,29 @@ TEST(CommandLine, HelpAndVersionAreNoErrors) {
   }
   const std::string help = Read({"translate", "--help"}).output;
   EXPECT_NE(help.find("Usage: quillmarch translate"), std::string::npos);
-  for (const char* const option :
-       {"--to",      "--from",   "--output",     "--output-dir",   "--in-place",
-        "--slide",   "--select", "--font",       "--service",      "--token-file",
-        "--ca-file", "--engine", "--paced",      "--json",         "--stats",
-        "--quiet",   "--growth", "--openai-url", "--openai-model", "--openai-key-file"}) {
+  for (const char* const option : {"--to",
+                                   "--from",
+                                   "--output",
+                                   "--output-dir",
+                                   "--in-place",
+                                   "--slide",
+                                   "--select",
+                                   "--font",
+                                   "--service",
+                                   "--token-file",
+                                   "--ca-file",
+                                   "--engine",
+                                   "--paced",
+                                   "--json",
+                                   "--stats",
+                                   "--quiet",
+                                   "--growth",
+                                   "--openai-url",
+                                   "--openai-model",
+                                   "--openai-key-file",
+                                   "--openai-ca-file",
+                                   "--force",
+                                   "--skip-existing"}) {
     EXPECT_NE(help.find(option), std::string::npos) << option;
   }
 }
@@ -160,29 +197,15 @@ TEST(ServiceUrl, SchemeHostAndPortAreRead) {
   ASSERT_TRUE(ParseServiceUrl("http://[::1]:8080", endpoint, error));
   EXPECT_EQ(endpoint.host, u"[::1]");
   EXPECT_EQ(endpoint.port, 8080);
+  ASSERT_TRUE(ParseServiceUrl("https://h:8443/", endpoint, error));
+  EXPECT_EQ(endpoint.port, 8443);
 }
 
 TEST(ServiceUrl, AnythingElseIsRefusedInOneSentence) {
-  for (const char* const url : {"",
-                                "localhost",
-                                "ftp://h",
-                                "http://",
-                                "http://:80",
-                                "http://h/",
-                                "http://h/v1",
-                                "http://h:",
-                                "http://h:0",
-                                "http://h:65536",
-                                "http://h:8x",
-                                "http://h:-1",
-                                "http://u:p@h",
-                                "http://h?x",
-                                "http://h#x",
-                                "http://[::1",
-                                "http://[]:80",
-                                "http://a b",
-                                "http:/h",
-                                "https//h"}) {
+  for (const char* const url :
+       {"", "localhost", "ftp://h", "http://", "http://:80", "http://h/v1", "http://h:",
+        "http://h:0", "http://h:65536", "http://h:8x", "http://h:-1", "http://u:p@h", "http://h?x",
+        "http://h#x", "http://[::1", "http://[]:80", "http://a b", "http:/h", "https//h"}) {
     Endpoint endpoint;
     std::string error;
     EXPECT_FALSE(ParseServiceUrl(url, endpoint, error)) << url;
@@ -211,10 +234,38 @@ TEST(TokenFile, AFileWithoutAUsableWordIsRefused) {
   EXPECT_FALSE(ReadTokenFile(folder.Put("long", std::string(9000, 'x')), token, error));
 }
 
+std::vector<DeckJob> Planned(const std::vector<std::string>& decks, const OutputRule& rule = {}) {
+  Result<OutputPlan> plan = PlanOutputs(decks, rule, "es");
+  EXPECT_TRUE(plan.ok()) << plan.error().words;
+  return plan ? plan->jobs : std::vector<DeckJob>(decks.size());
+}
+
+std::string PlanError(const std::vector<std::string>& decks, const OutputRule& rule = {}) {
+  Result<OutputPlan> plan = PlanOutputs(decks, rule, "es");
+  EXPECT_FALSE(plan.ok());
+  return plan ? "" : plan.error().words;
+}
+
+OutputRule ToFile(const std::string& file) {
+  OutputRule rule;
+  rule.file = file;
+  return rule;
+}
+
+OutputRule ToFolder(const std::string& folder) {
+  OutputRule rule;
+  rule.directory = folder;
+  return rule;
+}
+
+OutputRule InPlace() {
+  OutputRule rule;
+  rule.inPlace = true;
+  return rule;
+}
+
 TEST(OutputPlan, ADeckGoesBesideItselfUnderTheLanguagesName) {
-  std::vector<DeckJob> jobs;
-  std::string error;
-  ASSERT_TRUE(PlanOutputs({"a/talk.v2.pptx", "deck", "b.potx"}, {}, "es", jobs, error)) << error;
+  const auto jobs = Planned({"a/talk.v2.pptx", "deck", "b.potx"});
   EXPECT_EQ(jobs[0].output, "a/talk.v2.es.pptx");
   EXPECT_EQ(jobs[1].output, "deck.es");
   EXPECT_EQ(jobs[2].output, "b.es.potx");
@@ -222,84 +273,130 @@ TEST(OutputPlan, ADeckGoesBesideItselfUnderTheLanguagesName) {
 
 TEST(OutputPlan, AnOutputFolderKeepsTheNamesAndMustExist) {
   const TempFolder folder;
-  std::vector<DeckJob> jobs;
-  std::string error;
-  OutputRule rule;
-  rule.directory = folder.Path("");
-  ASSERT_TRUE(PlanOutputs({"x/a.pptx", "y/b.pptx"}, rule, "es", jobs, error)) << error;
+  const auto jobs = Planned({"x/a.pptx", "y/b.pptx"}, ToFolder(folder.Path("")));
   EXPECT_EQ(jobs[0].output, folder.Path("a.es.pptx"));
   EXPECT_EQ(jobs[1].output, folder.Path("b.es.pptx"));
-  rule.directory = folder.Path("none");
-  EXPECT_FALSE(PlanOutputs({"x/a.pptx"}, rule, "es", jobs, error));
-  EXPECT_NE(error.find("no such folder"), std::string::npos);
-  rule = {};
-  rule.file = folder.Path("none/a.pptx");
-  EXPECT_FALSE(PlanOutputs({"x/a.pptx"}, rule, "es", jobs, error));
-  EXPECT_NE(error.find("no such folder"), std::string::npos);
+  EXPECT_EQ(PlanError({"x/a.pptx"}, ToFolder(folder.Path("none"))),
+            "Cannot write " + folder.Path("none") + ": there is no such folder.");
+  EXPECT_EQ(PlanError({"x/a.pptx"}, ToFile(folder.Path("none/a.pptx"))),
+            "Cannot write " + folder.Path("none/a.pptx") + ": there is no folder " +
+                folder.Path("none") + ".");
 }
 
 TEST(OutputPlan, TwoDecksNeverBecomeOneFile) {
   const TempFolder folder;
-  std::vector<DeckJob> jobs;
-  std::string error;
-  OutputRule rule;
-  rule.directory = folder.Path("");
-  EXPECT_FALSE(PlanOutputs({"x/a.pptx", "y/a.pptx"}, rule, "es", jobs, error));
-  EXPECT_NE(error.find("both"), std::string::npos);
-  EXPECT_FALSE(PlanOutputs({"a.pptx", "./a.pptx"}, {}, "es", jobs, error));
-  rule = {};
-  rule.inPlace = true;
+  EXPECT_NE(PlanError({"x/a.pptx", "y/a.pptx"}, ToFolder(folder.Path(""))).find("both"),
+            std::string::npos);
+  PlanError({"a.pptx", "./a.pptx"});
   const std::string deck = folder.Put("a.pptx", "x");
   fs::create_symlink(deck, folder.Path("link.pptx"));
-  EXPECT_FALSE(PlanOutputs({deck, folder.Path("link.pptx")}, rule, "es", jobs, error));
-  rule = {};
-  rule.file = "out.pptx";
-  EXPECT_FALSE(PlanOutputs({"a.pptx", "b.pptx"}, rule, "es", jobs, error));
+  PlanError({deck, folder.Path("link.pptx")}, InPlace());
+  PlanError({"a.pptx", "b.pptx"}, ToFile("out.pptx"));
 }
 
 TEST(OutputPlan, TheDeckItselfIsReplacedInPlaceOnly) {
   const TempFolder folder;
   const std::string deck = folder.Put("a.pptx", "x");
-  std::vector<DeckJob> jobs;
-  std::string error;
-  OutputRule rule;
-  rule.file = deck;
-  EXPECT_FALSE(PlanOutputs({deck}, rule, "es", jobs, error));
-  EXPECT_NE(error.find("--in-place"), std::string::npos);
+  EXPECT_NE(PlanError({deck}, ToFile(deck)).find("--in-place"), std::string::npos);
   fs::create_hard_link(deck, folder.Path("hard.pptx"));
-  rule.file = folder.Path("hard.pptx");
-  EXPECT_FALSE(PlanOutputs({deck}, rule, "es", jobs, error));
+  PlanError({deck}, ToFile(folder.Path("hard.pptx")));
   // The output of one deck is another deck of the same command.
+  fs::create_directory(folder.Path("sub"));
+  const std::string other = folder.Put("sub/a.es.pptx", "y");
+  PlanError({deck, other}, ToFolder(folder.Path("sub")));
+  EXPECT_TRUE(fs::equivalent(Planned({deck}, InPlace())[0].output, deck));
+}
+
+TEST(OutputPlan, TranslationsOfOtherDecksAreLeftOut) {
+  const TempFolder folder;
+  const std::string deck = folder.Put("a.pptx", "x");
   const std::string translated = folder.Put("a.es.pptx", "y");
-  EXPECT_FALSE(PlanOutputs({deck, translated}, {}, "es", jobs, error));
-  rule = {};
-  rule.inPlace = true;
-  ASSERT_TRUE(PlanOutputs({deck}, rule, "es", jobs, error)) << error;
-  EXPECT_TRUE(fs::equivalent(jobs[0].output, deck));
+  const std::string alone = folder.Put("b.es.pptx", "y");
+  for (const OutputRule& rule : {OutputRule{}, InPlace()}) {
+    const Result<OutputPlan> plan = PlanOutputs({translated, deck, alone}, rule, "es");
+    ASSERT_TRUE(plan.ok());
+    EXPECT_EQ(plan->leftOut, std::vector<std::string>{translated});
+    ASSERT_EQ(plan->jobs.size(), 2U);
+    EXPECT_EQ(plan->jobs[0].input, deck);
+    EXPECT_EQ(plan->jobs[1].input, alone);
+  }
 }
 
 TEST(OutputPlan, InPlaceThroughALinkWritesTheFileItself) {
   const TempFolder folder;
   const std::string deck = folder.Put("a.pptx", "x");
   fs::create_symlink(deck, folder.Path("link.pptx"));
-  std::vector<DeckJob> jobs;
-  std::string error;
-  OutputRule rule;
-  rule.inPlace = true;
-  ASSERT_TRUE(PlanOutputs({folder.Path("link.pptx")}, rule, "es", jobs, error));
-  EXPECT_EQ(jobs[0].output, fs::canonical(deck).string());
+  EXPECT_EQ(Planned({folder.Path("link.pptx")}, InPlace())[0].output, fs::canonical(deck).string());
 }
 
-TEST(OutputPlan, AReadOnlyTargetIsRefusedWhoeverAsks) {
+TEST(OutputPlan, ALinkAsOutputIsRefusedInWords) {
+  const TempFolder folder;
+  fs::create_symlink("elsewhere.pptx", folder.Path("out.pptx"));
+  EXPECT_EQ(PlanError({"a.pptx"}, ToFile(folder.Path("out.pptx"))),
+            "Cannot write " + folder.Path("out.pptx") +
+                ": it is a link to elsewhere.pptx; name that file itself.");
+}
+
+TEST(OutputPlan, OnlyTheEndingsOfDecksAreWritten) {
+  const TempFolder folder;
+  for (const char* const name : {"o.pptx", "o.PPTM", "o.potx", "o.potm", "o.ppsx", "o.ppsm"}) {
+    EXPECT_EQ(Planned({"a.pptx"}, ToFile(folder.Path(name)))[0].output, folder.Path(name));
+  }
+  for (const char* const name : {"o.ppt", "o.odp", "o.pdf", "o"}) {
+    EXPECT_NE(PlanError({"a.pptx"}, ToFile(folder.Path(name))).find("decks are written as .pptx"),
+              std::string::npos)
+        << name;
+  }
+}
+
+std::string PlaceError(const DeckJob& job, bool force = false) {
+  const Result<OutputPlace> place = OutputPlace::Check(job, force);
+  return place ? "" : place.error().words;
+}
+
+TEST(OutputPlace, AReadOnlyTargetIsRefusedWhoeverAsks) {
   const TempFolder folder;
   const std::string target = folder.Put("t.pptx", "x");
-  std::string error;
-  EXPECT_TRUE(OutputWritable({"a.pptx", target}, error));
-  EXPECT_TRUE(OutputWritable({"a.pptx", folder.Path("new.pptx")}, error));
+  EXPECT_EQ(PlaceError({"a.pptx", folder.Path("new.pptx")}), "");
+  EXPECT_EQ(folder.Files(), 1U);
   chmod(target.c_str(), 0444);
-  EXPECT_FALSE(OutputWritable({"a.pptx", target}, error));
-  EXPECT_NE(error.find("read-only"), std::string::npos);
-  EXPECT_FALSE(OutputWritable({"a.pptx", folder.Path("none/x.pptx")}, error));
+  EXPECT_EQ(PlaceError({"a.pptx", target}, true),
+            "Cannot write " + target + ": the existing file is read-only.");
+  EXPECT_NE(PlaceError({"a.pptx", folder.Path("none/x.pptx")}), "");
+}
+
+TEST(OutputPlace, AFileThatTheCommandDidNotWriteNeedsForce) {
+  const TempFolder folder;
+  const std::string target = folder.Put("t.pptx", "x");
+  EXPECT_EQ(PlaceError({"a.pptx", target}),
+            "Cannot write " + target + ": it exists already; use --force to replace it.");
+  EXPECT_EQ(PlaceError({"a.pptx", target}, true), "");
+  EXPECT_EQ(PlaceError({target, target}), "");
+}
+
+TEST(OutputPlace, SeesThatSomebodyWroteThereSince) {
+  const TempFolder folder;
+  const std::string target = folder.Path("t.pptx");
+  const Result<OutputPlace> place = OutputPlace::Check({"a.pptx", target}, false);
+  ASSERT_TRUE(place.ok());
+  EXPECT_TRUE(place->Unchanged());
+  folder.Put("t.pptx", "theirs");
+  EXPECT_FALSE(place->Unchanged());
+}
+
+TEST(DeckKind, ADeckSavedUnderAnotherEndingGetsItsContentType) {
+  constexpr char kTemplate[] =
+      "application/vnd.openxmlformats-officedocument.presentationml.template.main+xml";
+  constexpr char kDeck[] =
+      "application/vnd.openxmlformats-officedocument.presentationml.presentation.main+xml";
+  constexpr char kMacros[] = "application/vnd.ms-powerpoint.presentation.macroEnabled.main+xml";
+  EXPECT_EQ(*ContentTypeUnder(".pptx", kTemplate), kDeck);
+  EXPECT_EQ(*ContentTypeUnder(".pptm", kDeck), kMacros);
+  EXPECT_EQ(*ContentTypeUnder(".other", kDeck), kDeck);
+  const Result<std::string> refused = ContentTypeUnder(".pptx", kMacros);
+  ASSERT_FALSE(refused.ok());
+  EXPECT_EQ(refused.error().words,
+            "the deck may contain macros, which a .pptx file cannot hold; use .pptm");
 }
 
 }  // namespace

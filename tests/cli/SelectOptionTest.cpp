@@ -64,17 +64,17 @@ TEST(SelectOption, APieceOfTextIsOneShapeStartAndLength) {
 }
 
 TEST(SelectOption, WhatNoHostCouldSelectIsASentence) {
-  EXPECT_EQ(ErrorOf({"3:#1", "4:#1"}), "shapes on several slides can't be selected together");
-  EXPECT_EQ(ErrorOf({"2,3:#1"}), "slides and shapes can't be selected together");
-  EXPECT_EQ(ErrorOf({"3:#1", "2"}), "slides and shapes can't be selected together");
-  EXPECT_EQ(ErrorOf({"3:#1:1+2", "3:#2"}), "a piece of text can be selected only by itself");
-  EXPECT_EQ(ErrorOf({"3:#1,3:#2:1+2"}), "a piece of text can be selected only by itself");
+  EXPECT_EQ(ErrorOf({"3:#1", "4:#1"}), "shapes on several slides cannot be selected together");
+  EXPECT_EQ(ErrorOf({"2,3:#1"}), "slides and shapes cannot be selected together");
+  EXPECT_EQ(ErrorOf({"3:#1", "2"}), "slides and shapes cannot be selected together");
+  EXPECT_EQ(ErrorOf({"3:#1:1+2", "3:#2"}), "part of a text can be selected only by itself");
+  EXPECT_EQ(ErrorOf({"3:#1,3:#2:1+2"}), "part of a text can be selected only by itself");
 }
 
 TEST(SelectOption, WhatIsNotUnderstoodIsShownPlain) {
   for (const char* value : {"", "x", "0", "1-", "-1", "7-5", "2,,3", "2 ,3", "1000001", "3:", "3:#",
                             "3:#0", "3:#1/", "3:#1/0", "3:#x", "0:a", "99999999999:a", "+3"}) {
-    EXPECT_EQ(ErrorOf({value}).rfind("--select wants slides", 0), 0U) << value;
+    EXPECT_EQ(ErrorOf({value}).rfind("--select takes slides", 0), 0U) << value;
   }
   EXPECT_EQ(ErrorOf({"\x1b[2J"}).find('\x1b'), std::string::npos);
 }

@@ -104,7 +104,7 @@ struct DeckSource {
       "<p:txStyles><p:titleStyle><a:lvl1pPr><a:defRPr sz=\"4400\" b=\"1\"/></a:lvl1pPr>"
       "</p:titleStyle><p:bodyStyle><a:lvl1pPr><a:defRPr sz=\"2800\"/></a:lvl1pPr><a:lvl2pPr>"
       "<a:defRPr sz=\"2400\" i=\"1\"/></a:lvl2pPr></p:bodyStyle><p:otherStyle/></p:txStyles>";
-  std::string presentationTail;  // behind p:notesSz
+  std::string presentationTail;  // after p:notesSz
   std::string presentationRelations;
   std::vector<std::pair<std::string, std::string>> parts;
   std::string mainType =

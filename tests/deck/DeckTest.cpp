@@ -160,7 +160,7 @@ TEST_F(DeckFile, APartThatNobodyEditedIsSavedAsItWas) {
             testdeck::ReadPart(path(), "ppt/presentation.xml"));
 }
 
-TEST_F(DeckFile, ASlideWithoutNotesShowsABlankPageThatIsNoPartOfTheFile) {
+TEST_F(DeckFile, ASlideWithoutNotesShowsAnEmptyPageThatTheFileDoesNotHave) {
   Open(OneSlide(Box(TextPara("a"))));
   EXPECT_FALSE(deck->HasNotes(0));
   SlidePart* const notes = deck->Page({0, true});

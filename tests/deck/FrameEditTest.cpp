@@ -100,7 +100,7 @@ TEST(FrameEdit, AnAutofitReplacesTheOneThatIsThere) {
             slide.With("<a:noAutofit/>", "<a:spAutoFit/>"));
 }
 
-TEST(FrameEdit, AnAutofitStandsBehindTheWarpAndBeforeEverythingElse) {
+TEST(FrameEdit, AnAutofitFollowsTheWarpAndPrecedesEverythingElse) {
   PartUnderTest slide(Shape("<p:spPr/>",
                             "<a:bodyPr><a:prstTxWarp prst=\"x\"/><a:sp3d/></a:bodyPr>"
                             "<a:p/>"));

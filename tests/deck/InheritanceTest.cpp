@@ -39,6 +39,7 @@ TEST(Inheritance, TypeAndIndexTogetherWinOverIndexAndIndexOverType) {
   EXPECT_EQ(Layout(styles, "body", 2), &styles[2]);
   EXPECT_EQ(Layout(styles, "chart", 2), &styles[1]) << "the first of that index";
   EXPECT_EQ(Layout(styles, "body", 9), &styles[0]) << "the first of that type";
+  EXPECT_EQ(Layout(styles, "pic", 1), &styles[0]) << "the index wins over the type";
   EXPECT_EQ(Layout(styles, "chart", 9), nullptr);
 }
 
@@ -48,12 +49,12 @@ TEST(Inheritance, BothKindsOfTitleMatchEachOther) {
   EXPECT_EQ(MatchInMaster(styles, {"title", 0}), &styles[1]);
 }
 
-TEST(Inheritance, TheIndexZeroAloneMatchesNothing) {
+TEST(Inheritance, TheIndexZeroByItselfMatchesNothing) {
   const std::vector<PlaceholderStyle> styles = {Style("title", 0)};
   EXPECT_EQ(Layout(styles, "body", 0), nullptr);
 }
 
-TEST(Inheritance, OnTheMasterEverythingButTitlesAndFootersStandsOnTheBody) {
+TEST(Inheritance, OnTheMasterEverythingButTitlesAndFootersIsBasedOnTheBody) {
   const std::vector<PlaceholderStyle> styles = {Style("title", 0), Style("body", 1), Style("dt", 2),
                                                 Style("ftr", 3)};
   EXPECT_EQ(MatchInMaster(styles, {"subTitle", 5}), &styles[1]);

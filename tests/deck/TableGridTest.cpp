@@ -52,7 +52,7 @@ TEST(TableGrid, EveryPositionOfAMergedCellAnswersWithItsOrigin) {
   EXPECT_FALSE(slide.part->Table(0)->Merged(1, 2));
 }
 
-TEST(TableGrid, AMergeThatReachesBeyondItsOriginsSpanStandsForItself) {
+TEST(TableGrid, AMergeBeyondItsOriginsSpanIsACellOfItsOwn) {
   PartUnderTest slide(Table({Cell("a") + Cell("b", " hMerge=\"1\"")}, 2));
   EXPECT_EQ(CellText(slide, 0, 1), u"b");
   EXPECT_FALSE(slide.part->Table(0)->Merged(0, 1));

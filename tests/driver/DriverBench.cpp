@@ -61,7 +61,7 @@ RunListener DriverBench::Listener() {
   listener.onEvent = [this](const PageCall& event) {
     events.push_back(ToUtf8(event.name) + ToUtf8(event.payload));
   };
-  listener.onEnded = [this](const RunReport& report) { reports.push_back(report); };
+  listener.onEnded = [this](const DrivenRun& report) { reports.push_back(report); };
   return listener;
 }
 

@@ -66,7 +66,7 @@ class DriverBench {
   std::unique_ptr<service::Service> service;
   std::unique_ptr<RunDriver> driver;
   std::vector<std::string> events;  // name and payload
-  std::vector<RunReport> reports;
+  std::vector<DrivenRun> reports;
 };
 
 }  // namespace quillmarch::host::test

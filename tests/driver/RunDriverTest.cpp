@@ -43,7 +43,7 @@ TEST(RunDriver, AWholeDeckIsTranslatedAndReported) {
   EXPECT_EQ(bench.deck().slides[1]->shapes()[0]->Text(), u"T(Again)");
   EXPECT_THAT(bench.MainEvents(), ElementsAre("onRunStarted", "onReady", "onComplete"));
   ASSERT_EQ(bench.reports.size(), 1u);
-  const RunReport& report = bench.reports[0];
+  const DrivenRun& report = bench.reports[0];
   EXPECT_EQ(report.record.outcome, RunOutcome::kCompleted);
   EXPECT_EQ(report.record.units, 3);
   EXPECT_TRUE(report.record.failed.empty());
@@ -76,7 +76,7 @@ TEST(RunDriver, TheEndingComesBehindTheLastEventAndTheDriverIsThenFree) {
   bool wasRunning = true;
   bool startedAgain = false;
   RunListener listener = bench.Listener();
-  listener.onEnded = [&](const RunReport&) {
+  listener.onEnded = [&](const DrivenRun&) {
     eventsAtEnd = bench.events.size();
     wasRunning = bench.driver->running();
     startedAgain = bench.driver->Start(bench.Request(), bench.Listener());
@@ -348,7 +348,7 @@ TEST(RunDriver, PhasesAreMeasuredByTheRealClock) {
   const auto start = std::chrono::steady_clock::now();
   bench.RunToEnd();
   const std::chrono::duration<double, std::milli> real = std::chrono::steady_clock::now() - start;
-  const RunReport& report = bench.reports[0];
+  const DrivenRun& report = bench.reports[0];
   EXPECT_GT(report.collect.ms, 0.0);
   EXPECT_GT(report.translate.ms, 0.0);
   EXPECT_LE(report.collect.ms + report.translate.ms + report.write.ms, real.count());

@@ -9,80 +9,15 @@ import signal
 import socket
 import struct
 import subprocess
-import sys
-import tempfile
 import termios
 import time
 import unittest
 
-from CommandDeck import make_deck, texts_of
+from CommandCase import LIMIT_SECONDS, CommandTest
+from CommandDeck import texts_of
 from CommandService import ScriptedService
 
-PROGRAM = os.path.abspath(sys.argv.pop(1))
 GRACE_SECONDS = 2.0
-LIMIT_SECONDS = 120
-
-
-class CommandTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory(prefix="quillmarch-command-")
-        self.addCleanup(folder.cleanup)
-        self.folder = folder.name
-        self.environment = dict(os.environ, XDG_DATA_HOME=os.path.join(self.folder, "home"))
-
-    def path(self, name):
-        return os.path.join(self.folder, name)
-
-    def deck(self, name="talk.pptx", slides=(("Hello world", "Second text"), ("Third text",))):
-        return make_deck(self.path(name), slides)
-
-    def start(self, *words, **options):
-        options.setdefault("stdout", subprocess.PIPE)
-        options.setdefault("stderr", subprocess.PIPE)
-        return subprocess.Popen(
-            [PROGRAM, *words], cwd=self.folder, env=self.environment, stdin=subprocess.DEVNULL,
-            **options,
-        )
-
-    def run_command(self, *words, **options):
-        process = self.start(*words, **options)
-        out, err = process.communicate(timeout=LIMIT_SECONDS)
-        self.out = (out or b"").decode("utf-8")
-        self.err = (err or b"").decode("utf-8")
-        return process.returncode
-
-    def translate(self, *words):
-        return self.run_command("translate", *words)
-
-    def pseudo(self, *words):
-        return self.translate("--to", "xx", "--engine", "pseudo", *words)
-
-    def served(self, service, *words):
-        return self.translate("--to", "es", "--service", service.url, *words)
-
-    def start_served(self, service, *words):
-        """Starts a run and waits until its first request has arrived."""
-        process = self.start("translate", "--to", "es", "--service", service.url, *words)
-        self.assertTrue(service.asked.acquire(timeout=LIMIT_SECONDS))
-        return process
-
-    def end(self, process):
-        out, err = process.communicate(timeout=LIMIT_SECONDS)
-        self.out, self.err = out.decode("utf-8"), err.decode("utf-8")
-        return process.returncode
-
-    def complaints(self):
-        return [line for line in self.err.splitlines() if line.startswith("quillmarch: ")]
-
-    def exists(self, name):
-        return os.path.exists(self.path(name))
-
-    def folder_names(self):
-        return sorted(name for name in os.listdir(self.folder) if name != "home")
-
-    def bytes_of(self, path):
-        with open(path, "rb") as file:
-            return file.read()
 
 
 class Usage(CommandTest):
@@ -118,105 +53,8 @@ class Usage(CommandTest):
     def test_a_token_file_that_cannot_be_read_is_a_sentence(self):
         with ScriptedService() as service:
             self.assertEqual(self.served(service, self.deck(), "--token-file", "nowhere"), 2)
-        self.assertIn("nowhere: the token file can't be read", self.err)
+        self.assertIn("Cannot read the token file nowhere: no such file.", self.err)
         self.assertEqual(service.requests, [])
-
-
-class Output(CommandTest):
-    def test_a_deck_goes_beside_itself_and_stays_as_it_was(self):
-        deck = self.deck()
-        before = self.bytes_of(deck)
-        self.assertEqual(self.pseudo("talk.pptx"), 0, self.out)
-        self.assertEqual(self.bytes_of(deck), before)
-        self.assertEqual(texts_of(self.path("talk.xx.pptx"), 1), ["⟦Hello world⟧", "⟦Second text⟧"])
-        self.assertEqual(texts_of(self.path("talk.xx.pptx"), 2), ["⟦Third text⟧"])
-        self.assertEqual(self.folder_names(), ["talk.pptx", "talk.xx.pptx"])
-        self.assertRegex(
-            self.out,
-            r"^talk\.pptx: 3 texts translated, 0 left as they were, 0 failed, in \d+\.\d s; "
-            r"saved as talk\.xx\.pptx\n$",
-        )
-
-    def test_a_named_output_is_written_and_an_earlier_one_replaced(self):
-        self.deck()
-        with open(self.path("out.pptx"), "w", encoding="utf-8") as file:
-            file.write("earlier")
-        self.assertEqual(self.pseudo("talk.pptx", "--output", "out.pptx"), 0)
-        self.assertEqual(texts_of(self.path("out.pptx"), 2), ["⟦Third text⟧"])
-
-    def test_an_output_folder_takes_all_decks(self):
-        self.deck("a.pptx")
-        self.deck("b.potx")
-        os.mkdir(self.path("out"))
-        self.assertEqual(self.pseudo("a.pptx", "b.potx", "--output-dir", "out"), 0)
-        self.assertEqual(sorted(os.listdir(self.path("out"))), ["a.xx.pptx", "b.xx.potx"])
-
-    def test_in_place_replaces_the_deck_also_through_a_link(self):
-        deck = self.deck()
-        os.symlink("talk.pptx", self.path("link.pptx"))
-        self.assertEqual(self.pseudo("link.pptx", "--in-place"), 0)
-        self.assertTrue(os.path.islink(self.path("link.pptx")))
-        self.assertEqual(texts_of(deck, 2), ["⟦Third text⟧"])
-        self.assertEqual(self.folder_names(), ["link.pptx", "talk.pptx"])
-
-    def test_an_output_over_the_deck_is_refused(self):
-        deck = self.deck()
-        before = self.bytes_of(deck)
-        self.assertEqual(self.pseudo("talk.pptx", "--output", "./talk.pptx"), 2)
-        self.assertIn("--in-place", self.err)
-        self.assertEqual(self.bytes_of(deck), before)
-
-    def test_two_decks_never_become_one_file(self):
-        os.mkdir(self.path("one"))
-        os.mkdir(self.path("two"))
-        self.deck("one/a.pptx")
-        self.deck("two/a.pptx")
-        self.assertEqual(self.pseudo("one/a.pptx", "two/a.pptx", "--output-dir", "."), 2)
-        self.assertEqual(len(self.complaints()), 1)
-        self.assertFalse(self.exists("a.xx.pptx"))
-
-    def test_a_read_only_target_stays_as_it_was(self):
-        self.deck()
-        with open(self.path("out.pptx"), "w", encoding="utf-8") as file:
-            file.write("earlier")
-        os.chmod(self.path("out.pptx"), 0o444)
-        self.assertEqual(self.pseudo("talk.pptx", "--output", "out.pptx"), 2)
-        self.assertIn("talk.pptx: the output out.pptx is read-only", self.err)
-        self.assertEqual(self.bytes_of(self.path("out.pptx")), b"earlier")
-
-    def test_a_full_disk_is_a_sentence_and_leaves_nothing(self):
-        self.deck()
-        process = self.start(
-            "translate", "talk.pptx", "--to", "xx", "--engine", "pseudo", "--quiet",
-            preexec_fn=limit_file_size,
-        )
-        self.assertEqual(self.end(process), 2)
-        self.assertEqual(len(self.complaints()), 1, self.err)
-        self.assertTrue(self.err.startswith("quillmarch: talk.pptx: "), self.err)
-        self.assertEqual(self.folder_names(), ["talk.pptx"])
-
-    def test_a_deck_without_text_comes_out_as_the_same_bytes(self):
-        deck = self.deck("numbers.pptx", [["42 %", "2024-01-01"], []])
-        self.assertEqual(self.pseudo("numbers.pptx"), 0)
-        self.assertEqual(self.bytes_of(self.path("numbers.xx.pptx")), self.bytes_of(deck))
-        self.assertIn("there is no text to translate", self.out)
-
-    def test_names_may_hold_any_bytes(self):
-        name = b"\xff \x1b[31m\n%s {x}.pptx"
-        make_deck(os.fsdecode(os.fsencode(self.folder) + b"/" + name), [["Hello world"]])
-        self.assertEqual(self.pseudo(name), 0, self.err)
-        self.assertNotIn("\x1b", self.out + self.err)
-        self.assertEqual(len(self.out.splitlines()), 1)
-        translated = os.fsencode(self.folder) + b"/\xff \x1b[31m\n%s {x}.xx.pptx"
-        self.assertEqual(texts_of(os.fsdecode(translated), 1), ["⟦Hello world⟧"])
-
-
-def limit_file_size():
-    """The deck can't be written, as on a full disk; the log's few lines can."""
-    import resource
-
-    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-    resource.setrlimit(resource.RLIMIT_FSIZE, (4000, 4000))
 
 
 class SeveralDecks(CommandTest):
@@ -227,8 +65,8 @@ class SeveralDecks(CommandTest):
         self.deck("c.pptx")
         self.assertEqual(self.pseudo("missing.pptx", "a.pptx", "bad.pptx", "c.pptx"), 2)
         self.assertEqual(len(self.complaints()), 2, self.err)
-        self.assertIn("quillmarch: missing.pptx: ", self.err)
-        self.assertIn("quillmarch: bad.pptx: ", self.err)
+        self.assertIn("quillmarch: Cannot open missing.pptx: no such file.", self.err)
+        self.assertIn("quillmarch: Cannot open bad.pptx: ", self.err)
         self.assertEqual(
             self.folder_names(),
             ["a.pptx", "a.xx.pptx", "bad.pptx", "c.pptx", "c.xx.pptx"],
@@ -251,7 +89,7 @@ class OneSlide(CommandTest):
     def test_a_slide_that_is_not_there_is_bad_input(self):
         self.deck()
         self.assertEqual(self.pseudo("talk.pptx", "--slide", "3"), 2)
-        self.assertIn("talk.pptx: there is no slide 3; the deck has 2 slides", self.err)
+        self.assertIn("Cannot translate talk.pptx: there is no slide 3; the deck has 2 slides.", self.err)
         self.assertFalse(self.exists("talk.xx.pptx"))
 
 
@@ -261,7 +99,7 @@ class FailedRuns(CommandTest):
         with ScriptedService(answer=answer) as service:
             self.assertEqual(self.served(service, "talk.pptx"), 1)
         self.assertEqual(self.complaints(), [
-            f"quillmarch: talk.pptx: {sentence}; nothing was saved"
+            f"quillmarch: Cannot translate talk.pptx: {sentence}; nothing was saved."
         ])
         self.assertTrue(self.err.isascii(), self.err)
         self.assertEqual(self.folder_names(), ["talk.pptx"])
@@ -286,7 +124,7 @@ class FailedRuns(CommandTest):
 
     def test_an_empty_body(self):
         self.assert_failure(
-            (200, ""), "the translation service can't be reached or gave no answer"
+            (200, ""), "the translation service cannot be reached or gave no answer"
         )
 
     def test_a_wrong_count(self):
@@ -323,6 +161,8 @@ class Telling(CommandTest):
             )
         self.assertEqual(service.headers[0]["Authorization"], "Bearer s3cret")
         self.assertEqual(service.requests[0]["sourceLang"], "en")
+        self.assertEqual(self.run_command("--version"), 0)
+        self.assertIn(self.out.split()[1], json.dumps(service.requests[0]))
         self.assertEqual(service.requests[0]["targetLang"], "es")
         self.assertEqual(texts_of(self.path("talk.es.pptx"), 2), ["&lt;Third text&gt;"])
 
@@ -332,8 +172,8 @@ class Telling(CommandTest):
         events = [json.loads(line) for line in self.out.splitlines()]
         self.assertEqual(
             [event["event"] for event in events],
-            ["onRunStarted", "onScanProgress", "onScanProgress", "onReady", "onProgress",
-             "onProgress", "onProgress", "onComplete"],
+            ["deck", "onRunStarted", "onScanProgress", "onScanProgress", "onReady", "onProgress",
+             "onProgress", "onProgress", "onComplete", "result"],
         )
         fields = {
             "onRunStarted": ["event", "runId"],
@@ -343,19 +183,30 @@ class Telling(CommandTest):
                            "translated"],
             "onComplete": ["event", "runId", "elapsed", "total", "bilingualCopy"],
         }
-        for event in events:
+        for event in events[1:-1]:
             self.assertEqual(list(event), fields[event["event"]])
-            self.assertEqual(event["runId"], events[0]["runId"])
-        self.assertEqual(events[5]["original"], "Second text")
-        self.assertEqual(events[5]["translated"], "⟦Second text⟧")
+            self.assertEqual(event["runId"], events[1]["runId"])
+        self.assertEqual(events[6]["original"], "Second text")
+        self.assertEqual(events[6]["translated"], "⟦Second text⟧")
+        self.assertEqual(events[0], {"event": "deck", "deck": "talk.pptx", "output": "talk.xx.pptx",
+                                     "number": 1, "count": 1})
+        result = events[-1]
+        self.assertGreater(result.pop("seconds"), 0)
+        self.assertEqual(result, {"event": "result", "deck": "talk.pptx", "output": "talk.xx.pptx",
+                                  "exitCode": 0, "error": None, "texts": 3, "translated": 3,
+                                  "unchanged": 0, "notAnswered": 0, "withoutLetters": 0,
+                                  "failures": [], "left": [], "slidesNotWritten": []})
         self.assertIn("3 texts translated", self.err)
 
     def test_events_of_a_failed_run_keep_the_runs_own_words(self):
         self.deck()
         with ScriptedService(answer=(401, "")) as service:
             self.assertEqual(self.served(service, "talk.pptx", "--json"), 1)
-        last = json.loads(self.out.splitlines()[-1])
+        last = json.loads(self.out.splitlines()[-2])
         self.assertEqual(list(last), ["event", "runId", "code", "message"])
+        result = json.loads(self.out.splitlines()[-1])
+        self.assertEqual((result["exitCode"], result["output"]), (1, None))
+        self.assertIn("the access token is missing or has expired", result["error"])
         self.assertEqual(last["code"], "unauthorized")
         self.assertEqual(last["message"], "登录已失效，请重新登录")
         self.assertTrue(self.err.isascii())
@@ -371,10 +222,10 @@ class Telling(CommandTest):
     def test_stats_tell_calls_times_and_memory(self):
         self.deck()
         self.assertEqual(self.pseudo("talk.pptx", "--stats", "--quiet"), 0)
-        self.assertRegex(self.out, r"host calls to collect: [1-9]\d* invokes, \d+ name look-ups; "
-                                   r"\d+\.\d\d and \d+\.\d\d for each of 3 texts")
-        self.assertRegex(self.out, r"host calls to write: [1-9]\d* invokes, .* of 3 written")
-        self.assertRegex(self.out, r"time: open [\d.]+ ms, collect [\d.]+ ms, translate [\d.]+ ms, "
+        self.assertRegex(self.out, r"calls into the deck to read: [1-9]\d* \(\d+\.\d\d for each of 3 "
+                                   r"texts\), names looked up: \d+")
+        self.assertRegex(self.out, r"calls into the deck to write: [1-9]\d* \(.* of 3 texts\)")
+        self.assertRegex(self.out, r"time: open [\d.]+ ms, read [\d.]+ ms, translate [\d.]+ ms, "
                                    r"write [\d.]+ ms, save [\d.]+ ms")
         self.assertRegex(self.out, r"peak memory: \d+\.\d MB")
 
@@ -383,7 +234,10 @@ class Telling(CommandTest):
         answer = (200, json.dumps({"translations": ["One text", "Dos"]}))
         with ScriptedService(answer=answer) as service:
             self.assertEqual(self.served(service, "same.pptx"), 0)
-        self.assertIn("1 text translated, 1 left as they were, 0 failed", self.out)
+        self.assertIn("1 text translated, 1 left as it was, in ", self.out)
+        with ScriptedService(answer=answer) as service:
+            self.assertEqual(self.served(service, "same.pptx", "--list-left"), 0)
+        self.assertIn('same.pptx: slide 1, "Text 1": left as it was: "One text"', self.out)
 
     def test_a_pipe_gets_plain_lines(self):
         self.deck()
@@ -402,16 +256,49 @@ class Telling(CommandTest):
         process.stderr.close()
         self.assertTrue(self.exists("talk.xx.pptx"))
 
-    def test_an_output_that_cannot_take_the_words_is_told(self):
+    def test_an_output_that_cannot_take_the_words_is_told_and_the_deck_is_saved(self):
         self.deck()
         with open("/dev/full", "wb") as full:
             process = self.start("translate", "talk.pptx", "--to", "xx", "--engine", "pseudo",
                                  stdout=full)
             err = process.stderr.read().decode("utf-8")
             process.stderr.close()
-            self.assertEqual(process.wait(timeout=LIMIT_SECONDS), 2)
-        self.assertIn("standard output can't be written", err)
+            self.assertEqual(process.wait(timeout=LIMIT_SECONDS), 0)
+        self.assertIn("Cannot write to standard output: ", err)
         self.assertTrue(self.exists("talk.xx.pptx"))
+
+    def test_closed_streams_neither_cancel_nor_fail_a_run(self):
+        self.deck("talk.pptx", [[f"Text {n}" for n in range(1, 30)]])
+        for closed in ((0, 1), (0, 2), (1, 2), (0, 1, 2), (2,)):
+            def close_them():
+                for stream in closed:
+                    os.close(stream)
+            with ScriptedService(delay=0.05) as service:
+                process = self.start("translate", "talk.pptx", "--to", "es", "--service", service.url,
+                                     "--force", preexec_fn=close_them)
+                self.assertEqual(self.end(process), 0, closed)
+            self.assertEqual(len(texts_of(self.path("talk.es.pptx"), 1)), 29)
+
+    def test_standard_output_takes_the_deck(self):
+        deck = self.deck()
+        self.assertEqual(self.pseudo("talk.pptx", "-o", "plain.pptx"), 0)
+        process = self.start("translate", "/dev/stdin", "--to", "xx", "--engine", "pseudo", "-o", "-",
+                             stdin=subprocess.PIPE)
+        out, err = process.communicate(self.bytes_of(deck), timeout=LIMIT_SECONDS)
+        self.assertEqual(process.returncode, 0, err)
+        self.assertEqual(out, self.bytes_of(self.path("plain.pptx")))
+        self.assertIn(b"standard input: 3 texts translated", err)
+        self.assertEqual(self.folder_names(), ["plain.pptx", "talk.pptx"])
+
+    def test_a_standard_output_that_cannot_take_the_deck_is_an_error(self):
+        self.deck()
+        with open("/dev/full", "wb") as full:
+            process = self.start("translate", "talk.pptx", "--to", "xx", "--engine", "pseudo",
+                                 "-o", "-", stdout=full)
+            err = process.stderr.read().decode("utf-8")
+            process.stderr.close()
+            self.assertEqual(process.wait(timeout=LIMIT_SECONDS), 2)
+        self.assertIn("Cannot write standard output: no space left on device.", err)
 
 
 class Interrupting(CommandTest):
@@ -430,9 +317,12 @@ class Interrupting(CommandTest):
             process = self.start_served(service, "a.pptx", "b.pptx", "--json")
             self.interrupt(process, service)
             self.assertEqual(self.end(process), 130)
-        self.assertEqual(json.loads(self.out.splitlines()[-1])["event"], "onCancelled")
+        events = [json.loads(line) for line in self.out.splitlines()[-2:]]
+        self.assertEqual(events[0]["event"], "onCancelled")
+        self.assertEqual((events[1]["event"], events[1]["exitCode"]), ("result", 130))
         self.assertEqual(self.complaints(),
-                         ["quillmarch: a.pptx: cancelled, nothing was saved"])
+                         ["quillmarch: a.pptx: cancelled, nothing was saved",
+                          "quillmarch: 1 deck not begun: b.pptx"])
         self.assertEqual(self.folder_names(), ["a.pptx", "b.pptx"])
 
     def test_a_worker_that_hangs_is_left_behind_after_two_seconds(self):

@@ -126,11 +126,11 @@ class Text(SelectTest):
 
 class Refusals(SelectTest):
     def test_shapes_of_several_slides(self):
-        self.assertIn("shapes on several slides can't be selected together",
+        self.assertIn("shapes on several slides cannot be selected together",
                       self.refused("--select", "3:#1,4:#1"))
 
     def test_selections_that_no_host_has(self):
-        self.assertIn("slides and shapes can't", self.refused("--select", "2,3:#1"))
+        self.assertIn("slides and shapes cannot", self.refused("--select", "2,3:#1"))
         self.assertIn("only by itself", self.refused("--select", "3:#1:1+2,3:#2"))
         self.assertIn("only by itself", self.refused("--select", "3:#1:1+2", "--select", "3:#1:5+2"))
         self.assertIn("only with others of the same group", self.refused("--select", "4:#1,4:#2/1"))
@@ -138,7 +138,7 @@ class Refusals(SelectTest):
     def test_what_is_no_selection(self):
         for word in ("x", "0", "7-5", "1-", "-1", "3:", ":#1", "3:#", "3:#0", "3:#1/", "3:#x", "2,,3",
                      "2 ,3", "99999999999", "3:#99999999999"):
-            self.assertIn("--select wants", self.refused("--select=" + word), word)
+            self.assertIn("--select takes", self.refused("--select=" + word), word)
 
     def test_a_slide_besides(self):
         self.assertIn("--slide", self.refused("--select", "2", "--slide", "2"))

@@ -58,7 +58,7 @@ class Trial:
         if output is None and not in_place:
             target.write_bytes(EARLIER)
         before = deck.read_bytes() if deck.is_file() else None
-        arguments = [] if in_place else ["--output", target]
+        arguments = [] if in_place else ["--output", target, "--force"]
         outcome = self.command.measured("translate", deck, "--to", "es", "--engine", "pseudo", *arguments, *more, **limits)
         faults = []
         if before is not None and deck.read_bytes() != before:
@@ -101,13 +101,15 @@ def really_full_disk(trial, deck):
         (place / "filler").write_bytes(b"x" * 60000)
         target = place / "result.pptx"
         target.write_bytes(b"old")
-        outcome = trial.command.measured("translate", deck, "--to", "es", "--engine", "pseudo", "--output", target)
+        outcome = trial.command.measured("translate", deck, "--to", "es", "--engine", "pseudo", "--output", target,
+                                         "--force")
         faults = [] if target.read_bytes() == b"old" else ["the earlier output changed"]
         if sorted(path.name for path in place.iterdir()) != ["filler", "result.pptx"]:
             faults.append("left something behind")
         trial.judge("small-disk", outcome, faults, (deck.name, "result.pptx"))
         subprocess.run(["mount", "-o", "remount,ro", str(place)], check=True)
-        outcome = trial.command.measured("translate", deck, "--to", "es", "--engine", "pseudo", "--output", target)
+        outcome = trial.command.measured("translate", deck, "--to", "es", "--engine", "pseudo", "--output", target,
+                                         "--force")
         trial.judge("read-only-disk", outcome, [], (deck.name, "result.pptx"))
     finally:
         subprocess.run(["umount", str(place)], check=False)

@@ -153,7 +153,7 @@ TEST(TextRectangle, ARoomIsNeverNegative) {
   EXPECT_EQ(room.height, 0.0);
 }
 
-TEST(TextRectangle, ATurnedBoxStandsAroundItsTurnedCorners) {
+TEST(TextRectangle, ATurnedBoxEnclosesItsTurnedCorners) {
   const deck::ShapeBox area{10, 20, 100, 50};
   const deck::ShapeBox line{10, 20, 40, 12};
   const auto expect = [&](double degrees, const deck::ShapeBox& wanted) {

@@ -9,7 +9,7 @@ namespace {
 
 using Texts = std::vector<std::u16string>;
 
-TEST(FillLines, WordsWrapAtBlanksAndTheBlankHangs) {
+TEST(FillLines, WordsWrapAtSpacesAndTheSpaceHangs) {
   EXPECT_EQ((Texts{u"one two ", u"three"}), Lines(Frame(9, u"one two three")));
   EXPECT_EQ((Texts{u"one two ", u"three"}), Lines(Frame(7, u"one two three")));
   EXPECT_EQ((Texts{u"one ", u"two ", u"three"}), Lines(Frame(6.9, u"one two three")));
@@ -19,7 +19,7 @@ TEST(FillLines, AWidthThatFitsExactlyFits) {
   EXPECT_EQ((Texts{u"one two three"}), Lines(Frame(13, u"one two three")));
 }
 
-TEST(FillLines, ManyBlanksHangTogether) {
+TEST(FillLines, ManySpacesHangTogether) {
   EXPECT_EQ((Texts{u"one      ", u"two"}), Lines(Frame(4, u"one      two")));
 }
 
@@ -53,7 +53,7 @@ TEST(FillLines, ASurrogatePairAndACombiningMarkAreNotCut) {
   EXPECT_EQ((Texts{u"e\u0301", u"e\u0301"}), Lines(Frame(1, u"e\u0301e\u0301")));
 }
 
-TEST(FillLines, ChineseTextBreaksWithoutBlanks) {
+TEST(FillLines, ChineseTextBreaksWithoutSpaces) {
   // A Chinese character is as wide as the size: six to a line of 60 points.
   EXPECT_EQ((Texts{u"本季度的评审", u"表明每个地区", u"都完成"}),
             Lines(Frame(60.0 / kCell, u"本季度的评审表明每个地区都完成")));

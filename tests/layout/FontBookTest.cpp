@@ -10,7 +10,7 @@ FontWish Wish(const char* family) {
   return {family, "en", false, false};
 }
 
-TEST(FontBook, FontsOfTheSameMetricsStandForThoseThatAreNotFree) {
+TEST(FontBook, FontsOfTheSameMetricsReplaceThoseThatAreNotFree) {
   FontBook book;
   EXPECT_EQ("Carlito", book.Find(Wish("Calibri")).family);
   EXPECT_EQ("Caladea", book.Find(Wish("Cambria")).family);

@@ -22,7 +22,7 @@ Spacing Share(double value) {
   return {Spacing::Unit::kShare, value};
 }
 
-TEST(LayoutEngine, OneLineOf18PointsIs21Point6HighAndStandsAtTheInsets) {
+TEST(LayoutEngine, OneLineOf18PointsIs21Point6HighAndBeginsAtTheInsets) {
   LayoutFrame frame = Frame(40, std::vector<LayoutParagraph>{Paragraph(u"Hello", 18.0)});
   frame.insetLeft = frame.insetRight = 7.2;
   frame.insetTop = frame.insetBottom = 3.6;
@@ -64,7 +64,7 @@ TEST(LayoutEngine, ALineBreakOfAnotherSizeDoesNotRaiseALineWithText) {
   EXPECT_NEAR(36.0 + kLine, HeightOf(frame), kNear);
 }
 
-TEST(LayoutEngine, SpacingStandsBetweenParagraphsAndNeitherAboveTheFirstNorBelowTheLast) {
+TEST(LayoutEngine, SpacingGoesBetweenParagraphsButNotAboveTheFirstOrBelowTheLast) {
   LayoutFrame frame = TwoParagraphs();
   for (LayoutParagraph& paragraph : frame.paragraphs) {
     paragraph.before = Points(5.0);
@@ -127,7 +127,7 @@ TEST(LayoutEngine, RaisedTextIsSmallerAndKeepsTheHeightOfItsLine) {
   EXPECT_GT(HeightOf(frame), kLine);
 }
 
-TEST(LayoutEngine, CharacterSpacingStandsBehindEveryCharacter) {
+TEST(LayoutEngine, CharacterSpacingFollowsEveryCharacter) {
   LayoutFrame frame = Frame(20, u"abc");
   frame.paragraphs[0].runs[0].spacing = 2.0;
   EXPECT_NEAR(3 * (kCell + 2.0), LaidOut(frame).width, kNear);
@@ -186,7 +186,7 @@ TEST(LayoutEngine, ALineIsAsHighAsTheNamedFontAsksWhicheverShowsItsCharacters) {
   EXPECT_GT(HeightOf(frame), height * 1.2);
 }
 
-TEST(LayoutEngine, ANoBreakSpaceIsAsWideAsTheBlankOfItsFont) {
+TEST(LayoutEngine, ANoBreakSpaceIsAsWideAsTheSpaceOfItsFont) {
   // Carlito has none of its own.
   LayoutFrame frame = Frame(40, u"\u00a0\u00a0x");
   frame.paragraphs[0].runs[0].fonts.latin = "Calibri";
@@ -244,7 +244,7 @@ TEST(LayoutEngine, TheSameFrameMeasuresTheSameWhateverWasMeasuredBetween) {
   EXPECT_EQ(first.Bounds(), LaidOut(frame).Bounds());
 }
 
-TEST(LayoutEngine, TheSameWordInAnotherFontIsMeasuredAnew) {
+TEST(LayoutEngine, TheSameWordInAnotherFontIsMeasuredAgain) {
   LayoutEngine layout;
   LayoutFrame frame = Frame(40, u"illicit");
   double even = layout.LayOut(frame).width;

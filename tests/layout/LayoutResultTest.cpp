@@ -46,7 +46,7 @@ TEST(LayoutResult, TheBoxOfAParagraphIsThatOfItsLines) {
   ExpectBox({0, 2 * kLine, 5 * kCell, kLine}, laid.Bounds(5, 5));
 }
 
-TEST(LayoutResult, AnEmptyLastParagraphTakesItsRoomInTheWholeTextAlone) {
+TEST(LayoutResult, AnEmptyLastParagraphTakesItsRoomOnlyInTheWholeText) {
   LayoutResult laid =
       LaidOut(Frame(20, std::vector<LayoutParagraph>{Paragraph(u"one"), Paragraph(u"")}));
   ExpectBox({0, 0, 3 * kCell, 2 * kLine}, laid.Bounds());
@@ -114,7 +114,7 @@ TEST(LayoutResult, TurnedTextWrapsAtTheFramesHeight) {
   EXPECT_NEAR(97.0 - 2 * kLine, laid.Bounds(3, 2).left, kNear);
 }
 
-TEST(LayoutResult, EastAsianCharactersStandUprightOneSizeBelowTheOther) {
+TEST(LayoutResult, EastAsianCharactersAreUprightOneSizeBelowTheOther) {
   LayoutFrame frame = Turned(Direction::kEastAsian);
   frame.paragraphs[0].runs[0].text = u"中文字";
   ExpectBox({97.0 - kLine, 2.0, kLine, 30.0}, LaidOut(frame).Bounds());

@@ -22,7 +22,7 @@ LayoutFrame Aligned(Alignment alignment) {
   return frame;
 }
 
-TEST(PlaceLine, LinesStandLeftInTheMiddleAndRightWithoutTheirHangingBlanks) {
+TEST(PlaceLine, LinesAreAlignedWithoutTheirHangingSpaces) {
   EXPECT_EQ((std::vector<double>{0, 0}), LeftsInCells(LaidOut(Aligned(Alignment::kLeft))));
   EXPECT_EQ((std::vector<double>{2, 3}), LeftsInCells(LaidOut(Aligned(Alignment::kCenter))));
   EXPECT_EQ((std::vector<double>{4, 6}), LeftsInCells(LaidOut(Aligned(Alignment::kRight))));
@@ -43,7 +43,7 @@ TEST(PlaceLine, TheLastLineOfAJustifiedParagraphIsNotStretched) {
   EXPECT_NEAR(9 * kCell, laid.lines[1].width, kNear);
 }
 
-TEST(PlaceLine, BlanksThatHangShowNothingAtTheLinesEnd) {
+TEST(PlaceLine, HangingSpacesShowNothingAtTheLinesEnd) {
   LayoutResult left = LaidOut(Frame(9, u"one two three"));
   EXPECT_NEAR(7 * kCell, static_cast<double>(left.unitLeft[7]), kNear);
   EXPECT_EQ(left.unitLeft[7], left.unitRight[7]);
@@ -123,7 +123,7 @@ TEST(PlaceLine, LatinWordsInsideHebrewKeepTheirDirection) {
   EXPECT_LT(laid.unitLeft[5], laid.unitLeft[2]);
 }
 
-TEST(PlaceLine, HebrewInsideLatinStandsBetweenItsNeighbours) {
+TEST(PlaceLine, HebrewInsideLatinIsPlacedBetweenItsNeighbours) {
   LayoutResult laid = LaidOut(Frame(40, u"a \u05d0\u05d1 b"));
   EXPECT_LT(laid.unitLeft[0], laid.unitLeft[3]);
   EXPECT_LT(laid.unitLeft[3], laid.unitLeft[2]);
@@ -146,7 +146,7 @@ TEST(PlaceLine, ArabicLettersJoinAcrossTheWord) {
   EXPECT_GT(joined.width, 0.0);
 }
 
-TEST(PlaceLine, WithWrapOffACentredLineStandsOverBothEdges) {
+TEST(PlaceLine, WithWrapOffACentredLineReachesOverBothEdges) {
   LayoutFrame frame = Frame(5, u"one two three");
   frame.wrap = false;
   frame.paragraphs[0].alignment = Alignment::kCenter;

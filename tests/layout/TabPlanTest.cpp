@@ -7,7 +7,7 @@ namespace quillmarch::host::layout {
 
 namespace {
 
-// Where the unit stands, in cells.
+// Where the unit is, in cells.
 double CellOf(const LayoutFrame& frame, std::size_t unit) {
   LayoutResult laid = LaidOut(frame);
   return static_cast<double>(laid.unitLeft[unit]) / kCell;
@@ -27,7 +27,7 @@ TEST(TabPlan, AStopOfTheParagraphGoesBeforeTheDefaults) {
   EXPECT_NEAR(10.0, CellOf(frame, 6), kNear);
 }
 
-TEST(TabPlan, TextEndsAtARightStopAndStandsAroundACentredOne) {
+TEST(TabPlan, TextEndsAtARightStopAndIsCentredOnACentredOne) {
   LayoutFrame frame = Frame(60, u"a\txyz");
   frame.paragraphs[0].tabs = {{20 * kCell, TabAlignment::kRight}};
   EXPECT_NEAR(17.0, CellOf(frame, 2), kNear);
@@ -35,7 +35,7 @@ TEST(TabPlan, TextEndsAtARightStopAndStandsAroundACentredOne) {
   EXPECT_NEAR(18.5, CellOf(frame, 2), kNear);
 }
 
-TEST(TabPlan, ADecimalStopStandsBeforeThePoint) {
+TEST(TabPlan, ADecimalStopIsBeforeThePoint) {
   LayoutFrame frame = Frame(60, u"a\t12.345");
   frame.paragraphs[0].tabs = {{20 * kCell, TabAlignment::kDecimal}};
   EXPECT_NEAR(18.0, CellOf(frame, 2), kNear);
@@ -54,7 +54,7 @@ TEST(TabPlan, HangingTextIsAStopOfItsOwn) {
   EXPECT_NEAR(4.0, CellOf(frame, 3), kNear);
 }
 
-TEST(TabPlan, TextBehindATabWrapsWhereTheLineEnds) {
+TEST(TabPlan, TextAfterATabWrapsWhereTheLineEnds) {
   EXPECT_EQ((std::vector<std::u16string>{u"abc\tlong ", u"words"}),
             Lines(Frame(16, u"abc\tlong words")));
 }

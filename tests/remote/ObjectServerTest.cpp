@@ -122,7 +122,7 @@ TEST_F(ObjectServerTest, AnInterfaceIsAnsweredToAsTheObjectAnswers) {
   EXPECT_EQ(u"n", value.text());
 }
 
-TEST_F(ObjectServerTest, EachRoadCanBeClosedAloneAndTheRootStaysOpen) {
+TEST_F(ObjectServerTest, EachRoadCanBeClosedByItselfAndTheRootStaysOpen) {
   child->Value(u"Name", ppt::shape::kName.id, Variant::Text(u"n"));
   child->Interface(ppt::kShape);
   Variant value;

@@ -96,7 +96,7 @@ TEST_F(RemoteControlTest, CallsAndReferencesAreCounted) {
   EXPECT_EQ(1, Count(u"LiveReferences"));
 }
 
-TEST_F(RemoteControlTest, TheCallsThatAreToFailDoAndThoseBehindThemDoNot) {
+TEST_F(RemoteControlTest, TheCallsThatAreToFailDoAndThoseAfterThemDoNot) {
   const ObjectRef application = Open();
   constexpr ResultCode kBusy = MakeResult(0x8001010A);
   Variant value;

@@ -9,7 +9,7 @@
 
 #include "foundation/seams/FontList.h"
 #include "foundation/seams/HostThread.h"
-#include "host/driver/IdleHands.h"
+#include "host/driver/UnattendedInput.h"
 
 namespace quillmarch::addin::test {
 

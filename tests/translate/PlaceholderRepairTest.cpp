@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+
 #include "translate/ResponseChecks.h"
 #include "translate/ScriptedPage.h"
 #include "translate/TranslateRequest.h"
@@ -95,6 +98,24 @@ TEST(CheckPlaceholders, ACancelEndsIt) {
   EXPECT_EQ(outcome.code, u"cancelled");
 }
 
+TEST(CheckPlaceholders, APauseHoldsItUntilItIsLiftedOrTheRunCancelled) {
+  for (const bool cancel : {false, true}) {
+    TranslateConfig config;
+    config.paused = 1;
+    auto check =
+        std::async(std::launch::async, [&] { return Check(config, {u"plain"}, {u"llano"}); });
+    EXPECT_EQ(check.wait_for(std::chrono::milliseconds(120)), std::future_status::timeout);
+    if (cancel) {
+      config.cancelled = 1;
+    } else {
+      config.paused = 0;
+    }
+    const Outcome outcome = check.get();
+    EXPECT_EQ(outcome.ok, !cancel);
+    EXPECT_EQ(outcome.code, cancel ? u"cancelled" : u"");
+  }
+}
+
 TEST(TranslateTexts, AFailedPlaceholderCheckIsNeitherRetriedNorSplit) {
   TranslateConfig config;
   ScriptedPage page(config, [](const TranslateBatchRequest& request) {
@@ -108,6 +129,15 @@ TEST(TranslateTexts, AFailedPlaceholderCheckIsNeitherRetriedNorSplit) {
   EXPECT_EQ(message, u"Translation altered locked placeholders (cross-ref/formula)");
   // The batch and the one repair.
   EXPECT_EQ(page.Sizes(), (std::vector<std::size_t>{2, 1}));
+}
+
+TEST(CheckPlaceholders, APauseHoldsIt) {
+  TranslateConfig config;
+  config.paused = 1;
+  auto call = std::async(std::launch::async, [&] { return Check(config, {u"plain"}, {u"llano"}); });
+  EXPECT_EQ(call.wait_for(std::chrono::milliseconds(150)), std::future_status::timeout);
+  config.paused = 0;
+  EXPECT_TRUE(call.get().ok);
 }
 
 }  // namespace

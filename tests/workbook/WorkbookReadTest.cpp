@@ -199,6 +199,33 @@ TEST(WorkbookRead, AnyPrefixAndStrictNamespacesAreRead) {
   EXPECT_EQ(workbook->Sheet(0)->Cells().size(), 1u);
 }
 
+TEST(WorkbookRead, AReferenceGivesItsCellsWithoutHiddenOnesWhereAsked) {
+  BuiltWorkbook built =
+      OneSheet(Row(1, TextCell("A1", "a") + NumberCell("B1", "2")) + "<row r=\"2\" hidden=\"1\">" +
+               TextCell("A2", "b") + "</row>" + Row(3, TextCell("B3", "c")));
+  built.sheets.push_back({"Bob's data", Row(1, TextCell("A1", "other"))});
+  const auto workbook = Opened(built);
+  CellBlock block;
+  ASSERT_TRUE(workbook->ReadReference(u"Sheet1!$A$1:$B$3", false, block));
+  EXPECT_EQ(block.rows, 3u);
+  EXPECT_EQ(block.columns, 2u);
+  EXPECT_EQ(block.cells[1].value.number, 2);
+  EXPECT_EQ(block.cells[2].text, u"b");
+  EXPECT_EQ(block.cells[3].value.kind, CellValue::Kind::kEmpty);
+  ASSERT_TRUE(workbook->ReadReference(u"=SHEET1!$A$1:$B$3", true, block));
+  EXPECT_EQ(block.rows, 2u);
+  EXPECT_EQ(block.cells[3].text, u"c");
+  ASSERT_TRUE(workbook->ReadReference(u"('Bob''s data'!A1,Sheet1!A1:A2)", false, block));
+  EXPECT_EQ(block.rows, 3u);
+  EXPECT_EQ(block.columns, 1u);
+  EXPECT_EQ(block.cells[0].text, u"other");
+  for (const WideView none :
+       {u"Nowhere!A1", u"Sheet1!#REF!", u"[1]Sheet1!A1", u"", u"Sheet1!A:C"}) {
+    EXPECT_FALSE(workbook->ReadReference(none, false, block)) << ToUtf8(none);
+    EXPECT_TRUE(block.cells.empty());
+  }
+}
+
 TEST(WorkbookRead, ASheetThatCannotBeReadSaysWhyAndHasEmptyCells) {
   BuiltWorkbook built = OneSheet("");
   built.sheets[0].rows = "<row>";

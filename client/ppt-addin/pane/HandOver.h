@@ -1,5 +1,5 @@
 // What the connection to the host leaves for the next pane that is made: a host constructs panes by
-// their class alone. Host thread only; one block for the process.
+// their class only. Host thread only; one block for the process.
 #pragma once
 
 #include <cstdint>

@@ -36,7 +36,7 @@ struct MessageAnswer {
 // kHandled for the messages that the pane serves itself, in the order of its tests.
 MessageAnswer RouteFirst(const WindowMessage& message);
 
-// What becomes of a message that the stock map has left alone: a reflected control message goes to
+// What becomes of a message that the stock map has not handled: a reflected control message goes to
 // the default procedure as what it was before.
 MessageAnswer RouteAfterStock(const WindowMessage& message);
 

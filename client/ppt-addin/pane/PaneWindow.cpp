@@ -10,7 +10,7 @@ namespace quillmarch::addin {
 
 namespace {
 
-// All windows of a process may share one host thread, which tells timers apart by number alone.
+// All windows of a process may share one host thread, which tells timers apart only by number.
 constexpr std::uint32_t kTimersOfOneWindow = 16;
 std::atomic<std::uint32_t> windowCounter{0};
 

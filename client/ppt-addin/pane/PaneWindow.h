@@ -14,7 +14,7 @@
 namespace quillmarch::addin {
 
 class PaneWindow : public std::enable_shared_from_this<PaneWindow> {
-  struct Key {};  // lets Make alone construct
+  struct Key {};  // lets only Make construct
 
  public:
   using Callable = HostThread::Callable;
@@ -29,7 +29,7 @@ class PaneWindow : public std::enable_shared_from_this<PaneWindow> {
   // was destroyed unrun at once.
   bool Post(Callable call);
 
-  // Host thread. A timer of this window alone, whatever ids other windows use. False when the
+  // Host thread. A timer of this window only, whatever ids other windows use. False when the
   // window is gone or the timer cannot be had.
   bool SetTimer(std::uint32_t id, std::uint32_t ms, Callable call);
   void KillTimer(std::uint32_t id);
@@ -54,7 +54,7 @@ class PaneWindow : public std::enable_shared_from_this<PaneWindow> {
 };
 
 // The one road from any thread to a pane's window thread. A null window, or one that has gone,
-// loses the call without a word. An empty callable ends the process when its turn comes.
+// loses the call silently. An empty callable ends the process when its turn comes.
 void PostToPane(const std::shared_ptr<PaneWindow>& window, PaneWindow::Callable call);
 
 }  // namespace quillmarch::addin

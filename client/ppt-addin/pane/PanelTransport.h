@@ -43,8 +43,8 @@ class PanelTransport {
   void CompleteTranslate(const Wide& message);
   void CompleteTerminology(const Wide& message);
 
-  // Ends every wait for a translation, of any run. Terminology waits go on: they end by the page's
-  // answer or by their time alone.
+  // Ends every wait for a translation, of any run. Terminology waits go on: only the page's
+  // answer or their time limit ends them.
   void FailAllPendingTranslate(const Wide& code);
 
  private:

@@ -5,7 +5,7 @@
 namespace quillmarch::addin {
 
 void RequestEvent::Set() {
-  // Told under the lock: the waiter may let go of the event as soon as it sees it set.
+  // Notified under the lock: the waiter may release the event as soon as it sees it set.
   const std::lock_guard lock(mutex_);
   set_ = true;
   changed_.notify_all();

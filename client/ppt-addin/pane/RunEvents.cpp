@@ -68,7 +68,7 @@ void FillRunSink(CPptPane& pane, std::uint64_t runId, RunSink& sink) {
   const EventRoad road{pane.window(), pane.weak_from_this(), runId};
   sink.onRunStarted = [road] { road.Send(u"onRunStarted", AddNothing); };
   sink.onScanProgress = [road](std::int32_t current, std::int32_t total, const Wide& phase) {
-    // The phase is one of the run's own fixed words, so it goes in as it stands.
+    // The phase is one of the run's own fixed words, so it goes in unescaped.
     road.Send(u"onScanProgress", [current, total, phase](Fields& fields) {
       fields.Number(u"current", current).Number(u"total", total).Raw(u"phase", phase);
     });

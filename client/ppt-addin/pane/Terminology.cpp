@@ -26,7 +26,7 @@ std::vector<GlossaryEntry> ReadEnabledEntries(WideView text) {
     if (!entry.source.empty() && !entry.target.empty() && JsonGetFlag(object, u"enabled")) {
       entries.push_back(std::move(entry));
     }
-    // One look for both: a search for the bracket alone would go to the text's end each time.
+    // One search for both: a search for only the bracket would run to the text's end each time.
     at = text.find_first_of(u"]{", close + 1);
     if (at == WideView::npos || text[at] == u']') return entries;
   }

@@ -1,6 +1,6 @@
-// What the host makes when it loads the add-in: the connection to the host, its ribbon and one task
-// pane for each document window. Every entry point is called on the host thread, in any order and
-// as often as the host likes; none throws.
+// What the host creates when it loads the add-in: the connection to the host, its ribbon and one
+// task pane for each document window. Every entry point is called on the host thread, in any order
+// and as often as the host likes; none throws.
 #pragma once
 
 #include <functional>
@@ -18,7 +18,7 @@
 
 namespace quillmarch::addin {
 
-// What a connection stands in. All of it outlives the connection.
+// What a connection is given. All of it outlives the connection.
 struct ShellSurroundings {
   HostThread& thread;
   Desktop& desktop;
@@ -51,8 +51,8 @@ class CConnect {
 
   // ---- The ribbon's dispatch, and IRibbonCallback (Ribbon.cpp) ---------------------------------
 
-  // IDispatch::Invoke for the ids of the ribbon. `args` stand as in rgvarg, the last one first.
-  // `result` may be null. False for an id that is the type library's to serve.
+  // IDispatch::Invoke for the ids of the ribbon. `args` are ordered as in rgvarg, the last one
+  // first. `result` may be null. False for an id that is the type library's to serve.
   bool Invoke(DispId id, std::span<const RibbonArgument> args, Variant* result, ResultCode& code);
 
   // `control` may be null, for all of them.
@@ -95,7 +95,7 @@ class CConnect {
   PaneMap panes;
 
  private:
-  // The outermost handler of an entry: what an exception leaves behind is success.
+  // The outermost handler of an entry: an exception ends as success.
   static ResultCode Enter(const std::function<ResultCode()>& body);
   void ShowBox(const Wide& text, std::uint32_t style);
 

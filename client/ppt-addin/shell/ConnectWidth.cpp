@@ -32,7 +32,7 @@ void CConnect::LeaveWidthHook() {
 
 void CConnect::ForEachPane(const std::function<void(TaskPane&, PaneWidthState&)>& act) {
   // A host call may let in what changes the map, so each entry is looked up anew and the pane held;
-  // inside a timer's call the host may even let go of us.
+  // inside a timer's call the host may even release us.
   const std::weak_ptr<const bool> life = life_;
   for (auto at = panes.begin(); at != panes.end();) {
     const std::int64_t key = at->first;

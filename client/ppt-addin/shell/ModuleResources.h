@@ -16,7 +16,7 @@ class ModuleResources {
 
   virtual ~ModuleResources() = default;
 
-  // The bytes of a resource as they stand in its file. False when there is none.
+  // The bytes of a resource, unchanged from its file. False when there is none.
   virtual bool Load(const char16_t* type, std::uint16_t id, std::string& bytes) = 0;
 };
 

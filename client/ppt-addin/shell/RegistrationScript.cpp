@@ -44,7 +44,7 @@ bool IsBlank(char16_t unit) {
   return unit == u' ' || unit == u'\t' || unit == u'\r' || unit == u'\n';
 }
 
-// Quotes in what is put in are doubled, as it always stands inside quotes.
+// Quotes in a replacement are doubled, as it is always inside quotes.
 bool Replace(WideView script, const ScriptVariables& variables, Wide& out) {
   for (std::size_t i = 0; i < script.size(); ++i) {
     if (script[i] != u'%') {
@@ -65,7 +65,7 @@ bool Replace(WideView script, const ScriptVariables& variables, Wide& out) {
   return true;
 }
 
-// One quoted word from behind its opening quote; `at` ends behind the closing one.
+// One quoted word, from after its opening quote; `at` ends after the closing one.
 bool ReadQuoted(WideView text, std::size_t& at, Wide& out) {
   for (; at < text.size(); ++at) {
     if (text[at] == u'\'') {

@@ -1,11 +1,11 @@
-// The registration scripts: text that names registry keys and values as a tree, run to write them
-// or to take them away.
+// The registration scripts: text that names registry keys and values as a tree, run to write or
+// remove them.
 //
 //   ROOT { [NoRemove|ForceRemove] KEY [= s 'text'] { ... [NoRemove] val NAME = s 'text' ... } ... }
 //
-// A value's type is s (text) or d (number). Words are parted by blanks; one that holds blanks or
-// nothing stands in quotes, and a quote inside quotes stands twice. %NAME% is replaced before
-// anything else, and %% is a percent sign. ROOT is HKCU, or HKCR, which stands for
+// A value's type is s (text) or d (number). Words are separated by spaces; a word that
+// contains spaces or is empty is quoted, and a quote inside quotes is doubled. %NAME% is replaced
+// before anything else, and %% is a percent sign. ROOT is HKCU, or HKCR, which means
 // HKCU\Software\Classes, since registration is the user's own. Any other root is refused, so that
 // nothing can be written elsewhere.
 #pragma once
@@ -20,20 +20,20 @@ namespace quillmarch::addin {
 
 using ScriptVariables = std::map<Wide, Wide>;  // name without percent signs, text
 
-// A text that is no script; nothing has been touched.
+// The text is not a script; nothing has been touched.
 inline constexpr ResultCode kBadScript = MakeResult(0x80020009);
 
-// The HRESULT that stands for a Win32 code.
+// The HRESULT of a Win32 code.
 ResultCode ResultOfWin32(UserRegistry::Code code);
 
-// Keys and values are made in the script's order; a ForceRemove key after what stood there was
-// taken away. The first failure of the registry ends the run and is its result.
+// Keys and values are made in the script's order; a ForceRemove key after the existing one
+// was removed. The first failure of the registry ends the run and is its result.
 ResultCode RunRegisterScript(WideView script, const ScriptVariables& variables,
                              UserRegistry& registry);
 
-// A ForceRemove key goes with all below it; any other key loses the script's values and goes when
-// nothing is left in it. What is marked NoRemove stays. What is not there is no failure. The run
-// goes on over failures, and the first is its result.
+// A ForceRemove key is removed with everything below it; any other key loses the script's values
+// and is removed when it is then empty. What is marked NoRemove stays. A missing key or value is
+// not a failure. The run continues after failures, and the first is its result.
 ResultCode RunUnregisterScript(WideView script, const ScriptVariables& variables,
                                UserRegistry& registry);
 

@@ -42,7 +42,7 @@ void DockRight(TaskPane& pane) {
   }
 }
 
-// The window that a task pane stands in, by its words; empty when it cannot be told.
+// The two words of the window that a task pane is in; empty when unknown.
 WindowContext ContextOfPane(TaskPane& pane) {
   ObjectRef window;
   if (Failed(pane.GetWindow(window)) || !window) return {};
@@ -54,7 +54,7 @@ bool StandsIn(TaskPane& pane, const WindowContext& context) {
   return Succeeded(pane.GetWindow(window)) && window && IsWindow(window.get(), context);
 }
 
-// A pane that is shutting down may still stand for its window, kept by a worker that hangs.
+// A pane that is shutting down may still be listed for its window, kept by a worker that hangs.
 std::shared_ptr<CPptPane> LivePaneOf(const WindowContext& context) {
   const std::vector<std::shared_ptr<CPptPane>> live = LivePanes();
   const auto find = [&](auto matches) -> std::shared_ptr<CPptPane> {
@@ -118,7 +118,7 @@ void CConnect::OpenPage(const char16_t* page, AutomationObject* control, const W
     if (live->HasWindow()) live->browser().SetMode(mode);
   }
   if (live != nullptr) live->browser().SetPanelPage(asked);
-  // Let go of in one of these calls, the pane has been hidden for good.
+  // If one of these calls dropped the pane, it has been hidden for good.
   if (!panes.contains(PaneMapKey(clicked.context))) return;
   ensured.pane->PutVisible(true);
   LogLine(u"PPT ShowPanePage visible panes=" + DecimalUnsigned(panes.size()) + u" justCreated=" +
@@ -139,7 +139,7 @@ CConnect::EnsuredPane CConnect::EnsureTaskPane(const WindowContext& context,
   if (IsGoodEntry(key, context)) return {kOk, ReusePane(key, context), false};
   LogNoMatch(key, context);
 
-  // The host let go of us while panes were hidden.
+  // The host released us while panes were hidden.
   if (!hostApp) return {};
   std::shared_ptr<TaskPane> pane;
   const ResultCode code = CreateTaskPane(*factory, context, window, pane);

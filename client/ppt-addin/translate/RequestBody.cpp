@@ -6,7 +6,7 @@ namespace quillmarch::addin {
 
 namespace {
 
-// Of a body without its texts, and of what stands around each: only what is set aside at first.
+// For a body without its texts, and for what surrounds each text: only the initial reservation.
 constexpr std::size_t kUsualSize = 640;
 constexpr std::size_t kAroundText = 8;
 
@@ -70,7 +70,7 @@ Wide BuildRequestBody(const TranslateBatchRequest& request) {
   body.reserve(size);
   AppendTexts(body, u"{\"texts\":", request.texts);
   if (!request.unitIds.empty()) AppendTexts(body, u",\"unitIds\":", request.unitIds);
-  // The language codes are trusted and go in as they stand.
+  // The language codes are trusted and go in unescaped.
   body += u",\"sourceLang\":\"" + request.sourceLang + u"\"";
   body += u",\"targetLang\":\"" + request.targetLang + u"\"";
   AppendOptional(body, u",\"usageKind\":", request.usageKind);

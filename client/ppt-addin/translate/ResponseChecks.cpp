@@ -17,7 +17,7 @@ constexpr std::size_t kShortestPlaceholder = 7;
 
 constexpr char16_t kCreditsCode[] = u"insufficient_credits";
 constexpr char16_t kCreditsWords[] = u"积分不足";
-// Between the words stand the three bytes of a full-width comma, read one by one. The panel knows
+// Between the words are the three bytes of a full-width comma, read one by one. The panel knows
 // the text in this form, so they stay.
 constexpr char16_t kCreditsMessage[] = u"积分不足\u00EF\u00BC\u008C请充值或升级套餐后继续翻译。";
 

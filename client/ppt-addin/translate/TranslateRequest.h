@@ -24,7 +24,7 @@ bool TranslateSingle(TranslateConfig& config, const Wide& text, Wide& outTransla
 
 TranslateBatchRequest BuildBatchRequest(const TranslateConfig& config, std::span<const Wide> texts,
                                         const std::vector<Wide>* unitIds);
-// The request body as JSON text, no blanks, keys in their fixed order.
+// The request body as JSON text, without spaces, keys in their fixed order.
 Wide BuildRequestBody(const TranslateBatchRequest& request);
 // The native transport.
 TranslateBatchResult PostTranslate(const TranslateConfig& config,

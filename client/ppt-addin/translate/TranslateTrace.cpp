@@ -44,7 +44,7 @@ void WriteTranslateTrace(const char* text) {
     MaintainLogDirectory(lastMaintenance, kTraceFileName);
     AppendToFile(JoinPath(folder, kTraceFileName), TraceLine(LocalTimeNow(), text));
   } catch (const std::exception&) {
-    // A line lost costs nobody anything; the attempt it tells of goes on.
+    // A lost line harms nobody; the attempt that it describes goes on.
   }
 }
 

@@ -1,4 +1,4 @@
-// The lines of the translate trace, one for each attempt. They are 8-bit text of bounded length:
+// The lines of the translate trace, one per attempt. They are 8-bit text of bounded length:
 // wide text goes in as UTF-8, and what a line's buffer cannot hold is cut off its end.
 #pragma once
 
@@ -11,11 +11,11 @@
 
 namespace quillmarch::addin {
 
-// Buffers, with the terminator that printf puts behind a text.
+// Buffers, with the terminator that printf puts after a text.
 inline constexpr std::size_t kAttemptTextBuffer = 512;
 inline constexpr std::size_t kTraceLineBuffer = 1536;
 
-// What one attempt tells of itself.
+// The facts of one attempt.
 struct TranslateAttempt {
   Wide clientTraceId;
   std::uint64_t runId = 0;

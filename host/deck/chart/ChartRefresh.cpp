@@ -1,7 +1,10 @@
 #include "host/deck/chart/ChartRefresh.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <utility>
 
 #include "host/deck/chart/ChartData.h"
@@ -25,10 +28,20 @@ pugi::xml_node ChildByLocal(pugi::xml_node parent, const char* local) {
   return {};
 }
 
+// Numbers closer than that, as a share of their size, are one: sheets and caches round their last
+// digits in different ways.
+constexpr double kSameNumber = 1e-12;
+
 struct Wanted {
   std::uint32_t index = 0;
   std::string text;  // UTF-8
 };
+
+bool SameNumber(const std::string& left, const std::string& right) {
+  const double one = std::strtod(left.c_str(), nullptr);
+  const double other = std::strtod(right.c_str(), nullptr);
+  return std::fabs(one - other) <= kSameNumber * std::max(std::fabs(one), std::fabs(other));
+}
 
 class Refresher {
  public:
@@ -47,7 +60,7 @@ class Refresher {
   void LabelRange(pugi::xml_node range);
   bool PutTexts(pugi::xml_node level, const std::vector<Wanted>& wanted, std::size_t count,
                 bool numbers);
-  std::string PointsXml(const std::vector<Wanted>& wanted) const;
+  std::string PointsXml(const std::vector<Wanted>& wanted, pugi::xml_node old = {}) const;
   std::string CountXml(std::size_t count) const;
   std::string KeptXml(pugi::xml_node cache, const char* local) const;
   // A point of the chart's own, "<c:pt idx="0"><c:v>text</c:v></c:pt>".
@@ -70,11 +83,20 @@ std::vector<Wanted> TextPoints(const SheetBlock& block) {
   return wanted;
 }
 
-std::string Refresher::PointsXml(const std::vector<Wanted>& wanted) const {
+// Points that `old` has too keep their formats.
+std::string Refresher::PointsXml(const std::vector<Wanted>& wanted, pugi::xml_node old) const {
+  std::map<std::int64_t, std::string> formats;
+  for (const pugi::xml_node point : old.children()) {
+    const pugi::xml_attribute format = point.attribute("formatCode");
+    if (format) formats.emplace(WholeAttribute(point, "idx", -1), format.value());
+  }
   std::string xml;
   for (const Wanted& point : wanted) {
-    xml += "<" + Tag("pt") + " idx=\"" + std::to_string(point.index) + "\"><" + Tag("v") + ">" +
-           EscapeText(point.text) + "</" + Tag("v") + "></" + Tag("pt") + ">";
+    xml += "<" + Tag("pt") + " idx=\"" + std::to_string(point.index) + "\"";
+    const auto format = formats.find(point.index);
+    if (format != formats.end()) xml += " formatCode=\"" + EscapeAttribute(format->second) + "\"";
+    xml +=
+        "><" + Tag("v") + ">" + EscapeText(point.text) + "</" + Tag("v") + "></" + Tag("pt") + ">";
   }
   return xml;
 }
@@ -106,9 +128,7 @@ bool Refresher::PutTexts(pugi::xml_node level, const std::vector<Wanted>& wanted
         WholeAttribute(child, "idx", -1) != static_cast<std::int64_t>(wanted[next].index)) {
       return false;
     }
-    const bool same = numbers ? std::strtod(old.c_str(), nullptr) ==
-                                    std::strtod(wanted[next].text.c_str(), nullptr)
-                              : old == wanted[next].text;
+    const bool same = numbers ? SameNumber(old, wanted[next].text) : old == wanted[next].text;
     if (!same) changed.emplace_back(value, &wanted[next]);
     ++next;
   }
@@ -157,7 +177,7 @@ void Refresher::Numbers(pugi::xml_node reference, const SheetBlock& block) {
   if (!cache || PutTexts(cache, wanted, block.points.size(), true)) return;
   edits_.push_back(ReplaceContent(bytes_, cache,
                                   KeptXml(cache, "formatCode") + CountXml(block.points.size()) +
-                                      PointsXml(wanted) + KeptXml(cache, "extLst")));
+                                      PointsXml(wanted, cache) + KeptXml(cache, "extLst")));
 }
 
 void Refresher::Levels(pugi::xml_node reference, const SheetBlock& block) {

@@ -14,7 +14,7 @@ constexpr double kEmuPerPoint = 12700.0;
 constexpr std::size_t kMostPlainBodies = 256;
 constexpr std::size_t kMostPlainCells = 32;
 
-// What holds when nobody says anything.
+// The defaults when nothing is set anywhere.
 CharProps LastResort() {
   CharProps props;
   props.size = kDefaultSize;

@@ -18,7 +18,7 @@ namespace quillmarch::host::deck {
 
 struct TextExtras {
   enum class Caps : std::uint8_t { kNone, kSmall, kAll };
-  std::optional<double> spacing;   // behind each character
+  std::optional<double> spacing;   // after each character
   std::optional<double> baseline;  // share of the size
   std::optional<Caps> caps;
   std::optional<double> kernFrom;  // the least size that is kerned; 0 for none

@@ -82,7 +82,7 @@ std::string WithChild(std::string_view raw, int rank, std::string_view child) {
       placed = true;
     }
   }
-  // Nothing of the same rank stands before `place`.
+  // Nothing of the same rank comes before `place`.
   std::string result(raw.substr(0, place));
   result.append(child);
   std::size_t at = place;

@@ -1,5 +1,5 @@
-// Edits on the raw XML of a run's properties (a:rPr): each gives the element anew with one thing
-// changed and everything else as it stood, to the byte. The order of children stays the one that
+// Edits on the raw XML of a run's properties (a:rPr): each returns the element with one thing
+// changed and everything else as it was, to the byte. The order of children stays the one that
 // the file format demands.
 #pragma once
 
@@ -18,11 +18,11 @@ std::string WithoutRunAttribute(std::string_view raw, std::string_view name);
 // go.
 std::string WithTypeface(std::string_view raw, std::string_view prefix, std::string_view local,
                          std::string_view face);
-// Replaces whatever fill there is by a solid one; `color` is a whole colour element.
+// Replaces any existing fill with a solid one; `color` is a whole colour element.
 std::string WithSolidFill(std::string_view raw, std::string_view prefix, std::string_view color);
 // The same element under another name, "a:endParaRPr" to "a:rPr" and back.
 std::string RenamedElement(std::string_view raw, std::string_view name);
-// As a new text's run bears it: without the marks of a spelling check of the old text.
+// As the run of a new text has it: without the spelling checker's marks on the old text.
 std::string ForNewText(std::string_view raw);
 
 }  // namespace quillmarch::host::deck

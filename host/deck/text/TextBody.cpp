@@ -27,8 +27,8 @@ Wide RunText(const XmlNames& names, pugi::xml_node run) {
   return text;
 }
 
-// Whether the run or field holds nothing but its properties and its text, so that writing both anew
-// loses nothing.
+// Whether the run or field holds nothing but its properties and its text, so that rewriting
+// both loses nothing.
 bool HoldsOnlyText(const XmlNames& names, pugi::xml_node run) {
   for (const pugi::xml_node child : run.children()) {
     if (child.type() != pugi::node_element) continue;
@@ -241,7 +241,7 @@ std::vector<TextSpan> TextBody::Runs(TextSpan span) {
       }
       last = format;
     }
-    // The mark belongs to the paragraph's last run, or stands alone.
+    // The mark belongs to the paragraph's last run, or is a run by itself.
     if (index + 1 < paragraphs_.size() && at >= span.start && at < end) {
       if (last != nullptr)
         ++runs.back().length;

@@ -1,5 +1,5 @@
 // One text body (p:txBody, a:txBody) as a line of UTF-16 units, and edits on it that keep every
-// byte around them. Positions are 0-based units: CR stands between paragraphs, VT for a line
+// byte around them. Positions are 0-based units: CR separates paragraphs, VT is a line
 // break, a field by its shown text.
 //
 // The parsed tree is only read. An edit lives here until AppendEdits() states it as edits on the
@@ -44,7 +44,7 @@ struct TextSpan {
   std::size_t length = 0;
 };
 
-// A paragraph as the layout takes it: what stands in it, with inheritance from the body's style
+// A paragraph as the layout takes it: its content, with inheritance from the body's style
 // but for the properties that only a layout asks for.
 struct ShownPiece {
   WideView text;                       // good until the next edit, as are the two below
@@ -58,7 +58,7 @@ struct ShownParagraph {
   ShownPiece mark;
 };
 
-// What stands in a paragraph, in order.
+// The content of a paragraph, in order.
 struct TextPiece {
   enum class Kind : std::uint8_t {
     kRun,
@@ -87,7 +87,7 @@ class TextBody {
   std::size_t Length() const { return length_; }
   Wide Text(TextSpan span);
 
-  // Paragraphs as they are now, 0-based. The span holds the mark behind every paragraph but the
+  // Paragraphs as they are now, 0-based. The span includes the mark after every paragraph but the
   // last.
   std::size_t ParagraphCount() const { return paragraphs_.size(); }
   TextSpan Paragraph(std::size_t index) const;
@@ -96,7 +96,7 @@ class TextBody {
   std::vector<TextSpan> Runs(TextSpan span);
 
   // Replaces the range, which becomes the new text's. CR, LF and CR LF split paragraphs, VT breaks
-  // lines. All of it bears the properties of the first run of the range. False, and nothing is
+  // lines. All of it has the properties of the first run of the range. False, and nothing is
   // changed, when the range holds an opaque piece. The same text again is no edit. A range that
   // begins or ends inside a surrogate pair takes the whole pair, here and in EditProps.
   bool PutText(TextSpan& span, WideView text);

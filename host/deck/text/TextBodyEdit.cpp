@@ -105,7 +105,7 @@ void TextBody::SplitAt(Para& para, std::size_t position) {
     TextPiece& piece = para.pieces[i];
     const std::size_t end = at + piece.text.size();
     if (position > at && position < end && piece.kind != TextPiece::Kind::kOpaque) {
-      // A part of a field is no field any more.
+      // Part of a field is no longer a field.
       piece.kind = TextPiece::Kind::kRun;
       piece.textChanged = true;
       TextPiece tail = piece;
@@ -155,7 +155,7 @@ void TextBody::Touch(std::size_t paragraph) {
   ++revision_;
 }
 
-// Half a pair is no character: written into a run of its own it would be lost.
+// Half a pair is not a character: written into a run of its own it would be lost.
 TextSpan TextBody::WholePairs(TextSpan span) {
   std::size_t start = std::min(span.start, length_);
   std::size_t end = start + std::min(span.length, length_ - start);
@@ -186,8 +186,8 @@ bool TextBody::PutText(TextSpan& place, WideView text) {
   std::size_t to = end - Paragraph(last).start;
   const std::size_t newLength = length_ - span.length + clean.size();
   if (last > first && to == 0 && !clean.empty() && clean.back() == kParagraphMark) {
-    // The range ends with a paragraph's mark and so does the text: the paragraph behind it is not
-    // concerned.
+    // The range ends with a paragraph's mark and so does the text: the paragraph after it is not
+    // affected.
     clean.pop_back();
     --last;
     to = paragraphs_[last].length;
@@ -227,7 +227,7 @@ bool TextBody::PutText(TextSpan& place, WideView text) {
   std::vector<Para> added;
   for (std::size_t i = 1; i < parts.size(); ++i) {
     Para para;
-    // Text that survives behind the range keeps its own paragraph.
+    // Text that remains after the range keeps its own paragraph.
     const bool keepsLast = i + 1 == parts.size() && last > first && !tail.empty();
     if (keepsLast) {
       para = std::move(paragraphs_[last]);
@@ -292,7 +292,7 @@ void TextBody::EditProps(TextSpan range, const PropertiesEdit& edit) {
       }
       at = pieceEnd;
     }
-    // A mark that stands alone makes its line's height. Beside a text it shows nothing, and stays.
+    // A mark by itself makes its line's height. Beside text it shows nothing, and stays.
     const bool alone = para.length == 0 && !HoldsOpaque(para, 0, 0);
     if (alone && index + 1 < paragraphs_.size()) {
       const std::string raw = para.ownEnd

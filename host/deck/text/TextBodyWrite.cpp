@@ -15,7 +15,7 @@ constexpr XmlNamespace kA = XmlNamespace::kDrawing;
 std::string TextBody::PieceXml(const TextPiece& piece) const {
   if (piece.Untouched() || piece.kind == TextPiece::Kind::kOpaque) return RawElement(piece.node);
   if (!piece.textChanged) {
-    // Only the properties differ: everything else of the element stands as it was.
+    // Only the properties differ: everything else in the element stays as it was.
     const std::string raw = RawElement(piece.node);
     const ElementSpan element = FindElement(raw, 1);
     if (!element.found) return raw;
@@ -74,7 +74,7 @@ void TextBody::AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) 
     else
       old.push_back(span);
   }
-  // Pieces that stand where they stood, from either end, are no part of the edit.
+  // Pieces still in their places, from either end, are not part of the edit.
   const std::size_t count = para.pieces.size();
   const auto stands = [&](std::size_t piece, std::size_t place) {
     const TextPiece& candidate = para.pieces[piece];
@@ -112,17 +112,17 @@ void TextBody::AppendParagraphEdits(const Para& para, std::vector<Edit>& edits) 
 void TextBody::AppendEdits(std::vector<Edit>& edits) const {
   if (!edited_) return;
   std::vector<bool> kept(sourceCount_, false);
-  std::size_t behind = 0;  // where a new paragraph goes: behind the last one that was kept
+  std::size_t after = 0;  // where a new paragraph goes: after the last one that was kept
   for (const Para& para : paragraphs_) {
     if (para.source < 0) {
-      edits.push_back({behind, 0, ParagraphXml(para)});
+      edits.push_back({after, 0, ParagraphXml(para)});
       continue;
     }
     kept[static_cast<std::size_t>(para.source)] = true;
     if (para.edited) AppendParagraphEdits(para, edits);
     const auto next = static_cast<std::size_t>(&para - paragraphs_.data()) + 1;
     if (next < paragraphs_.size() && paragraphs_[next].source < 0) {
-      behind = FindElement(bytes_, para.node).end;
+      after = FindElement(bytes_, para.node).end;
     }
   }
   std::size_t index = 0;

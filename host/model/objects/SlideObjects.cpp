@@ -9,7 +9,7 @@ namespace quillmarch::host::model {
 namespace {
 
 constexpr XmlNamespace kP = XmlNamespace::kPresentation;
-// A slide without a name of its own is called by its id, counted from here.
+// A slide without a name is named after its id, counted from here.
 constexpr std::int32_t kFirstSlideId = 255;
 
 Wide SlideName(deck::Deck& deck, deck::PageAddress page) {

@@ -30,7 +30,7 @@ Answer TagsObject::Item(Args args) const {
   if (args.Count() != 1) return kBadParamCount;
   if (args[0].type() != VariantType::kText) return kTypeMismatch;
   const Wide wanted = UpperName(args[0].text());
-  // An unknown name is no failure: it reads as the empty text.
+  // An unknown name is not a failure: it reads as the empty text.
   Wide value;
   for (deck::Tag& tag : deck::ReadTags(deck(), owner_)) {
     if (UpperName(tag.name) == wanted) {

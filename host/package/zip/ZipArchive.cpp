@@ -131,17 +131,18 @@ std::string ZipArchive::CheckCopied(std::size_t index) const {
          "meanwhile.";
 }
 
-std::string ZipArchive::Write(const std::vector<ZipReplacement>& replacements,
-                              OutputFile& output) const {
-  std::vector<const PackedPart*> parts(directory_.entries.size(), nullptr);
-  for (const ZipReplacement& replacement : replacements) {
-    parts[replacement.entry] = replacement.part;
+std::string ZipArchive::Write(const ZipChanges& changes, OutputFile& output) const {
+  std::vector<EntryChange> entries(directory_.entries.size());
+  for (const ZipReplacement& replacement : changes.replaced) {
+    entries[replacement.entry].part = replacement.part;
   }
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    std::string fault = parts[i] == nullptr ? CheckCopied(i) : std::string();
+  for (const std::size_t entry : changes.removed) entries[entry].removed = true;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const bool copied = entries[i].part == nullptr && !entries[i].removed;
+    std::string fault = copied ? CheckCopied(i) : std::string();
     if (!fault.empty()) return fault;
   }
-  return CopyZip(file_, directory_, parts, output);
+  return CopyZip(file_, directory_, entries, changes.added, output);
 }
 
 std::string Inflate(const std::string& deflated, std::uint64_t size, std::string& bytes) {
@@ -162,8 +163,8 @@ std::string Inflate(const std::string& deflated, std::uint64_t size, std::string
   }
 }
 
-std::uint32_t Crc32(const std::string& bytes) {
-  return libdeflate_crc32(0, bytes.data(), bytes.size());
+std::uint32_t Crc32(std::string_view bytes, std::uint32_t before) {
+  return libdeflate_crc32(before, bytes.data(), bytes.size());
 }
 
 }  // namespace quillmarch::host

@@ -6,12 +6,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/package/InputFile.h"
 #include "host/package/OutputFile.h"
 #include "host/package/zip/PartCompressor.h"
+#include "host/package/zip/ZipCopy.h"
 #include "host/package/zip/ZipDirectory.h"
 
 namespace quillmarch::host {
@@ -19,6 +22,12 @@ namespace quillmarch::host {
 struct ZipReplacement {
   std::size_t entry = 0;
   const PackedPart* part = nullptr;
+};
+
+struct ZipChanges {
+  std::vector<ZipReplacement> replaced;
+  std::set<std::size_t> removed;
+  std::vector<ZipAddition> added;
 };
 
 class ZipArchive {
@@ -34,10 +43,10 @@ class ZipArchive {
   // not, as the end of a sentence. Memory: twice the declared size at most. Any thread.
   std::string Read(std::size_t entry, std::string& bytes) const;
 
-  // Writes the archive with the replaced entries into `output`, not yet committed; everything else
-  // keeps its bytes and order. An entry that is copied and has never been read is checked against
-  // its CRC first. Empty when done, else one sentence.
-  std::string Write(const std::vector<ZipReplacement>& replacements, OutputFile& output) const;
+  // Writes the archive with the changes into `output`, not yet committed; everything else keeps its
+  // bytes and order, and new entries follow the others. An entry that is copied and has never been
+  // read is checked against its CRC first. Empty when done, else one sentence.
+  std::string Write(const ZipChanges& changes, OutputFile& output) const;
 
  private:
   std::string ReadUnchecked(const ZipEntry& entry, std::string& bytes) const;
@@ -53,6 +62,7 @@ class ZipArchive {
 
 // Inflates `deflated` to exactly `size` bytes. Empty when all is well, else why not.
 std::string Inflate(const std::string& deflated, std::uint64_t size, std::string& bytes);
-std::uint32_t Crc32(const std::string& bytes);
+// Of `bytes` after what has the checksum `before`.
+std::uint32_t Crc32(std::string_view bytes, std::uint32_t before = 0);
 
 }  // namespace quillmarch::host

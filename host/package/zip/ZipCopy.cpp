@@ -100,11 +100,41 @@ bool NewRecord(const ZipDirectory& directory, const ZipEntry& entry, const Packe
   return true;
 }
 
-// The end records, with the directory's new place and length; false when these need more digits.
+// The fields that a header and a record have in common, up to the name's length.
+void PutAddition(char* common, const ZipAddition& addition) {
+  PutCommon(common, *addition.part);
+  const bool ascii = std::all_of(addition.name.begin(), addition.name.end(),
+                                 [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  PutNumber(common + kFlagsAt, ascii ? 0 : kFlagUtf8, 2);
+  PutNumber(common + kDateAt, kEarliestDate, 2);
+}
+
+std::string AddedHeader(const ZipAddition& addition) {
+  std::string header(kHeaderBytes, '\0');
+  header.replace(0, kHeaderMark.size(), kHeaderMark);
+  PutAddition(&header[kHeaderCommonAt], addition);
+  PutNumber(&header[kHeaderNameLengthAt], addition.name.size(), 2);
+  return header + addition.name;
+}
+
+std::string AddedRecord(const ZipAddition& addition, std::uint64_t headerAt) {
+  std::string record(kRecordBytes, '\0');
+  record.replace(0, kRecordMark.size(), kRecordMark);
+  PutNumber(&record[kRecordMark.size()], kDeflateVersion, 2);
+  PutAddition(&record[kRecordCommonAt], addition);
+  PutNumber(&record[kRecordNameLengthAt], addition.name.size(), 2);
+  PutNumber(&record[kRecordOffsetAt], headerAt, 4);
+  return record + addition.name;
+}
+
+// The end records, with the directory's new place, length and number of entries; false when these
+// need more digits.
 bool NewTail(const ZipDirectory& directory, std::uint64_t recordsAt, std::uint64_t length,
-             std::string& tail) {
+             std::uint64_t count, std::string& tail) {
   tail = directory.tail;
   if (directory.is64) {
+    PutNumber(&tail[kEnd64CountAt - 8], count, 8);
+    PutNumber(&tail[kEnd64CountAt], count, 8);
     PutNumber(&tail[kEnd64LengthAt], length, 8);
     PutNumber(&tail[kEnd64StartAt], recordsAt, 8);
     PutNumber(&tail[directory.locatorAt + kLocatorOffsetAt], recordsAt + length, 8);
@@ -118,13 +148,20 @@ bool NewTail(const ZipDirectory& directory, std::uint64_t recordsAt, std::uint64
   };
   put(kEndLengthAt, length);
   put(kEndStartAt, recordsAt);
+  char* const countAt = &tail[directory.endAt + kEndCountAt];
+  if (!directory.is64 || Number(countAt, 2) != kElsewhere16) {
+    fits = fits && count < kElsewhere16;
+    PutNumber(countAt - 2, count, 2);  // on this disk, and in all
+    PutNumber(countAt, count, 2);
+  }
   return fits;
 }
 
 }  // namespace
 
 std::string CopyZip(const InputFile& file, const ZipDirectory& directory,
-                    const std::vector<const PackedPart*>& parts, OutputFile& output) {
+                    const std::vector<EntryChange>& changes, const std::vector<ZipAddition>& added,
+                    OutputFile& output) {
   constexpr char kTooLarge[] = "It would be larger than 4 GB.";
   constexpr char kGone[] = "The deck's own file can no longer be read whole.";
   const std::vector<ZipEntry>& entries = directory.entries;
@@ -135,26 +172,39 @@ std::string CopyZip(const InputFile& file, const ZipDirectory& directory,
     const std::size_t index = directory.physicalOrder[i];
     const ZipEntry& entry = entries[index];
     headerAt[index] = out.at() + (entry.headerAt - copied);
-    const PackedPart* const part = parts[index];
-    if (part == nullptr) continue;
+    const EntryChange& change = changes[index];
+    if (change.part == nullptr && !change.removed) continue;
     out.Copy(copied, entry.headerAt - copied);
-    std::string header;
-    if (!NewHeader(file, entry, *part, header)) return kGone;
-    out.Put(header);
-    out.Put(part->deflated);
+    if (!change.removed) {
+      std::string header;
+      if (!NewHeader(file, entry, *change.part, header)) return kGone;
+      out.Put(header);
+      out.Put(change.part->deflated);
+    }
     // What lies between its data and the next header described the old data.
     copied = i + 1 < entries.size() ? entries[directory.physicalOrder[i + 1]].headerAt
                                     : directory.recordsAt;
   }
   out.Copy(copied, directory.recordsAt - copied);
+  std::vector<std::uint64_t> addedAt;
+  for (const ZipAddition& addition : added) {
+    addedAt.push_back(out.at());
+    if (out.at() >= kElsewhere32) return kTooLarge;
+    out.Put(AddedHeader(addition));
+    out.Put(addition.part->deflated);
+  }
 
   const std::uint64_t recordsAt = out.at();
+  std::uint64_t count = added.size();
   std::string piece;
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (!NewRecord(directory, entries[i], parts[i], headerAt[i], piece)) return kTooLarge;
+    if (changes[i].removed) continue;
+    ++count;
+    if (!NewRecord(directory, entries[i], changes[i].part, headerAt[i], piece)) return kTooLarge;
     out.Put(piece);
   }
-  if (!NewTail(directory, recordsAt, out.at() - recordsAt, piece)) return kTooLarge;
+  for (std::size_t i = 0; i < added.size(); ++i) out.Put(AddedRecord(added[i], addedAt[i]));
+  if (!NewTail(directory, recordsAt, out.at() - recordsAt, count, piece)) return kTooLarge;
   out.Put(piece);
   return out.Flush() ? std::string() : output.Failure();
 }

@@ -1,4 +1,4 @@
-// A copy of a zip archive with some entries replaced.
+// A copy of a zip archive with some entries replaced, removed or added.
 #pragma once
 
 #include <string>
@@ -11,11 +11,23 @@
 
 namespace quillmarch::host {
 
-// Writes into `output`, not yet committed. `parts` has for each entry what takes its place, or
-// null. All other entries, the gaps between them, the order, the comment and what follows the
-// archive stay to the byte; a replaced entry keeps its names, times and attributes. Empty when
-// done, else one sentence.
+struct EntryChange {
+  const PackedPart* part = nullptr;  // what takes its place; null: it stays
+  bool removed = false;
+};
+
+struct ZipAddition {
+  std::string name;
+  const PackedPart* part = nullptr;
+};
+
+// Writes into `output`, not yet committed. `changes` has one for each entry. All other entries, the
+// gaps between them, the order, the comment and what follows the archive stay to the byte; a
+// replaced entry keeps its names, times and attributes. New entries follow all others and have the
+// earliest date that the format knows, so that the same edit gives the same bytes. Empty when done,
+// else one sentence.
 std::string CopyZip(const InputFile& file, const ZipDirectory& directory,
-                    const std::vector<const PackedPart*>& parts, OutputFile& output);
+                    const std::vector<EntryChange>& changes, const std::vector<ZipAddition>& added,
+                    OutputFile& output);
 
 }  // namespace quillmarch::host

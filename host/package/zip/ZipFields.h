@@ -33,6 +33,7 @@ inline constexpr std::size_t kRecordOffsetAt = 42;
 inline constexpr std::size_t kVersionAt = 0;
 inline constexpr std::size_t kFlagsAt = 2;
 inline constexpr std::size_t kMethodAt = 4;
+inline constexpr std::size_t kDateAt = 8;
 inline constexpr std::size_t kCrcAt = 10;
 inline constexpr std::size_t kPackedAt = 14;
 inline constexpr std::size_t kSizeAt = 18;
@@ -56,6 +57,8 @@ inline constexpr std::size_t kLocatorOffsetAt = 8;
 inline constexpr std::uint64_t kFlagEncrypted = 0x0001;
 inline constexpr std::uint64_t kFlagLevel = 0x0006;       // how hard it was deflated
 inline constexpr std::uint64_t kFlagDescriptor = 0x0008;  // the sizes follow the data
+inline constexpr std::uint64_t kFlagUtf8 = 0x0800;        // the name's encoding
+inline constexpr std::uint64_t kEarliestDate = 0x0021;    // the first of January 1980
 
 inline constexpr std::uint64_t kElsewhere32 = 0xFFFFFFFF;  // a 64-bit field has the number
 inline constexpr std::uint64_t kElsewhere16 = 0xFFFF;

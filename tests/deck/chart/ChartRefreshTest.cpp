@@ -93,6 +93,12 @@ TEST(ChartRefresh, NumbersKeepTheirFormatAndTheirSpellingWhereTheyAreTheSame) {
   EXPECT_EQ(Refreshed(xml(Point(0, "0.50") + Point(1, "2")),
                       {{u"S!B1:B2", {2, 1, {Words(u"n/a"), Number("3")}}}}),
             xml(Point(1, "3")));
+  EXPECT_EQ(Refreshed(xml(Point(0, "23.983792913190126")),
+                      {{u"S!B1:B2", {2, 1, {Number("23.98379291319016"), Words(u"")}}}}),
+            xml(Point(0, "23.983792913190126")));
+  const std::string own = "<c:pt idx=\"1\" formatCode=\"&quot;n&quot;0\"><c:v>2</c:v></c:pt>";
+  EXPECT_EQ(Refreshed(xml(own), {{u"S!B1:B2", {2, 1, {Number("1"), Number("2")}}}}),
+            xml(Point(0, "1") + own));
 }
 
 TEST(ChartRefresh, CategoriesThatTurnIntoWordsBecomeTexts) {

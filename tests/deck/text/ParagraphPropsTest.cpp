@@ -142,7 +142,7 @@ TEST(TextExtras, SpacingBaselineAndCapsAreRead) {
   EXPECT_EQ(extras.symbol, "Wingdings");
 }
 
-TEST(ParagraphLevels, CommonPropertiesStandBelowEachLevelsOwn) {
+TEST(ParagraphLevels, CommonPropertiesFillWhatALevelLeavesUnset) {
   const Parsed list("lstStyle", "",
                     "<a:defPPr algn=\"r\" marL=\"12700\"/><a:lvl1pPr algn=\"ctr\"/>"
                     "<a:lvl9pPr marL=\"25400\"/><a:lvl0pPr algn=\"l\"/>");

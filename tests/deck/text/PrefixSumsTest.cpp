@@ -34,7 +34,7 @@ TEST(PrefixSums, APositionPastTheEndBelongsToTheLastStretch) {
   EXPECT_EQ(sums.At(7), 0U);
 }
 
-TEST(PrefixSums, ChangedLengthsGiveTheSameAsLengthsAssignedAnew) {
+TEST(PrefixSums, ChangedLengthsGiveTheSameAsAssigningThem) {
   std::vector<std::size_t> lengths(37, 2);
   PrefixSums sums;
   sums.Assign(lengths);

@@ -20,7 +20,7 @@ TEST(RunPropertiesEdit, SpellingMarksOfTheOldTextGoAndTheLanguageStays) {
             "<a:rPr lang=\"de-DE\"><a:ln/></a:rPr>");
 }
 
-TEST(RunPropertiesEdit, ATypefaceStandsBetweenFillAndHyperlink) {
+TEST(RunPropertiesEdit, ATypefaceGoesBetweenFillAndHyperlink) {
   EXPECT_EQ(WithTypeface("<a:rPr><a:solidFill/><a:ea typeface=\"x\"/><a:hlinkClick r:id=\"r1\"/>"
                          "</a:rPr>",
                          "a:", "latin", "Arial"),
@@ -34,7 +34,7 @@ TEST(RunPropertiesEdit, AnOldTypefaceIsReplacedWithWhatDescribedIt) {
             "<a:rPr><a:latin typeface=\"A&amp;B\"/></a:rPr>");
 }
 
-TEST(RunPropertiesEdit, ASolidFillReplacesAnyFillAndStandsBehindTheOutline) {
+TEST(RunPropertiesEdit, ASolidFillReplacesAnyFillAndFollowsTheOutline) {
   EXPECT_EQ(WithSolidFill("<a:rPr><a:ln w=\"1\"><a:noFill/></a:ln><a:gradFill/><a:latin "
                           "typeface=\"x\"/></a:rPr>",
                           "a:", "<a:srgbClr val=\"FF0000\"/>"),

@@ -8,7 +8,7 @@
 
 #include "foundation/settings/UserConfigFile.h"
 #include "host/driver/AddinHost.h"
-#include "host/driver/IdleHands.h"
+#include "host/driver/UnattendedInput.h"
 #include "host/thread/LoopThread.h"
 #include "shell/SourceResources.h"
 #include "support/FakeHost.h"
@@ -61,7 +61,7 @@ class AddinScene {
   FakeHost host;
   LoopThread loop{ClockMode::kUnpaced};
   ScriptedDesktop desktop;
-  IdleHands hands;
+  UnattendedInput hands;
   NoFonts fonts;
   SourceResources resources;
   bool panelTranslates = true;  // else requests for translations stay open

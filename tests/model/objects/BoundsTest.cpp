@@ -135,7 +135,7 @@ TEST_F(Bounds, ColumnsAndVerticalTextAreLaidOutAsSuch) {
                 "<a:bodyPr numCol=\"2\" lIns=\"0\" rIns=\"0\"/>") +
             Box(Fixed("hello"), "<a:bodyPr vert=\"vert\"/>"));
   EXPECT_NEAR(Single(Part(Range(1), u"Paragraphs", 5, 1), u"BoundLeft"), 10.0F + 50.0F, kNear);
-  // Lines run down, and the first one stands at the right inset.
+  // Lines run down, and the first one is at the right inset.
   ExpectBox(Range(2), 110.0F - 3.6F - 12.0F + (3.6F - 7.2F), 20.0F + 3.6F, 12.0F, 5 * kCell);
 }
 
@@ -187,7 +187,7 @@ TEST_F(Bounds, AnAdjustmentMovesTheOutline) {
   EXPECT_NEAR(Single(Range(1), u"BoundLeft"), 10.0F + 25.0F * 0.292893F, kNear);
 }
 
-TEST_F(Bounds, AnOutlineOfItsOwnSaysWhereItsTextStands) {
+TEST_F(Bounds, ACustomOutlineSaysWhereItsTextGoes) {
   std::string box = Box(Fixed("x"), "<a:bodyPr lIns=\"0\" tIns=\"0\"/>");
   box.replace(box.find("</a:xfrm>"), 9,
               "</a:xfrm><a:custGeom><a:avLst/><a:gdLst><a:gd name=\"in\" fmla=\"*/ w 1 4\"/>"
@@ -196,12 +196,12 @@ TEST_F(Bounds, AnOutlineOfItsOwnSaysWhereItsTextStands) {
   ExpectBox(Range(1), 35.0F, 45.0F, kCell, 12.0F);
 }
 
-TEST_F(Bounds, TextThatIsTurnedInItsShapeIsMeasuredAsItStands) {
+TEST_F(Bounds, TextThatIsTurnedInItsShapeIsMeasuredTurned) {
   OpenSlide(Box(Fixed("hello"), "<a:bodyPr rot=\"10800000\"/>") +
             Box(Fixed("aaaa bbbb"), "<a:bodyPr rot=\"5400000\"/>"));
-  // The first line stands at the bottom, from right to left.
+  // The first line is at the bottom, from right to left.
   ExpectBox(Range(1), 110.0F - 7.2F - 5 * kCell, 70.0F - 3.6F - 12.0F, 5 * kCell, 12.0F);
-  // Lines run down: 50 points less the insets take five characters, and the first line stands at
+  // Lines run down: 50 points less the insets take five characters, and the first line is at
   // the right.
   ExpectBox(Range(2), 110.0F - 3.6F - 24.0F, 20.0F + 7.2F, 24.0F, 4 * kCell);
 }
@@ -257,8 +257,8 @@ TEST_F(Bounds, NumberedParagraphsCountByLevel) {
   OpenSlide(Box(text, "<a:bodyPr lIns=\"0\"/>"));
   const float ninth = Single(Part(Range(1), u"Paragraphs", 9, 1), u"BoundLeft");
   const float tenth = Single(Part(Range(1), u"Paragraphs", 10, 1), u"BoundLeft");
-  EXPECT_NEAR(ninth, 10.0F + 2 * kCell, kNear) << "behind \"9.\"";
-  EXPECT_NEAR(tenth, 10.0F + 3 * kCell, kNear) << "behind \"10.\"";
+  EXPECT_NEAR(ninth, 10.0F + 2 * kCell, kNear) << "after \"9.\"";
+  EXPECT_NEAR(tenth, 10.0F + 3 * kCell, kNear) << "after \"10.\"";
 }
 
 TEST_F(Bounds, ATextIsLaidOutOnceUntilSomethingChanges) {

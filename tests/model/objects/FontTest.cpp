@@ -145,12 +145,12 @@ TEST_F(Font, AValueThatHoldsAlreadyIsNoEdit) {
   EXPECT_EQ(PutValue(FontOf(1), u"Name", Variant::Text(u"Body Face")), kOk);
   EXPECT_EQ(PutValue(ColorOf(1), u"SchemeColor", Variant::I4(2)), kOk);
   EXPECT_EQ(PutValue(ColorOf(1), u"TintAndShade", Variant::R4(0.0f)), kOk);
-  // The complex face is not the same, so the put of a name concerns that one alone.
+  // The complex face is not the same, so the put of a name concerns only that one.
   const std::string face = "<a:rPr><a:cs typeface=\"Body Face\"/></a:rPr>";
   EXPECT_NE(Saved().find(Para(RunXml("x", face))), std::string::npos);
 }
 
-TEST_F(Font, ThreeNamesStandInTheOrderOfTheFormat) {
+TEST_F(Font, ThreeNamesAreWrittenInTheOrderOfTheFormat) {
   OpenSlide(Box(Para(RunXml("x", "<a:rPr><a:hlinkClick r:id=\"h\"/></a:rPr>"))));
   ASSERT_EQ(PutValue(FontOf(1), u"NameFarEast", Variant::Text(u"Z")), kOk);
   ASSERT_EQ(PutValue(FontOf(1), u"Name", Variant::Text(u"Z")), kOk);
@@ -174,7 +174,7 @@ TEST_F(Font, PuttingAnRgbValueEndsTheThemeLinkAndASchemeColourMakesIt) {
       std::string::npos);
 }
 
-TEST_F(Font, AStoredScaleStandsBetweenTheFileAndWhatIsShown) {
+TEST_F(Font, AStoredScaleTurnsTheFilesSizeIntoTheShownOne) {
   OpenSlide(Box(Para(RunXml("x", "<a:rPr sz=\"2000\"/>")),
                 "<a:bodyPr><a:normAutofit fontScale=\"92500\"/></a:bodyPr>"));
   EXPECT_EQ(Single(FontOf(1), u"Size"), 18.5f);

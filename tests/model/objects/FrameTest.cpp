@@ -142,7 +142,7 @@ TEST_F(Frame, WhatIsPutAndPutBackIsNoEdit) {
   }
 }
 
-TEST_F(Frame, WrapAndInsetsAreWrittenIntoTheFrameAlone) {
+TEST_F(Frame, WrapAndInsetsAreWrittenOnlyIntoTheFrame) {
   OpenSlide(Box(Fixed("x"),
                 "<a:bodyPr vert=\"horz\"\n lIns='0' wrap=\"square\"><a:prstTxWarp "
                 "prst=\"textNoShape\"><a:avLst/></a:prstTxWarp><a:flatTx/></a:bodyPr>"));
@@ -178,7 +178,7 @@ TEST_F(Frame, TurningAnInheritedAutofitOffSaysSoInTheShape) {
   EXPECT_EQ(Whole(Second(), u"AutoSize"), 0);
 }
 
-TEST_F(Frame, PlaceAndSizeAreWrittenIntoTheTransformAlone) {
+TEST_F(Frame, PlaceAndSizeAreWrittenOnlyIntoTheTransform) {
   OpenSlide(Box(Fixed("x")));
   ASSERT_EQ(PutSingle(Shape(1), u"Left", 30.0F), kOk);
   ASSERT_EQ(PutSingle(Shape(1), u"Height", 70.5F), kOk);
@@ -205,7 +205,7 @@ TEST_F(Frame, APlaceholderWithoutATransformGetsAWholeOne) {
   slideXml = deck.slides[0].xml;
   OpenDeck(deck);
   ASSERT_EQ(PutSingle(Shape(1), u"Top", 20.0F), kOk);
-  EXPECT_FALSE(host->Edited()) << "it stands there already";
+  EXPECT_FALSE(host->Edited()) << "it is there already";
   ASSERT_EQ(PutSingle(Shape(1), u"Top", 40.0F), kOk);
   EXPECT_EQ(Saved(), Expected("<p:spPr/>",
                               "<p:spPr><a:xfrm><a:off x=\"127000\" y=\"508000\"/>"
@@ -333,7 +333,7 @@ TEST_F(Frame, ATurnedShapeGrowsAwayFromItsFirstLine) {
 TEST_F(Frame, AShapeGrowsTheWayItsTurnedTextRuns) {
   OpenSlide(Box(Fixed("x"), "<a:bodyPr rot=\"5400000\"><a:spAutoFit/></a:bodyPr>"));
   ASSERT_EQ(Put(Range(1), u"1\r2\r3\r4\r5"), kOk);
-  // The first line stands at the right edge, which stays.
+  // The first line is at the right edge, which stays.
   EXPECT_NEAR(Single(Shape(1), u"Width"), 67.2, 0.001);
   EXPECT_NEAR(Single(Shape(1), u"Left"), 110.0F - 67.2F, 0.001);
   EXPECT_NEAR(Single(Shape(1), u"Height"), 50.0F, 0.001);
@@ -379,7 +379,7 @@ TEST_F(Frame, AShapeWhoseTextStaysKeepsItsSizeHoweverTheFileHasIt) {
   EXPECT_FALSE(host->Edited());
 }
 
-TEST_F(Frame, AKeptScaleIsFoundAnewWhenTheTextIsAnother) {
+TEST_F(Frame, AKeptScaleIsFoundAgainForAnotherText) {
   // 50 points less the insets hold three lines of 12 points and a bit.
   OpenSlide(Box(Fixed("x"), kNormal) + Box(Fixed("x"), kNormal));
   ASSERT_EQ(Put(Range(1), u"1\r2\r3"), kOk);

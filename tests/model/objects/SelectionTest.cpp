@@ -29,7 +29,7 @@ class Selections : public ModelTest {
   static bool Flag(const ObjectRef& object, WideView member) {
     return VariantToFlag(Value(object, member));
   }
-  // The texts of a range of shapes, parted by bars.
+  // The texts of a range of shapes, separated by bars.
   static Wide TextsOf(const ObjectRef& range) {
     Wide all;
     for (std::int32_t i = 1; i <= Whole(range, u"Count"); ++i) {

@@ -42,7 +42,7 @@ TEST_F(Shapes, TheNestedPersonalityListsEachLevelForItself) {
             u"b");
 }
 
-TEST_F(Shapes, AShapeOfAGroupStandsInSlideCoordinates) {
+TEST_F(Shapes, AShapeOfAGroupIsPlacedInSlideCoordinates) {
   OpenSlide(Group(Box(TextPara("a"))));
   const ObjectRef leaf = Get(Get(Shape(1), u"GroupItems"), u"Item", {Variant::I4(1)});
   EXPECT_EQ(Single(leaf, u"Left"), 120.0f);  // 100 + 10 x 2
@@ -192,7 +192,7 @@ TEST_F(Shapes, OtherPrefixesThanTheUsualOnesAreReadByNamespace) {
             std::string::npos);
 }
 
-TEST_F(Shapes, APrefixBoundTwiceIsTakenWhereItStands) {
+TEST_F(Shapes, APrefixBoundTwiceIsResolvedWhereItIsUsed) {
   OpenSlide(
       "<p:sp xmlns:a=\"http://example.org/not-drawing\"><p:nvSpPr><p:cNvPr id=\"2\" "
       "name=\"n\"/></p:nvSpPr><p:txBody><a:p><a:r><a:t>not text</a:t></a:r></a:p></p:txBody>"

@@ -21,7 +21,7 @@ class Slides : public ModelTest {
   }
 };
 
-TEST_F(Slides, StandInTheOrderOfTheListAndAreFoundByTheirIds) {
+TEST_F(Slides, AreInTheOrderOfTheListAndFoundByTheirIds) {
   OpenDeck(Three());
   const ObjectRef slides = Get(Presentation(), u"Slides");
   EXPECT_EQ(Whole(slides, u"Count"), 3);
@@ -44,7 +44,7 @@ TEST_F(Slides, TwoSlidesWithOneIdAreBothThere) {
             2);
 }
 
-TEST_F(Slides, ANotesPageIsReadAndWrittenAndOneThatIsNotThereIsBlank) {
+TEST_F(Slides, ANotesPageIsReadAndWrittenAndAMissingOneIsEmpty) {
   OpenDeck(Three());
   EXPECT_EQ(Whole(Slide(2), u"HasNotesPage"), -1);
   EXPECT_EQ(Whole(Slide(1), u"HasNotesPage"), 0);

@@ -9,7 +9,7 @@ using testdeck::TextPara;
 
 class TextRange : public ModelTest {};
 
-TEST_F(TextRange, ParagraphsArePartedByReturnsAndLinesByVerticalTabs) {
+TEST_F(TextRange, ParagraphsAreSeparatedByReturnsAndLinesByVerticalTabs) {
   OpenSlide(
       Box(TextPara("One") + Para(RunXml("Two") + "<a:br/>" + RunXml("three")) + TextPara("Four")));
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"One\rTwo\vthree\rFour");
@@ -43,7 +43,7 @@ TEST_F(TextRange, WhatLiesBeyondTheEndGivesTheLastUnit) {
   EXPECT_EQ(TextOf(Get(Range(1), u"Characters", {Variant::I4(2)}), u"Text"), u"b");
 }
 
-TEST_F(TextRange, ABlankAloneIsText) {
+TEST_F(TextRange, ASpaceIsText) {
   OpenSlide(Box(Para(RunXml("a") + RunXml(" ") + RunXml("b"))));
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"a b");
 }
@@ -133,7 +133,7 @@ TEST_F(TextRange, ASelfClosedParagraphTakesText) {
   EXPECT_NE(Saved().find(TextPara("a") + TextPara("x") + TextPara("b")), std::string::npos);
 }
 
-TEST_F(TextRange, EmptiedTextLeavesItsFormatBehind) {
+TEST_F(TextRange, EmptiedTextLeavesItsFormat) {
   OpenSlide(Box(Para(RunXml("gone", "<a:rPr sz=\"1200\"/>"))));
   ASSERT_EQ(Put(Range(1), u""), kOk);
   EXPECT_NE(Saved().find("<a:p><a:endParaRPr sz=\"1200\"/></a:p>"), std::string::npos);
@@ -168,7 +168,7 @@ TEST_F(TextRange, WhatXmlCannotHoldIsLeftOutOfTheText) {
   EXPECT_NE(Saved().find("<a:t>abc\td\xEF\xBF\xBD</a:t>"), std::string::npos);
 }
 
-TEST_F(TextRange, ALineEndInsideARunReadsAsABlank) {
+TEST_F(TextRange, ALineEndInsideARunReadsAsASpace) {
   OpenSlide(Box(TextPara("a&#13;b\nc")));
   EXPECT_EQ(TextOf(Range(1), u"Text"), u"a b c");
   EXPECT_EQ(Whole(Part(Range(1), u"Paragraphs", -1, -1), u"Count"), 1);
@@ -241,7 +241,7 @@ TEST_F(TextRange, ARangeOutlivesItsPartsLeavingMemory) {
   EXPECT_NE(Saved().find(TextPara("newer")), std::string::npos);
 }
 
-TEST_F(TextRange, RunsOutsideTheRangeKeepTheirBytesAndTheBlanksBetweenThem) {
+TEST_F(TextRange, RunsOutsideTheRangeKeepTheirBytesAndTheSpacesBetweenThem) {
   OpenSlide(
       Box(Para(RunXml("ab") + "\n  " + RunXml("cd", "<a:rPr  b='1' />") + "\n  " + RunXml("ef"))));
   ASSERT_EQ(Put(Part(Range(1), u"Characters", 1, 2), u"XY"), kOk);

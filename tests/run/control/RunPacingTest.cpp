@@ -218,6 +218,26 @@ TEST(RunPacing, AWorkerThatEndsDuringAWriteIsFinishedByTheNextTick) {
   EXPECT_EQ(two.run.Record().written, 3);
 }
 
+TEST(RunPacing, TheShowAndTheRestLastToTheMillisecond) {
+  TwoReady two;
+  two.run.ctrl->Tick();
+  EXPECT_EQ(two.run.window().visited, (std::vector<std::int32_t>{1}));
+  two.run.thread.Advance(899);
+  two.run.ctrl->Tick();
+  EXPECT_FALSE(two.Written(0));
+  two.run.thread.Advance(1);
+  two.run.ctrl->Tick();
+  EXPECT_TRUE(two.Written(0));
+  two.run.thread.Advance(1499);
+  two.run.ctrl->Tick();
+  two.run.ctrl->Tick();
+  EXPECT_EQ(two.run.window().visited.size(), 1U);
+  two.run.thread.Advance(1);
+  two.run.ctrl->Tick();
+  two.run.ctrl->Tick();
+  EXPECT_EQ(two.run.window().visited, (std::vector<std::int32_t>{1, 2}));
+}
+
 }  // namespace
 
 }  // namespace quillmarch::addin

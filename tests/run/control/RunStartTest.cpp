@@ -214,6 +214,23 @@ TEST(RunStart, AHostThatThrowsCostsOnlyTheCall) {
   EXPECT_EQ(run.MainEvents().back(), "complete 1");
 }
 
+TEST(RunStart, ASecondRunOfTheSameOwnerFindsItsPresentationBusyToo) {
+  RunHarness first;
+  first.deck().AddSlide({TextShape(u"a")});
+  first.HoldBatch(1);
+  ASSERT_TRUE(first.Start());
+  RunHarness second(first.hostRef, first.threadRef);
+  second.params.owner = first.params.owner;
+  EXPECT_FALSE(second.Start());
+  EXPECT_EQ(second.outMessage, u"演示文稿已在其它窗口翻译中");
+  second.ctrl.reset();
+  RunHarness third(first.hostRef, first.threadRef);
+  third.params.owner = first.params.owner;
+  EXPECT_FALSE(third.Start()) << "the refused run's end frees nothing of the first one's";
+  first.Release();
+  first.Finish();
+}
+
 }  // namespace
 
 }  // namespace quillmarch::addin

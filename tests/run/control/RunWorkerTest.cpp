@@ -204,6 +204,35 @@ TEST(RunWorker, AnAnswerOfAWrongCountFailsTheRun) {
   EXPECT_EQ(run.Record().written, 0);
 }
 
+TEST(RunWorker, AnInstructionWithoutTermsAndTermsWithoutAnInstructionBothCount) {
+  for (const bool terms : {false, true}) {
+    RunHarness run;
+    AddTexts(run, 1);
+    run.params.resolveTerminology = [&](const std::vector<Wide>& texts, Wide& instruction,
+                                        std::vector<GlossaryEntry>& glossary, Wide&, Wide&) {
+      if (terms) {
+        glossary = {{texts.front(), u"S", u""}};
+      } else {
+        instruction = u"be kind";
+      }
+      return true;
+    };
+    Wide instruction;
+    std::size_t entries = 0;
+    run.onBatch = [&](const TranslateBatchRequest& request) {
+      instruction = request.instruction;
+      entries = request.glossary.size();
+      TranslateBatchResult result;
+      result.ok = true;
+      result.translations = request.texts;
+      return result;
+    };
+    run.RunToEnd();
+    EXPECT_EQ(instruction, terms ? u"" : u"be kind");
+    EXPECT_EQ(entries, terms ? 1U : 0U);
+  }
+}
+
 }  // namespace
 
 }  // namespace quillmarch::addin

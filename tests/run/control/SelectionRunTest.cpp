@@ -170,6 +170,23 @@ TEST(SelectionRun, WhateverCallFailsTheRunEndsOnceAndNoTextIsLostWithoutAName) {
   }
 }
 
+TEST(SelectionRun, TheSummaryCountsWhatWasPassedOver) {
+  const FakeShapeRef nowhere = Numbered(TextShape(u"x"), 90);
+  const FakeShapeRef neither = Numbered(TextShape(u"y"), 91);
+  const FakeShapeRef here = Numbered(TextShape(u"a"), 2);
+  SelectionRun two;
+  two.deck().AddSlide({here});
+  two.selection().SelectShapes({nowhere, neither, here});
+  two.RunToEnd();
+  EXPECT_EQ(two.Record().summary,
+            u"已翻译 1 段文本（共 1 段）。\r\n跳过：无法定位选中的形状（等 2 项）");
+  SelectionRun one;
+  one.deck().AddSlide({Numbered(TextShape(u"b"), 2)});
+  one.selection().SelectShapes({nowhere, one.deck().slides[0]->shapes()[0]});
+  one.RunToEnd();
+  EXPECT_EQ(one.Record().summary, u"已翻译 1 段文本（共 1 段）。\r\n跳过：无法定位选中的形状");
+}
+
 }  // namespace
 
 }  // namespace quillmarch::addin

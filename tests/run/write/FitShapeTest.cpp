@@ -40,6 +40,9 @@ TEST(FitShape, ATextThatFitsGetsItsAutosizeAndWrapBackAndNoLogLine) {
   EXPECT_EQ(model.log, (Log{"AutoSize=0", "AutoSize2=0", "WordWrap=0", "measure", "WordWrap=-1",
                             "measure", "WordWrap=-1", "AutoSize=1", "AutoSize2=0"}));
   EXPECT_EQ(log.CountContaining("PptFit"), 0);
+  // The one state takes what the second frame read after the first was put.
+  EXPECT_EQ(model.autoSize, 0);
+  EXPECT_EQ(model.autoSize2, 0);
 }
 
 TEST(FitShape, WithTwoAutosizeStatesEachGetsItsOwnBack) {
@@ -256,12 +259,17 @@ TEST(FitShape, AHostThatGivesNoBoundsKeepsTheTextAndPutsAutosizeBack) {
 }
 
 TEST(FitShape, GivingUpAfterARestoreLeavesAutosizeOff) {
+  // Two states, so that a put back of the one is not undone by that of the other.
   FrameModel model = TwoLines();
+  model.oneAutoSizeState = false;
   model.givesBounds = false;
-  model.autoSize = model.autoSize2 = 1;
+  model.autoSize = 1;
+  model.autoSize2 = 2;
   const ShapeRect place{90.0F, 40.0F, 200.0F, 100.0F, true};
   Fit(model, &place);
   EXPECT_EQ(model.autoSize, 0);
+  EXPECT_EQ(model.autoSize2, 0);
+  EXPECT_EQ(model.Puts().back(), "WordWrap=-1");
 }
 
 TEST(FitShape, AShapeWithoutASizeGivesUpBeforeAnythingIsMeasured) {
@@ -307,6 +315,165 @@ TEST(FitShape, ANegativeMarginCountsAsNone) {
   const ShapeRect place{90.0F, 50.0F, 200.0F, 100.0F, true};
   Fit(model, &place);
   EXPECT_EQ(log.CountContaining("contentW=180.0"), 1) << log.Joined();
+}
+
+// Heights of the text with the wrap off and on; it is too wide without the wrap and not with it.
+FrameModel TooWide(float unwrapped, float wrapped) {
+  FrameModel model = TwoLines();
+  model.bounds = [=](const FrameModel& m, float& height, float& width, float& left) {
+    height = m.wrap == 0 ? unwrapped : wrapped;
+    width = m.wrap == 0 ? 300.0F : 150.0F;
+    left = 100.0F;
+  };
+  return model;
+}
+
+TEST(FitShape, ABoxBelow1Point8TimesItsUnwrappedTextIsOneLineHigh) {
+  FrameModel oneLine = TooWide(55.6F, 120.0F);  // 100.08
+  Fit(oneLine);
+  EXPECT_EQ(oneLine.wrap, 0);
+  FrameModel higher = TooWide(55.5F, 120.0F);  // 99.9
+  Fit(higher);
+  EXPECT_EQ(higher.wrap, -1);
+}
+
+TEST(FitShape, AHeightMayExceedTheShapeByTwoPercentAndAPoint) {
+  for (const float height : {100.0F, 400.0F}) {
+    const float most = height * 1.02F + 1.0F;
+    FrameModel fits = TooWide(10.0F, most - 0.05F);
+    fits.height = height;
+    Fit(fits);
+    EXPECT_FLOAT_EQ(fits.runs[0].size, 18.0F) << height;
+    FrameModel over = TooWide(10.0F, most + 0.05F);
+    over.height = height;
+    Fit(over);
+    EXPECT_LT(over.runs[0].size, 18.0F) << height;
+  }
+}
+
+TEST(FitShape, AWidthMayExceedTheRoomByTwoPercentAndAPoint) {
+  for (const float room : {200.0F, 500.0F}) {
+    const float most = room * 1.02F + 1.0F;
+    for (const bool over : {false, true}) {
+      FrameModel model = TwoLines();
+      model.width = room;
+      model.bounds = [&](const FrameModel&, float& height, float& width, float& left) {
+        height = 50.0F;
+        width = most + (over ? 0.05F : -0.05F);
+        left = 100.0F;
+      };
+      Fit(model);
+      EXPECT_EQ(model.runs[0].size < 18.0F, over) << room;
+    }
+  }
+}
+
+TEST(FitShape, EachFurtherScaleIsNineTenthsOfTheOneBefore) {
+  FrameModel model;
+  model.runs = {{40, 1000.0F}};
+  model.bounds = [](const FrameModel&, float& height, float&, float&) { height = 110.0F; };
+  Fit(model);
+  std::vector<float> sizes{1000.0F};
+  float scale = 100.0F / 110.0F * 0.97F;
+  for (int pass = 0; pass < 6; ++pass, scale *= 0.9F) sizes.push_back(sizes.back() * scale);
+  EXPECT_NEAR(model.runs[0].size, sizes.back(), sizes.back() * 0.001F);
+}
+
+TEST(FitShape, AScaleThatFallsBelowATenthEndsTheShrink) {
+  FrameModel model;
+  model.runs = {{40, 1000.0F}};
+  model.bounds = [](const FrameModel&, float& height, float&, float&) { height = 9000.0F; };
+  Fit(model);
+  EXPECT_FLOAT_EQ(model.runs[0].size, 100.0F);
+  EXPECT_EQ(model.Measures(), 2 + 1 + 1);
+}
+
+TEST(FitShape, ATextWhoseHeightIsNoLongerGivenIsShrunkNoFurther) {
+  FrameModel model;
+  model.runs = {{40, 1000.0F}};
+  model.bounds = [](const FrameModel& m, float& height, float&, float&) {
+    height = m.runs[0].size < 1000.0F ? 0.0F : 200.0F;
+  };
+  Fit(model);
+  EXPECT_FLOAT_EQ(model.runs[0].size, 1000.0F * 0.5F * 0.97F);
+  EXPECT_EQ(model.Measures(), 2 + 1 + 1);
+}
+
+TEST(FitShape, APlaceOfWhichOneSideCannotBeReadIsNotPutBack) {
+  for (const char* side : {"Left", "Top", "Width", "Height"}) {
+    FrameModel model = TwoLines();
+    model.unreadable = {side};
+    const ShapeRect place{90.0F, 40.0F, 200.0F, 100.0F, true};
+    Fit(model, &place);
+    for (const std::string& put : model.Puts()) EXPECT_FALSE(put.starts_with("Left=")) << side;
+  }
+}
+
+TEST(FitShape, AShapeWhoseSizeCannotBeReadGivesUp) {
+  for (const char* side : {"Width", "Height"}) {
+    FrameModel model = TwoLines();
+    model.oneAutoSizeState = false;
+    model.autoSize = 1;
+    model.autoSize2 = 2;
+    model.unreadable = {side};
+    Fit(model);
+    EXPECT_EQ(model.Measures(), 0) << side;
+    EXPECT_EQ(model.autoSize, 1) << side;
+    EXPECT_EQ(model.autoSize2, 2) << side;
+  }
+}
+
+TEST(FitShape, AMarginThatCannotBeReadCountsAsNone) {
+  test::LogCapture log;
+  FrameModel model = TwoLines();
+  model.marginLeft = 20.0F;
+  model.marginRight = 10.0F;
+  model.unreadable = {"MarginLeft"};
+  const ShapeRect place{90.0F, 50.0F, 200.0F, 100.0F, true};
+  Fit(model, &place);
+  EXPECT_EQ(log.CountContaining("contentW=190.0"), 1) << log.Joined();
+}
+
+TEST(FitShape, AWrapThatCannotBeReadCountsAsOff) {
+  FrameModel model;
+  model.runs = {{10, 18.0F}};
+  model.unreadable = {"WordWrap"};
+  Fit(model);
+  EXPECT_EQ(model.wrap, 0);
+}
+
+TEST(FitShape, AnAutosizeThatCannotBeReadIsNotPutBack) {
+  FrameModel first = TwoLines();
+  first.oneAutoSizeState = false;
+  first.autoSize = 1;
+  first.autoSize2 = 2;
+  first.unreadable = {"AutoSize"};
+  Fit(first);
+  EXPECT_EQ(first.autoSize, 0);
+  EXPECT_EQ(first.autoSize2, 2);
+  FrameModel second = TwoLines();
+  second.oneAutoSizeState = false;
+  second.autoSize = 1;
+  second.autoSize2 = 2;
+  second.unreadable = {"AutoSize2"};
+  Fit(second);
+  EXPECT_EQ(second.autoSize, 1);
+  EXPECT_EQ(second.autoSize2, 2) << "not even switched off";
+}
+
+TEST(FitShape, AWidthThatIsNotGivenIsNotLookedAtAndALeftCountsAsZero) {
+  FrameModel model;
+  model.runs = {{40, 18.0F}};  // 360 points on one line of 30
+  model.height = 30.0F;
+  model.unreadable = {"BoundWidth"};
+  Fit(model);
+  EXPECT_EQ(model.wrap, -1) << "two lines are too high, and nothing tells that one is too wide";
+  FrameModel left = TwoLines();
+  left.left = 940.0F;  // beyond the slide's edge, were it read
+  left.runs = {{10, 18.0F}};
+  left.unreadable = {"BoundLeft"};
+  Fit(left);
+  EXPECT_FLOAT_EQ(left.runs[0].size, 18.0F);
 }
 
 }  // namespace

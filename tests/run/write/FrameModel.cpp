@@ -30,11 +30,12 @@ ScriptedObject& Made(ObjectRef& ref) {
 
 using Answer = ScriptedObject::Answer;
 
-Answer Single(float& field, std::vector<std::string>& log, std::string name) {
-  return [&field, &log, name](const ScriptedCall& call, Variant& out) {
+Answer Single(const FrameModel& model, float& field, std::vector<std::string>& log,
+              std::string name) {
+  return [&model, &field, &log, name](const ScriptedCall& call, Variant& out) {
     if (!call.namedPut) {
       out = Variant::R4(field);
-      return kOk;
+      return model.unreadable.contains(name) ? kHostException : kOk;
     }
     field = call.reversedArgs.front().single();
     log.push_back(name + "=" + Short(field));
@@ -95,7 +96,7 @@ ObjectRef FrameModel::Run(std::size_t index) {
   font.Interface(ppt::kFont);
   font.Member(u"Size", ppt::font::kSize.id, [this, index](const ScriptedCall& call, Variant& out) {
     if (runs[index].refuses) return kHostException;
-    return Single(runs[index].size, log, "size")(call, out);
+    return Single(*this, runs[index].size, log, "size")(call, out);
   });
   run.Value(u"Font", ppt::textRange::kFont.id, Variant::Object(fontRef));
   return ref;
@@ -108,7 +109,8 @@ ObjectRef FrameModel::Range() {
   const auto bound = [this](int which) {
     return [this, which](const ScriptedCall&, Variant& out) {
       if (which == 0) log.push_back("measure");
-      if (!givesBounds) return kHostException;
+      constexpr const char* kNames[] = {"BoundHeight", "BoundWidth", "BoundLeft"};
+      if (!givesBounds || unreadable.contains(kNames[which])) return kHostException;
       float of[3] = {BoundHeight(), BoundWidth(), BoundLeft()};
       if (bounds) bounds(*this, of[0], of[1], of[2]);
       out = Variant::R4(of[which]);
@@ -142,14 +144,14 @@ ObjectRef FrameModel::Frame() {
   frame.Interface(ppt::kTextFrame);
   frame.Value(u"TextRange", ppt::textFrame::kTextRange.id, Variant::Object(Range()));
   frame.Member(u"MarginLeft", ppt::textFrame::kMarginLeft.id,
-               Single(marginLeft, log, "MarginLeft"));
+               Single(*this, marginLeft, log, "MarginLeft"));
   frame.Member(u"MarginRight", ppt::textFrame::kMarginRight.id,
-               Single(marginRight, log, "MarginRight"));
+               Single(*this, marginRight, log, "MarginRight"));
   frame.Member(u"WordWrap", ppt::textFrame::kWordWrap.id,
                [this](const ScriptedCall& call, Variant& out) {
                  if (!call.namedPut) {
                    out = Variant::I4(wrap);
-                   return kOk;
+                   return unreadable.contains("WordWrap") ? kHostException : kOk;
                  }
                  wrap = call.reversedArgs.front().whole();
                  log.push_back("WordWrap=" + std::to_string(wrap));
@@ -159,7 +161,7 @@ ObjectRef FrameModel::Frame() {
                [this](const ScriptedCall& call, Variant& out) {
                  if (!call.namedPut) {
                    out = Variant::I4(autoSize == kTextToFit ? kTextToFitSeenByFrame : autoSize);
-                   return kOk;
+                   return unreadable.contains("AutoSize") ? kHostException : kOk;
                  }
                  const std::int32_t value = call.reversedArgs.front().whole();
                  log.push_back("AutoSize=" + std::to_string(value));
@@ -177,7 +179,7 @@ ObjectRef FrameModel::Frame2() {
   frame.Member(u"AutoSize", 111, [this](const ScriptedCall& call, Variant& out) {
     if (!call.namedPut) {
       out = Variant::I4(autoSize2);
-      return kOk;
+      return unreadable.contains("AutoSize2") ? kHostException : kOk;
     }
     autoSize2 = call.reversedArgs.front().whole();
     if (oneAutoSizeState) autoSize = autoSize2;
@@ -193,10 +195,10 @@ ObjectRef FrameModel::Shape() {
   shape.Interface(ppt::kShape);
   shape.Value(u"TextFrame", ppt::shape::kTextFrame.id, Variant::Object(Frame()));
   if (hasFrame2) shape.Value(u"TextFrame2", 145, Variant::Object(Frame2()));
-  shape.Member(u"Left", ppt::shape::kLeft.id, Single(left, log, "Left"));
-  shape.Member(u"Top", ppt::shape::kTop.id, Single(top, log, "Top"));
-  shape.Member(u"Width", ppt::shape::kWidth.id, Single(width, log, "Width"));
-  shape.Member(u"Height", ppt::shape::kHeight.id, Single(height, log, "Height"));
+  shape.Member(u"Left", ppt::shape::kLeft.id, Single(*this, left, log, "Left"));
+  shape.Member(u"Top", ppt::shape::kTop.id, Single(*this, top, log, "Top"));
+  shape.Member(u"Width", ppt::shape::kWidth.id, Single(*this, width, log, "Width"));
+  shape.Member(u"Height", ppt::shape::kHeight.id, Single(*this, height, log, "Height"));
   return ref;
 }
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,7 @@ class FrameModel {
   bool oneAutoSizeState = true;  // both frames show one state, as text-to-fit -2 and 2
   bool givesBounds = true;
   bool givesRuns = true;
+  std::set<std::string> unreadable;  // members whose reads fail: "MarginLeft", "AutoSize2"
   // Replaces the rule above: height, width and left for the state as it is.
   std::function<void(const FrameModel&, float& height, float& width, float& left)> bounds;
 

@@ -456,6 +456,23 @@ TEST(SameApplyTarget, CellsDifferByRowAndColumnAndShapesDoNot) {
   EXPECT_TRUE(SameApplyTarget(a, b));
 }
 
+TEST(WriteSlide, ACellWithoutAShapeNamesAllUnitsOfItsGroup) {
+  Write w;
+  const FakeShapeRef table = test::TableShape({{u"a\rb", u"c"}});
+  w.harness.deck().AddSlide({table});
+  UnitLocator second = Cell({1}, 1, 1);
+  second.paragraphIndex = 2;
+  w.Unit(Cell({1}, 1, 1), u"a", u"AA", u"one");
+  w.Unit(second, u"b", u"BB", u"two");
+  w.Unit(Cell({1}, 1, 2), u"c", u"CC", u"three");
+  w.harness.host.Fail("Cell:Shape", 1);
+  w.Slide();
+  EXPECT_EQ(w.writes.applyError, u"one; two");
+  EXPECT_EQ(w.writes.failures.at(0).cause, FailCause::kNotFound);
+  EXPECT_EQ(table->table->cells[0][0]->Text(), u"a\rb");
+  EXPECT_EQ(table->table->cells[0][1]->Text(), u"CC");
+}
+
 }  // namespace
 
 }  // namespace quillmarch::addin

@@ -34,10 +34,10 @@ std::vector<Embedded> Workbooks() {
   std::vector<Embedded> workbooks;
   for (const std::string& path : Decks()) {
     const auto deck = Package::Open(path);
-    if (!deck.ok) continue;
-    for (const std::string& name : deck.value->PartNames()) {
+    if (!deck.ok()) continue;
+    for (const std::string& name : deck.value()->PartNames()) {
       if (!name.starts_with("ppt/embeddings/") || !name.ends_with(".xlsx")) continue;
-      workbooks.push_back({path + " " + name, deck.value->ReadPart(name).value});
+      workbooks.push_back({path + " " + name, deck.value()->ReadPart(name).value()});
     }
   }
   return workbooks;
@@ -102,9 +102,9 @@ std::string WriteOne(Workbook& workbook) {
       if (workbook.Value(sheet, at).kind != CellValue::Kind::kText || part->HasFormula(at))
         continue;
       const auto put = workbook.PutText(sheet, at, kNewText);
-      EXPECT_TRUE(put.ok) << put.error.sentence;
+      EXPECT_TRUE(put.ok()) << put.error().words;
       return Hex(ToUtf8(workbook.Sheets()[sheet].name)) + "\t" + CellName(at) + "\t" +
-             Hex(ToUtf8(put.value)) + "\n";
+             Hex(ToUtf8(put.value())) + "\n";
     }
   }
   return {};
@@ -118,16 +118,16 @@ TEST(WorkbookCorpus, AnotherReaderSeesTheSameCellsAndOneWrittenCellChangesNothin
   const TempFolder folder;
   for (std::size_t i = 0; i < workbooks.size(); ++i) {
     const auto opened = Workbook::Open(workbooks[i].bytes);
-    ASSERT_TRUE(opened.ok) << workbooks[i].from << ": " << opened.error.sentence;
+    ASSERT_TRUE(opened.ok()) << workbooks[i].from << ": " << opened.error().words;
     const std::string number = std::to_string(i);
     folder.Put(number + ".from", workbooks[i].from);
     folder.Put(number + ".xlsx", workbooks[i].bytes);
-    folder.Put(number + ".cells", Told(*opened.value));
-    EXPECT_EQ(opened.value->SaveBytes().value, workbooks[i].bytes) << workbooks[i].from;
-    const std::string edit = WriteOne(*opened.value);
+    folder.Put(number + ".cells", Told(*opened.value()));
+    EXPECT_EQ(opened.value()->SaveBytes().value(), workbooks[i].bytes) << workbooks[i].from;
+    const std::string edit = WriteOne(*opened.value());
     if (edit.empty()) continue;
     folder.Put(number + ".edit", edit);
-    folder.Put(number + ".edited.xlsx", opened.value->SaveBytes().value);
+    folder.Put(number + ".edited.xlsx", opened.value()->SaveBytes().value());
   }
   const std::string command =
       std::string(QUILLMARCH_PYTHON " -B " QUILLMARCH_CHECK " ") + folder.Path("");

@@ -16,6 +16,7 @@ namespace {
 constexpr int kUnreadableReports = 8;
 
 std::atomic<bool (*)()> HostThreadCheck{nullptr};
+std::atomic<int> UnreadableReports{0};
 
 void AssertHostThread() {
 #ifndef NDEBUG
@@ -265,8 +266,12 @@ ResultCode ShapeItem(AutomationObject* shapes, std::int32_t index, ObjectRef& ou
   return kOk;
 }
 
+void ForgetUnreadableReports() {
+  UnreadableReports.store(0, std::memory_order_relaxed);
+}
+
 void ReportUnreadable(const char16_t* member) {
-  static std::atomic<int> reports{0};
+  std::atomic<int>& reports = UnreadableReports;
   // Checked first, so that the counter does not move once it is full.
   if (reports.load(std::memory_order_relaxed) >= kUnreadableReports) return;
   const int number = reports.fetch_add(1, std::memory_order_relaxed) + 1;

@@ -107,12 +107,14 @@ bool VariantToFlag(const Variant& value);
 // ---- Shapes ----------------------------------------------------------------------------------
 
 // The 1-based item of a shape collection by the late-bound "Item"; the result must answer to
-// Shape. kNoInterface when it does not, kFail when it is no object. A caller that gets a failure
-// then tries the typed Item.
+// Shape. kNoInterface when it does not, kFail when it is not an object. A caller that gets a
+// failure then tries the typed Item.
 ResultCode ShapeItem(AutomationObject* shapes, std::int32_t index, ObjectRef& out);
 
-// Logs "PptCtrl shape <member> unreadable" for the first 8 failures in the process, then no more.
+// Logs "PptCtrl shape <member> unreadable" for the first 8 failures in the process only.
 // Null prints "?".
 void ReportUnreadable(const char16_t* member);
+// Begins that count anew. For tests, which share one process.
+void ForgetUnreadableReports();
 
 }  // namespace quillmarch

@@ -29,7 +29,7 @@ HRESULT WithoutThrowing(Work work) noexcept {
 }
 
 // Self is final and derives from this. It is made with one reference, the maker's; the last Release
-// destroys it. The first interface stands for the object's identity. An interface that another one
+// destroys it. The first interface is the object's identity. An interface that another one
 // derives from is answered to by Self::FindBase, if Self has it.
 template <typename Self, typename... Interfaces>
 class ComClass : public Interfaces... {

@@ -13,7 +13,7 @@ namespace quillmarch {
 // memory runs out.
 ObjectRef WrapDispatch(IDispatch* dispatch);
 
-// What an object of WrapDispatch stands for, without a new reference; null for every other object.
+// The object that WrapDispatch wrapped, without a new reference; null for every other object.
 IDispatch* DispatchOf(AutomationObject* object);
 
 // As AutoInvoke, but where the host raised an exception the result is the code that the exception

@@ -28,7 +28,7 @@ class ComVariant {
 };
 
 // The value of a host, copied. Numbers of widths that the add-in does not look at become reals, so
-// that they can be read and yet are no flags; what is no value of ours at all, like an array,
+// that they can be read and yet are no flags; what we have no value for, like an array,
 // becomes an error value. Throws when memory runs out.
 Variant FromCom(const VARIANT& value);
 

@@ -18,7 +18,7 @@ HostKind& Host() {
   return host;
 }
 
-// Property get alone, where AutoGet would ask for a method as well.
+// Property get only, where AutoGet would ask for a method as well.
 Wide ReadText(AutomationObject* application, WideView member) {
   Variant value;
   if (Failed(AutoGetProperty(application, member, value))) return {};

@@ -1,6 +1,6 @@
 // The published interfaces of the presentation hosts and the fixed DISPIDs of the members used.
 // PowerPoint's type library 91493440-5A91-11CF-8700-00AA0060263B; property get and put share a
-// DISPID. Only members that the add-in calls stand here.
+// DISPID. Only members that the add-in calls are listed.
 #pragma once
 
 #include "foundation/automation/Automation.h"

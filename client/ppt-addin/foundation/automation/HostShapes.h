@@ -38,7 +38,7 @@ struct TableGrid {
 };
 bool ReadTable(AutomationObject* shape, TableGrid& grid);
 
-// The shape behind a table's cell; row and column are 1-based.
+// The shape of a table's cell; row and column are 1-based.
 bool CellShape(AutomationObject* table, std::int32_t row, std::int32_t column, ObjectRef& shape);
 
 // The shape's text range, all of it.

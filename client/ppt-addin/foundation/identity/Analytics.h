@@ -23,7 +23,7 @@ struct AnalyticsBeacon {
 
 // Null or empty `eventName` sends nothing; null `source` counts as "unknown".
 void SendAnalyticsEvent(const char16_t* eventName, const char16_t* source);
-// The first failure of the process alone. `stage` may be null.
+// Only the first failure of the process. `stage` may be null.
 void SendWebViewInitError(const char16_t* stage, std::uint32_t hresult);
 // Pins the add-in's module, so that the thread's code cannot be unloaded under it. Throws what the
 // making of a thread throws.

@@ -1,6 +1,7 @@
 #include "foundation/identity/ClientIdentity.h"
 
 #include <string>
+#include <utility>
 
 #include "foundation/automation/HostId.h"
 #include "foundation/identity/IdentityRules.h"
@@ -19,6 +20,11 @@ constexpr WideView kInstallIdName = u"InstallId";
 constexpr std::size_t kInstallIdMaxBytes = 1024;
 constexpr WideView kVersionFileName = u"version.json";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+Wide& ReplacedVersion() {
+  static Wide version;
+  return version;
+}
 
 HostKind CurrentHost() {
   return {HostWord(), HostName(), HostVersion()};
@@ -41,7 +47,12 @@ Wide InstallId() {
 }
 
 Wide ClientVersion() {
+  if (!ReplacedVersion().empty()) return ReplacedVersion();
   return VersionOf(ReadVersionFile(ModuleDirectory()));
+}
+
+void ReplaceClientVersion(Wide version) {
+  ReplacedVersion() = std::move(version);
 }
 
 Wide ReadVersionFile(WideView directory) {

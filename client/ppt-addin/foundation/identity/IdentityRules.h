@@ -1,4 +1,4 @@
-// The rules behind the client's identity, with what the system says handed in. Pure.
+// The rules behind the client's identity, with the system's answers passed in. Pure.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 namespace quillmarch {
 
-// The first of the two readers that answers gives the version; without one the text ends behind the
-// machine word.
+// The first of the two readers that answers gives the version; if neither does, the text ends
+// after the machine word.
 Wide DescribeOs(WideView system, WideView machine, bool (*real)(OsVersion&),
                 bool (*shown)(OsVersion&));
 

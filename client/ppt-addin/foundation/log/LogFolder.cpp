@@ -22,9 +22,9 @@ std::string_view BytesOf(WideView text) {
 
 constexpr std::size_t kUsualPrefix = 48;
 
-// `before` and the number, with noughts in front up to `width` digits.
+// `before` and the number, zero-padded to `width` digits.
 void AppendNumber(Wide& out, WideView before, std::uint32_t number, std::size_t width) {
-  char16_t digits[10];  // 32 bits have no more
+  char16_t digits[10];  // enough for 32 bits
   std::size_t at = std::size(digits);
   do {
     digits[--at] = static_cast<char16_t>(u'0' + number % 10);

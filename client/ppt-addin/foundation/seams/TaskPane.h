@@ -17,7 +17,7 @@ class TaskPane {
 
   virtual ~TaskPane() = default;
 
-  // The document window that the pane stands in. kOk with a non-null object, or a failure.
+  // The document window that the pane is in. kOk with a non-null object, or a failure.
   virtual ResultCode GetWindow(ObjectRef& out) = 0;
   virtual ResultCode PutVisible(bool visible) = 0;
   virtual ResultCode GetDockPosition(std::int32_t& out) = 0;

@@ -1,6 +1,6 @@
 // The user's registry (HKEY_CURRENT_USER) as registration changes it. Keys are written from the
-// root, parted by "\". Each call gives a Win32 code, 0 for success. The value without a name is the
-// key's default.
+// root, separated by "\". Each call gives a Win32 code, 0 for success. The value without a name is
+// the key's default.
 #pragma once
 
 #include <cstdint>
@@ -33,7 +33,7 @@ class UserRegistry {
   virtual bool IsEmpty(WideView key) = 0;
 };
 
-// The user's own. On Windows alone: nobody registers anything elsewhere.
+// The user's own. On Windows only: nobody registers anything elsewhere.
 UserRegistry& SystemUserRegistry();
 
 }  // namespace quillmarch

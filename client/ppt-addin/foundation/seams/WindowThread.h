@@ -17,7 +17,7 @@ namespace quillmarch {
 
 class WindowThread final : public HostThread {
  public:
-  // The message that carries a posted call; its block stands in lParam.
+  // The message that carries a posted call; its block is in lParam.
   static constexpr UINT kPostMessage = WM_APP + 48;
 
   WindowThread() = default;
@@ -25,7 +25,7 @@ class WindowThread final : public HostThread {
   WindowThread(const WindowThread&) = delete;
   WindowThread& operator=(const WindowThread&) = delete;
 
-  // The calling thread is the host thread from here on. False when there is no window to be had.
+  // The calling thread is the host thread from here on. False when no window can be made.
   // Does nothing while it is open.
   bool Open();
   // Timers are gone, posts that wait are destroyed unrun, and every later one fails, until it is

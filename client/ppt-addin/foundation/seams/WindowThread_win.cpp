@@ -62,7 +62,7 @@ bool WindowThread::Open() {
 
 void WindowThread::Close() {
   if (window_ == nullptr || !OnHostThread()) return;
-  // From here on posts fail, so that none comes behind the last look.
+  // From here on posts fail, so that none comes after the last look.
   const HWND window = window_.exchange(nullptr);
   for (const auto& [id, timer] : timers_) ::KillTimer(window, TimerNumber(id));
   timers_.clear();

@@ -14,7 +14,7 @@ bool IsFigure(char c) {
 }
 
 struct Found {
-  bool present = false;   // the key stands there with its colon
+  bool present = false;   // the key is there with its colon
   std::size_t value = 0;  // where its value begins
 };
 
@@ -46,7 +46,7 @@ std::optional<Range> IntRange(std::string_view text, std::size_t begin) {
   return Range{begin, at};
 }
 
-// What stands between the quotes, escapes included; nothing when they are not closed.
+// The text between the quotes, escapes included; nothing when they are not closed.
 std::optional<Range> StringRange(std::string_view text, std::size_t begin) {
   if (begin >= text.size() || text[begin] != '"') return std::nullopt;
   for (std::size_t at = begin + 1; at < text.size(); ++at) {

@@ -21,7 +21,7 @@ std::string NewFile(std::string_view key, std::string_view value) {
 }
 
 // Puts one value into the file. `patch` makes the new text of the old one or refuses; a file that
-// it refuses is no valid configuration, so the first-time form replaces it.
+// it refuses is not a valid configuration, so the first-time form replaces it.
 template <typename Patch>
 bool PutValue(std::string_view key, std::string_view value, Patch patch, std::uint32_t& errorOut) {
   errorOut = 0;

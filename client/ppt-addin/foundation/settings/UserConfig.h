@@ -25,7 +25,7 @@ inline constexpr std::int32_t kDefaultPaneWidthPt = 520;
 // In points. The default, and `fromFileOut` false, when the file has no value in range.
 std::int32_t ReadPaneWidth(bool& fromFileOut);
 // `errorOut` gets the system's error number when the file could not be read or replaced. A file
-// that cannot be patched is no valid configuration and is replaced as a whole.
+// that cannot be patched is not a valid configuration and is replaced as a whole.
 bool WritePaneWidth(std::int32_t value, std::uint32_t& errorOut);
 
 // Empty when the file names none; what it names is not checked.

@@ -12,7 +12,7 @@ namespace quillmarch {
 
 namespace {
 
-// A file that this process alone writes. A second writer is refused, as an exclusive open refuses
+// A file that only this process writes. A second writer is refused, as an exclusive open refuses
 // it on Windows.
 class ExclusiveFile {
  public:

@@ -1,5 +1,5 @@
 // Calls into code of other makers, whose exceptions no handler of ours would see: the compiler's
-// own catch clauses know the exceptions of its own programs alone. Windows sources only.
+// own catch clauses know only the exceptions of its own programs. Windows sources only.
 #pragma once
 
 namespace quillmarch {

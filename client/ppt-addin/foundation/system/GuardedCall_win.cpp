@@ -25,7 +25,7 @@ LONG QuillmarchGuardFilter(EXCEPTION_POINTERS* raised, void*) {
 }
 
 // The frame that the system unwinds to. The compiler has no words for such a handler, so its table
-// is written by hand: one scope, the call, with the filter above and the way out behind it.
+// is written by hand: one scope, the call, with the filter above and the way out after it.
 asm(R"(
         .text
         .globl  QuillmarchGuardedCall

@@ -6,8 +6,8 @@
 
 namespace quillmarch {
 
-// The file holds one value a line, in UTF-8: key, name, type and data, parted by tabs. Key and name
-// compare without regard to the case of ASCII letters, as registry names do.
+// The file holds one value a line, in UTF-8: key, name, type and data, separated by tabs. Key and
+// name compare without regard to the case of ASCII letters, as registry names do.
 
 namespace {
 

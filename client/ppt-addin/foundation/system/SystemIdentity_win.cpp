@@ -26,7 +26,7 @@ Wide MachineWord() {
 }
 
 bool ReadOsVersion(OsVersion& version) {
-  // By name, as it is no part of the import libraries' promise.
+  // By name, as the import libraries do not promise it.
   const HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
   if (ntdll == nullptr) return false;
   const FARPROC found = GetProcAddress(ntdll, "RtlGetVersion");

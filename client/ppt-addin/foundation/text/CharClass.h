@@ -1,4 +1,4 @@
-// Letters, blanks and digits as Windows classes UTF-16 units, on every platform and in every
+// Letters, spaces and digits as Windows classes UTF-16 units, on every platform and in every
 // locale, so that a deck is read alike everywhere. Surrogates are in no class.
 #pragma once
 

@@ -17,7 +17,7 @@ constexpr std::size_t kNone = WideView::npos;
 constexpr std::size_t kEscapeReserve = 8;
 constexpr std::size_t kUnicodeDigits = 4;
 
-// -1 for a unit that is no hex digit.
+// -1 for a unit that is not a hex digit.
 int HexValue(char16_t unit) {
   if (unit >= u'0' && unit <= u'9') return unit - u'0';
   if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
@@ -53,7 +53,7 @@ std::size_t Find(WideView json, WideView quoted, std::size_t at = 0) {
   return json.find(quoted, at);
 }
 
-// Just behind the first occurrence of the quoted key.
+// Just after the first occurrence of the quoted key.
 std::size_t BehindKey(WideView json, WideView key) {
   const Wide quoted = Quoted(key);
   const std::size_t at = Find(json, quoted);
@@ -65,8 +65,8 @@ std::size_t SkipAny(WideView json, std::size_t at, WideView units) {
   return next == kNone ? json.size() : next;
 }
 
-// Reads the value whose opening quote stands before `at`. `at` ends on the closing quote, or at the
-// end of a text that never closes it.
+// Reads the value whose opening quote is just before `at`. `at` ends on the closing quote, or at
+// the end of a text that never closes it.
 Wide ReadStringValue(WideView json, std::size_t& at) {
   Wide value;
   for (; at < json.size(); ++at) {
@@ -98,14 +98,14 @@ Wide ReadStringValue(WideView json, std::size_t& at) {
       value.push_back(static_cast<char16_t>(number));
       at += kUnicodeDigits;
     } else {
-      // Any other escaped unit stands for itself, b and f too.
+      // Any other escaped unit means itself, b and f too.
       value.push_back(escaped);
     }
   }
   return value;
 }
 
-// The string value whose opening quote is the next one at or behind `at`, at any distance.
+// The string value whose opening quote is the next one at or after `at`, at any distance.
 Wide NextString(WideView json, std::size_t at) {
   const std::size_t quote = json.find(u'"', at);
   if (quote == kNone) return {};
@@ -207,7 +207,7 @@ Wide JsonGetString(WideView json, WideView key) {
   const Wide quoted = Quoted(key);
   for (std::size_t at = Find(json, quoted); at != kNone; at = Find(json, quoted, at + 1)) {
     const std::size_t behind = SkipAny(json, at + quoted.size(), u" \t");
-    // Between the colon and the next quote anything may stand: a null or a number gives the next
+    // Anything may come between the colon and the next quote: a null or a number gives the next
     // string of the document.
     if (behind < json.size() && json[behind] == u':') return NextString(json, behind + 1);
   }

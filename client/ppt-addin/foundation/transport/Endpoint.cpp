@@ -10,7 +10,7 @@ constexpr std::uint16_t kHttpsPort = 443;
 constexpr std::uint16_t kHttpPort = 80;
 constexpr std::uint32_t kHighestPort = 65535;
 
-// The build names the host as "host[:port]"; an IPv6 address stands in brackets there.
+// The build names the host as "host[:port]"; an IPv6 address is in brackets there.
 Endpoint BuiltInEndpoint() {
   constexpr std::string_view text = QUILLMARCH_API_HOST;
   Endpoint endpoint;

@@ -13,7 +13,7 @@
 
 namespace quillmarch {
 
-// One-byte flags of a run: relaxed, polled, nothing else synchronises them.
+// One-byte flags of a run: relaxed and polled; nothing else synchronises them.
 using RunFlag = std::atomic<std::uint8_t>;
 
 // The longest answer that is taken: the add-in lives in somebody else's process. Past it the read
@@ -22,14 +22,14 @@ inline constexpr std::size_t kMaxAnswerBytes = std::size_t{64} << 20;
 
 // Posts a JSON body and gives the answer's text. An empty result means failure or an empty body;
 // `outError` is then filled in both cases and `outStatus` tells them apart (0 when no answer came).
-// A status of 4xx or 5xx is no failure here. A token with control characters makes no request: it
-// could carry header lines of its own. All pointers may be null. Certificates are verified,
-// no proxy is used, and a request is sent once.
+// A status of 4xx or 5xx is not a failure here. A token with control characters makes no request:
+// it could carry header lines of its own. All pointers may be null. Certificates are verified, no
+// proxy is used, and a request is sent once.
 Wide HttpPostJson(const Endpoint& endpoint, WideView path, std::string_view bodyUtf8,
                   Wide* outError, const Wide* bearerToken, const RunFlag* cancelFlag,
                   const RunFlag* pauseFlag, std::uint32_t* outStatus);
 
-// One more authority whose certificates are trusted, a PEM file; for the headless host, before the
+// Trusts the certificates of one more authority, a PEM file; for the headless host, before the
 // first call. On Windows the system's store decides and this does nothing.
 void TrustAuthorityFile(std::string pathUtf8);
 

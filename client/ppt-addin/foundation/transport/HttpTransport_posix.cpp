@@ -154,10 +154,10 @@ bool Set(CURL* handle, CURLoption option, Value value) {
   return curl_easy_setopt(handle, option, value) == CURLE_OK;
 }
 
-// What is the same for every call.
+// The options that are the same for every call.
 bool PrepareAlways(CURL* handle) {
   return Set(handle, CURLOPT_PATH_AS_IS, 1L) && Set(handle, CURLOPT_PROTOCOLS_STR, "http,https") &&
-         // No proxy, and the variables that name one are not looked at.
+         // No proxy, and the variables that name one are ignored.
          Set(handle, CURLOPT_PROXY, "") && Set(handle, CURLOPT_NOPROXY, "*") &&
          Set(handle, CURLOPT_POST, 1L) && Set(handle, CURLOPT_USERAGENT, "Quillmarch/1.0") &&
          Set(handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1)) &&
@@ -197,8 +197,8 @@ bool PrepareRequest(CURL* handle, std::string_view body, curl_slist* headers, Tr
          Set(handle, CURLOPT_HEADERDATA, &transfer) && Set(handle, CURLOPT_WRITEDATA, &transfer);
 }
 
-// One thread's handles: making them costs more than a request over loopback does. No connection is
-// kept, and each call sets whatever differs between calls.
+// One thread's handles: making them costs more than a request over loopback. No connection is kept,
+// and each call sets whatever differs between calls.
 class Client {
  public:
   Client() : multi_(curl_multi_init()), easy_(curl_easy_init()) {
@@ -210,7 +210,7 @@ class Client {
 
  private:
   Multi multi_;
-  Handle easy_;  // goes before the other
+  Handle easy_;  // destroyed before the other
 };
 
 CURLcode Client::Perform() {
@@ -244,7 +244,7 @@ Wide Fail(Wide* outError, const char16_t* text) {
 
 }  // namespace
 
-// The error texts name the calls of Windows on every platform: they are what callers and logs know.
+// The error texts name the calls of Windows on every platform, since callers and logs know them.
 Wide HttpPostJson(const Endpoint& endpoint, WideView path, std::string_view bodyUtf8,
                   Wide* outError, const Wide* bearerToken, const RunFlag* cancelFlag,
                   const RunFlag* pauseFlag, std::uint32_t* outStatus) {

@@ -19,7 +19,7 @@ struct TransferLimits {
 // Those of the transfers that begin from now on; tests shorten them.
 TransferLimits& ProcessTransferLimits();
 
-// One for each transfer, told of its events in order, each with the time of the event. One thread.
+// One per transfer, which reports its events in order, each with its time. One thread.
 class TransferTimes {
  public:
   using Time = std::chrono::steady_clock::time_point;

@@ -8,7 +8,8 @@ namespace quillmarch::addin {
 
 class InstalledBrowser final : public WebViewLoader {
  public:
-  // "file not found" where there is no loader library, and whatever the loader fails with at once.
+  // "file not found" where there is no loader library, otherwise whatever the loader fails with at
+  // once.
   ResultCode CreateEnvironment(const Wide& userDataFolder,
                                std::weak_ptr<WebViewSink> sink) override;
 };

@@ -114,7 +114,7 @@ class Page final : public WebView {
     if (FAILED(page_->get_Settings(settings.put())) || !settings) return nullptr;
     return std::make_shared<PageSettings>(std::move(settings));
   }
-  // The browser lets go of its handlers when it is closed, so no token is kept.
+  // The browser releases its handlers when it is closed, so no token is kept.
   void AddWebMessageReceived(std::weak_ptr<WebViewSink> sink) override {
     EventRegistrationToken token = {};
     page_->add_WebMessageReceived(MessageHandler::Make(std::move(sink)).get(), &token);

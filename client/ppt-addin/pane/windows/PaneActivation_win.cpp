@@ -53,7 +53,7 @@ HRESULT PaneControl::ActivateInPlace(LPCRECT place, bool withFocus) {
 }
 
 HRESULT PaneControl::EnterSite(LPCRECT place, bool withFocus) {
-  // The site may be let go of inside a call.
+  // The site may be released inside a call.
   const ComPtr<IOleInPlaceSite> site = inPlaceSite_;
   if (site->CanInPlaceActivate() != S_OK) return E_FAIL;
   HRESULT code = site->OnInPlaceActivate();

@@ -1,6 +1,6 @@
 // The pane as a control: what the host's task pane makes by class, embeds by OLE and activates in
-// place. It holds the pane, gives it a window, and decides nothing. Windows only; the host's thread
-// alone.
+// place. It holds the pane, gives it a window, and decides nothing. Windows only; only on the
+// host's thread.
 #pragma once
 
 #include <windows.h>
@@ -22,7 +22,7 @@ struct IQuillmarchPptPane : IDispatch {};
 inline constexpr CLSID kPaneClass = {
     0xB0C1D2E3, 0x4F5A, 0x6B7C, {0x8D, 0x9E, 0x0F, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E}};
 
-// What every control of the process stands in; all of it outlives them.
+// What every control of the process is given; all of it outlives them.
 struct ControlSurroundings {
   HostThread& thread;
   InputState& input;
@@ -36,7 +36,7 @@ class PaneControl final
                       IOleObject, IOleInPlaceActiveObject, IOleInPlaceObjectWindowless,
                       IPersistStreamInit> {
  public:
-  // `hold` is let go of behind everything else.
+  // `hold` is released last.
   PaneControl(const ControlSurroundings& surroundings, std::shared_ptr<void> hold);
   ~PaneControl() = default;
 
@@ -169,7 +169,7 @@ class PaneControl final
   // The window (PaneControl_win.cpp).
   static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-  // False when the stock map leaves the message alone.
+  // False when the stock map does not handle the message.
   bool StockMessage(HWND window, UINT message);
   bool CreateControlWindow(HWND parent, const RECT& place, DWORD style);
   bool CreateFallback(HWND parent);

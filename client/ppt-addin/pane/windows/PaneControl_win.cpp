@@ -21,7 +21,7 @@ const wchar_t* ClassName() {
   return reinterpret_cast<const wchar_t*>(CPptPane::kWindowClass);
 }
 
-// What a control is as long as nobody says otherwise: two inches square.
+// The extent of a control until somebody sets another: two inches square.
 constexpr SIZEL kFirstExtent = {5080, 5080};
 
 }  // namespace
@@ -107,7 +107,7 @@ HRESULT PaneControl::Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, E
 // ---- The window
 // ----------------------------------------------------------------------------------
 
-// A window holds nothing of the control but its address; the control outlives it.
+// A window holds only the control's address; the control outlives it.
 bool PaneControl::CreateControlWindow(HWND parent, const RECT& place, DWORD style) {
   WNDCLASSEXW windowClass = {};
   windowClass.cbSize = sizeof windowClass;
@@ -116,7 +116,7 @@ bool PaneControl::CreateControlWindow(HWND parent, const RECT& place, DWORD styl
   windowClass.hInstance = OwnModule();
   windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
   windowClass.lpszClassName = ClassName();
-  // Fails when it is there already, which is as good.
+  // Fails when the class is registered already, which is as good.
   RegisterClassExW(&windowClass);
   const HWND window =
       CreateWindowExW(0, ClassName(), nullptr, style, place.left, place.top, place.right,
@@ -142,7 +142,7 @@ LRESULT CALLBACK PaneControl::Receive(HWND window, UINT message, WPARAM wParam, 
   }
   auto* const self = reinterpret_cast<PaneControl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   if (self == nullptr) return DefWindowProcW(window, message, wParam, lParam);
-  // The host may let go of the control inside the message.
+  // The host may release the control inside the message.
   const ComPtr<PaneControl> held(self);
   return self->OnMessage(window, message, wParam, lParam);
 }

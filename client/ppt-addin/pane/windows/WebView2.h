@@ -1,4 +1,4 @@
-// The browser's published interfaces, as far as a pane uses them. Their methods stand in the order
+// The browser's published interfaces, as far as a pane uses them. Their methods are in the order
 // of the table that the browser's maker publishes; a method that nobody calls here has only its
 // place in it. Windows only.
 #pragma once

@@ -41,7 +41,7 @@ ResultCode LookAtPlace(Wide shown, TextChange& change) {
   if (change.from == nullptr || SameText(shown, *change.from)) return kOk;
   if (SameText(shown, change.to)) return kAlreadyThere;
   change.shown = std::move(shown);
-  return kPlaceChanged;
+  return kOtherTextThere;
 }
 
 // The same for places whose text is not read anyway.

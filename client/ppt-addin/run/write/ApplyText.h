@@ -26,13 +26,13 @@ Wide WithoutBreaks(WideView text);
 inline constexpr ResultCode kAlreadyThere = 1;
 // The place shows neither the source nor the translation: it is the user's, and nothing was
 // written.
-inline constexpr ResultCode kPlaceChanged = MakeResult(0x80040211);
+inline constexpr ResultCode kOtherTextThere = MakeResult(0x80040211);
 
 struct TextChange {
   // What the place must still show; null where it is not looked at.
   const Wide* from = nullptr;
   const Wide& to;
-  Wide shown = {};  // out, with kPlaceChanged
+  Wide shown = {};  // out, with kOtherTextThere
 };
 
 // A paragraph of the shape's frame, or the whole frame, as the locator says.

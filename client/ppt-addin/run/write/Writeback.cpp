@@ -145,7 +145,7 @@ GroupWritten WriteUnits(const SlideWrite& write, ObjectRef shape, const Group& g
                       .to = text};
     ResultCode code = WriteUnit(task, shape.get(), unit, change);
     ObjectRef onNotes;
-    if (code == kPlaceChanged && task.params.scope == Scope::kSelection && !written.any &&
+    if (code == kOtherTextThere && task.params.scope == Scope::kSelection && !written.any &&
         !IsInCell(locator) && !LiesOnNotes(locator) && FindOnNotes(write, shape.get(), onNotes)) {
       code = WriteUnit(task, onNotes.get(), unit, change);
       if (code == kOk) {
@@ -153,14 +153,14 @@ GroupWritten WriteUnits(const SlideWrite& write, ObjectRef shape, const Group& g
         written.elsewhere = true;
       }
     }
-    if (code == kPlaceChanged && WrittenByTwin(task, unit, change.shown)) code = kAlreadyThere;
+    if (code == kOtherTextThere && WrittenByTwin(task, unit, change.shown)) code = kAlreadyThere;
     if (Succeeded(code)) {
       ++task.writes.appliedCount;
       task.writes.reached[unit] = true;
       written.any = written.any || code != kAlreadyThere;
     } else {
       const FailCause cause =
-          code == kPlaceChanged ? FailCause::kPlaceChanged : FailCause::kRefused;
+          code == kOtherTextThere ? FailCause::kPlaceChanged : FailCause::kRefused;
       RecordUnit(task, unit, {cause, code});
     }
   }

@@ -112,7 +112,7 @@ template <typename Interface>
 HRESULT ConnectFace<Interface>::Invoke(DISPID id, REFIID, LCID locale, WORD flags,
                                        DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception,
                                        UINT* badArgument) {
-  // The host may let go of the connection inside the call.
+  // The host may release the connection inside the call.
   const ComPtr<IUnknown> self(this);
   if (result != nullptr) VariantInit(result);
   DISPPARAMS none = {};

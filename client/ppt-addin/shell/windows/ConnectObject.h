@@ -1,6 +1,6 @@
 // The connection as the host's object: one object with four dual interfaces, each of which answers
 // its own ids through its own Invoke, and the ribbon's besides. What the host asks for as plain
-// IDispatch is the one that knows the ribbon's handlers. Windows only; the host's thread alone.
+// IDispatch is the one that knows the ribbon's handlers. Windows only; only on the host's thread.
 #pragma once
 
 #include <windows.h>
@@ -116,7 +116,7 @@ class CallbackFace final : public ConnectFace<IRibbonCallback> {
 
 class ConnectObject final {
  public:
-  // Made with one reference, the maker's. `hold` is let go of behind everything else.
+  // Made with one reference, the maker's. `hold` is released last.
   ConnectObject(const ShellSurroundings& surroundings, std::shared_ptr<void> hold)
       : hold_(std::move(hold)), connect_(surroundings) {}
   ConnectObject(const ConnectObject&) = delete;

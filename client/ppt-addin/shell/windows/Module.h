@@ -1,5 +1,5 @@
-// The module as a server of classes: what its four exports do. Windows only; any thread, save that
-// objects are made on the host's thread.
+// The module as a server of classes: what its four exports do. Windows only; any thread, except
+// that objects are made on the host's thread.
 #pragma once
 
 #include <windows.h>
@@ -21,7 +21,7 @@
 namespace quillmarch::addin {
 
 // What the module holds right now, by LiveKind; a class factory answers to it. For tests, and to
-// find out why a host does not let go of the module.
+// find out why a host does not unload the module.
 struct IModuleCounts : IUnknown {
   virtual LONG STDMETHODCALLTYPE LiveCountOf(LONG kind) = 0;
 };

@@ -1,5 +1,5 @@
 // The interfaces by which a host of the Office family talks to an add-in, as its type library
-// publishes them. Methods stand in the library's order. Windows only.
+// publishes them. Methods are in the library's order. Windows only.
 #pragma once
 
 #include <windows.h>

@@ -5,7 +5,7 @@
 
 namespace quillmarch::host {
 
-class IdleHands final : public InputState {
+class UnattendedInput final : public InputState {
  public:
   bool LeftButtonDown() override { return false; }
   bool HasCapture() override { return false; }
