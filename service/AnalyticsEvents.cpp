@@ -16,7 +16,7 @@ constexpr JsonBounds kBounds{8, 4'096};
 constexpr std::size_t kMaxLoggedChars = 80;  // of one value
 constexpr std::size_t kMaxLoggedProps = 8;
 
-// A client chooses what stands in an event, so it may hold anything; a log line must stay one
+// A client chooses what an event says, so it may hold anything; a log line must stay one
 // line, and its fields must stay apart.
 std::string Printable(const std::string& text) {
   std::string out;

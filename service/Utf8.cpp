@@ -77,7 +77,7 @@ std::size_t Utf16Length(std::string_view text) {
 
 namespace {
 
-// `begin` is where the blanks in front end.
+// `begin` is where the leading white space ends.
 TrimmedText TrimmedForwards(std::string_view text, std::size_t begin) {
   std::size_t end = begin;
   for (std::size_t at = begin; at < text.size();) {
@@ -103,7 +103,7 @@ TrimmedText TrimBlanks(std::string_view text) {
     if (!IsBlank(NextCharacter(text, next))) break;
   }
   if (begin == text.size()) return {text, {}, {}};
-  // From the end as long as there is plain ASCII: the rest is told apart forwards alone.
+  // From the end as long as there is plain ASCII: the rest can only be read forwards.
   std::size_t end = text.size();
   while (end > begin) {
     const std::size_t at = end - 1;

@@ -12,7 +12,7 @@ namespace quillmarch::service {
 namespace {
 
 struct Package {
-  const char* name;  // behind "apertium-"
+  const char* name;  // after "apertium-"
   const char* a;
   const char* b;
 };

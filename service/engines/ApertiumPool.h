@@ -19,8 +19,8 @@ namespace quillmarch::service {
 
 class ApertiumPool {
  public:
-  // A pipeline takes about 100 MB, so there are no more than a second client needs not to wait for
-  // the first one's text.
+  // A pipeline takes about 100 MB, so there are only as many as let a second client work while the
+  // first one's text takes its time.
   static constexpr std::size_t kPipelines = 2;
   static constexpr std::size_t kPipelinesOfAClient = 1;
 

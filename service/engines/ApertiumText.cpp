@@ -18,7 +18,7 @@ namespace {
 struct Guard {
   std::size_t begin = 0;  // bytes
   std::size_t end = 0;
-  std::string replacement;  // what stands in its place afterwards
+  std::string replacement;  // what takes its place afterwards
 };
 
 // Longest first.

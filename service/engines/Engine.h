@@ -87,7 +87,7 @@ struct EngineOptions {
   int apertiumTimeLimitMs = 20'000;  // without a sign of life from the pipeline
 };
 
-// Fails with a sentence when the engine cannot be had.
+// Fails with a sentence when there is no such engine or it lacks something.
 Result<std::unique_ptr<Engine>> MakeEngine(const EngineOptions& options);
 
 // Whether the engine can serve a pair; the error's words say what to do when it can't. `source` may

@@ -10,7 +10,7 @@ namespace quillmarch::service {
 struct DetectedLanguage {
   std::string language;     // ISO 639-3; empty when nothing was recognised
   bool reliable = false;    // the detector's own word for it
-  std::size_t letters = 0;  // characters that are no blanks, locked pieces left out
+  std::size_t letters = 0;  // characters other than white space, without locked pieces
 };
 
 // Short texts are rarely reliable.

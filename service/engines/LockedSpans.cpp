@@ -89,7 +89,7 @@ LockedSpan MailAddress(std::string_view text, std::size_t at, std::size_t from) 
 
 std::vector<LockedSpan> FindLockedSpans(std::string_view text) {
   std::vector<LockedSpan> spans;
-  std::size_t free = 0;  // behind the last span
+  std::size_t free = 0;  // after the last span
   for (std::size_t at = 0; at < text.size();) {
     LockedSpan span;
     const std::string_view rest = text.substr(at);

@@ -10,7 +10,7 @@ namespace quillmarch::service {
 
 struct LockedSpan {
   std::size_t begin = 0;  // bytes
-  std::size_t end = 0;    // behind the last byte
+  std::size_t end = 0;    // after the last byte
   bool placeholder = false;
 };
 

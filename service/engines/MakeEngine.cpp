@@ -1,4 +1,4 @@
-// Which engine a name stands for, and what it can serve.
+// Which engine a name means, and what it can serve.
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,7 +29,7 @@ bool IsOffline(const std::string& name) {
 
 Result<std::unique_ptr<Engine>> MakeEngine(const EngineOptions& options) {
   if (options.name == "pseudo") {
-    // Written so that a value that is no number fails as well.
+    // Written so that NaN fails as well.
     if (!(options.growth >= 1 && options.growth <= kLargestGrowth)) {
       return Error{ErrorCode::kInvalidArgument, "The growth must be between 1 and 20."};
     }

@@ -51,7 +51,7 @@ std::string Grown(std::string_view core, double growth) {
   for (const char32_t c : words[0]) blanks = blanks && !WritesWithoutBlanks(c);
   blanks = blanks || words.size() > 1;
   for (std::size_t next = 0; text.size() < wanted; next = (next + 1) % words.size()) {
-    // A blank at the very end would be lost in a frame, so a letter takes its place.
+    // A space at the very end would be lost in a frame, so a letter takes its place.
     if (blanks && wanted - text.size() > 1) text += U' ';
     text += words[next].substr(0, wanted - text.size());
   }
