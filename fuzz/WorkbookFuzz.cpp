@@ -111,12 +111,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // Two sheets of a foreign archive may share one part.
   if (!saved.ok() || data[0] == 'Z') return 0;
   const auto again = Workbook::Open(saved.value(), {.maxXmlBytes = 16 << 20});
-  Require(again.ok);
+  Require(again.ok());
   for (std::size_t sheet = 0; sheet < written.size(); ++sheet) {
     if (written[sheet].empty()) continue;
-    Require(again.value->Sheet(sheet) != nullptr);
+    Require(again.value()->Sheet(sheet) != nullptr);
     for (const auto& [at, text] : written[sheet]) {
-      Require(again.value->Value(sheet, at).text == workbook.Value(sheet, at).text);
+      Require(again.value()->Value(sheet, at).text == workbook.Value(sheet, at).text);
     }
   }
   return 0;

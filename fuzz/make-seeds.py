@@ -37,6 +37,24 @@ FORMATS = ["m/d/yyyy h:mm", "[h]:mm:ss.00", "#,##0.00_);[Red](#,##0.00);&quot;-&
            "[&gt;=1000]0,&quot;K&quot;;0%", "[$€-407] 0"]
 
 
+CHART = """<c:chartSpace xmlns:c="C" xmlns:a="A" xmlns:r="R"><c:chart><c:title><c:tx><c:rich><a:bodyPr/><a:p><a:r>
+<a:rPr b="1"/><a:t>Sales</a:t></a:r></a:p></c:rich></c:tx></c:title><c:plotArea><c:barChart><c:ser><c:idx val="0"/>
+<c:order val="0"/><c:tx><c:strRef><c:f>S!B1</c:f><c:strCache><c:ptCount val="1"/><c:pt idx="0"><c:v>n</c:v></c:pt>
+</c:strCache></c:strRef></c:tx><c:dLbls><c:dLbl><c:idx val="1"/><c:layout/><c:tx><c:rich><a:p><a:fld><a:t>[VALUE]</a:t>
+</a:fld></a:p></c:rich></c:tx><c:showVal val="0"/></c:dLbl><c:showVal val="1"/></c:dLbls><c:cat><c:multiLvlStrRef>
+<c:f>S!A2:B3</c:f><c:multiLvlStrCache><c:ptCount val="2"/><c:lvl><c:pt idx="0"><c:v>i</c:v></c:pt></c:lvl><c:lvl>
+<c:pt idx="1"><c:v>o</c:v></c:pt></c:lvl></c:multiLvlStrCache></c:multiLvlStrRef></c:cat><c:val><c:numRef><c:f>S!C2:C3
+</c:f><c:numCache><c:formatCode>0%</c:formatCode><c:ptCount val="2"/><c:pt idx="0"><c:v>1</c:v></c:pt></c:numCache>
+</c:numRef></c:val></c:ser><c:axId val="1"/><c:axId val="2"/></c:barChart><c:catAx><c:axId val="1"/><c:title/></c:catAx>
+<c:valAx><c:axId val="2"/><c:axPos val="l"/><c:dispUnits><c:builtInUnit val="millions"/><c:dispUnitsLbl/></c:dispUnits>
+</c:valAx></c:plotArea></c:chart><c:externalData r:id="r"/></c:chartSpace>"""
+
+
+def chart():
+    drawing = "http://schemas.openxmlformats.org/drawingml/2006/"
+    return CHART.replace('"C"', f'"{drawing}chart"').replace('"A"', f'"{drawing}main"').encode()
+
+
 def workbooks():
     """The parts of one workbook, with each of the formats, as the target takes them apart."""
     sheets = "http://schemas.openxmlformats.org/spreadsheetml/2006/main"
@@ -68,13 +86,15 @@ def main():
     root, out = map(pathlib.Path, sys.argv[1:3])
     decks = [file for file in sorted((root / "samples").glob("*.pptx")) if file.stem.count(".") == 0]
     slides = []
+    charts = [chart()]
     for deck in decks:
         with zipfile.ZipFile(deck) as package:
             slides += [package.read(name) for name in package.namelist() if name.startswith("ppt/slides/slide")]
+            charts += [package.read(name) for name in package.namelist() if name.startswith("ppt/charts/chart")]
     told = list(messages(root))
     seeds = {
         "JsonTextFuzz": told, "PageMessageFuzz": told, "ServiceAnswerFuzz": [text.encode() for text in ANSWERS],
-        "SlideXmlFuzz": slides, "WorkbookFuzz": list(workbooks()),
+        "SlideXmlFuzz": slides, "ChartXmlFuzz": charts, "WorkbookFuzz": list(workbooks()),
         "ServiceRequestFuzz": [text.encode() for text in REQUESTS],
         "ModelAnswerFuzz": [text.encode() for text in MODEL],
         "ApertiumStreamFuzz": [text.encode() for text in TEXTS],

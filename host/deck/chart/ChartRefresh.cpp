@@ -53,7 +53,7 @@ class Refresher {
   std::vector<Edit> TakeEdits() { return std::move(edits_); }
 
  private:
-  void Visit(pugi::xml_node node);
+  bool Visit(pugi::xml_node node);
   void Texts(pugi::xml_node reference, const char* cache, const SheetBlock& block);
   void Numbers(pugi::xml_node reference, const SheetBlock& block);
   void Levels(pugi::xml_node reference, const SheetBlock& block);
@@ -230,26 +230,31 @@ void Refresher::LabelRange(pugi::xml_node range) {
   Texts(range, "dlblRangeCache", block);
 }
 
-void Refresher::Visit(pugi::xml_node node) {
-  if (HasLocal(node, "datalabelsRange")) LabelRange(node);
+// Whether the element is a reference, inside of which there are no others to look for.
+bool Refresher::Visit(pugi::xml_node node) {
+  if (HasLocal(node, "datalabelsRange")) {
+    LabelRange(node);
+    return true;
+  }
   const bool text = names_.Is(node, kC, "strRef");
   const bool number = names_.Is(node, kC, "numRef");
   const bool levels = names_.Is(node, kC, "multiLvlStrRef");
-  if (!text && !number && !levels) return;
+  if (!text && !number && !levels) return false;
   const pugi::xml_node formula = names_.Child(node, kC, "f");
   SheetBlock block;
-  if (!formula || !read_(ToWide(ElementText(formula)), visibleOnly_, block)) return;
-  if (block.points.empty()) return;
+  if (!formula || !read_(ToWide(ElementText(formula)), visibleOnly_, block)) return true;
+  if (block.points.empty()) return true;
   if (text) Texts(node, "strCache", block);
   if (number) Numbers(node, block);
   if (levels) Levels(node, block);
+  return true;
 }
 
 void Refresher::Walk(pugi::xml_node root) {
   prefix_ = PrefixWithColon(root.name());
   for (pugi::xml_node node = root; node;) {
-    if (node.type() == pugi::node_element) Visit(node);
-    if (node.first_child()) {
+    const bool whole = node.type() == pugi::node_element && Visit(node);
+    if (!whole && node.first_child()) {
       node = node.first_child();
       continue;
     }

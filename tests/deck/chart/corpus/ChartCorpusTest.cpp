@@ -39,18 +39,18 @@ std::vector<Found> Charts() {
   std::vector<Found> charts;
   for (const std::string& path : decks) {
     const auto deck = Package::Open(path);
-    if (!deck.ok) continue;
-    for (const std::string& name : deck.value->PartNames()) {
-      const std::string type = deck.value->ContentType(name);
+    if (!deck.ok()) continue;
+    for (const std::string& name : deck.value()->PartNames()) {
+      const std::string type = deck.value()->ContentType(name);
       if (!type.ends_with("drawingml.chart+xml") && !type.ends_with("chartex+xml")) continue;
-      const auto bytes = deck.value->ReadXmlPart(name);
-      EXPECT_TRUE(bytes.ok) << path << " " << bytes.error.sentence;
-      Found found{path + " " + name, bytes.value, {}};
-      const auto part = ChartPart::Parse(bytes.value);
+      const auto bytes = deck.value()->ReadXmlPart(name);
+      EXPECT_TRUE(bytes.ok()) << path << " " << bytes.error().words;
+      Found found{path + " " + name, bytes.value(), {}};
+      const auto part = ChartPart::Parse(bytes.value());
       const std::string id = part && !part->Extended() ? part->WorkbookId() : "";
-      for (const Relationship& each : deck.value->Relationships(name).value) {
+      for (const Relationship& each : deck.value()->Relationships(name).value()) {
         if (each.id == id && !each.external && each.target.ends_with(".xlsx")) {
-          found.workbook = deck.value->ReadPart(each.target).value;
+          found.workbook = deck.value()->ReadPart(each.target).value();
         }
       }
       charts.push_back(std::move(found));
@@ -157,8 +157,8 @@ TEST(ChartCorpus, CachesFollowTheSheetAndThenStay) {
   for (const Found& chart : Charts()) {
     if (chart.workbook.empty()) continue;
     const auto opened = Workbook::Open(chart.workbook);
-    ASSERT_TRUE(opened.ok) << chart.where << opened.error.sentence;
-    Workbook& book = *opened.value;
+    ASSERT_TRUE(opened.ok()) << chart.where << opened.error().words;
+    Workbook& book = *opened.value();
     const auto part = ChartPart::Parse(chart.bytes);
     part->Refresh(ReaderOf(book));
     EXPECT_EQ(CheckXml(part->Bytes()).fault, XmlFault::kNone) << chart.where;
@@ -180,9 +180,9 @@ TEST(ChartCorpus, CachesFollowTheSheetAndThenStay) {
       if (sheet < 0) continue;
       const auto put =
           book.PutText(static_cast<std::size_t>(sheet), areas[0].range.first, u"Neu " + name.text);
-      if (!put.ok) continue;
+      if (!put.ok()) continue;
       part->Refresh(ReaderOf(book));
-      EXPECT_EQ(part->SeriesNameText(series), put.value) << chart.where;
+      EXPECT_EQ(part->SeriesNameText(series), put.value()) << chart.where;
       ++followed;
     }
   }
