@@ -110,7 +110,7 @@ HttpAnswer Refusal(Exchange& exchange, int status, const char* code, const std::
 
 Result<TlsContext> ApiServer::MakeTls() const {
   if (options_.certificateFile.empty() != options_.keyFile.empty()) {
-    return Error{ErrorCode::kInvalidArgument, "TLS needs both a certificate file and a key file."};
+    return Error{ErrorCode::kBadArgument, "TLS needs both a certificate file and a key file."};
   }
   if (options_.certificateFile.empty()) return TlsContext();
   return LoadTls(options_.certificateFile, options_.keyFile);

@@ -50,7 +50,7 @@ Result<Listener> OpenListener(const std::string& address, std::uint16_t port) {
   const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> addresses(found, &freeaddrinfo);
   const std::string where = address + ":" + std::to_string(port);
   if (failure != 0) {
-    return Error{ErrorCode::kInvalidArgument,
+    return Error{ErrorCode::kBadArgument,
                  "Cannot listen on " + where + ": " + gai_strerror(failure) + "."};
   }
   Listener listener;

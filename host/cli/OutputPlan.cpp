@@ -46,7 +46,7 @@ bool SameFile(const std::string& first, const std::string& second) {
 }
 
 Error CannotWrite(const std::string& output, const std::string& reason,
-                  ErrorCode code = ErrorCode::kInvalidArgument) {
+                  ErrorCode code = ErrorCode::kBadArgument) {
   return {code, CannotSentence("write " + PlainLine(output), reason)};
 }
 
@@ -113,7 +113,7 @@ Result<OutputPlan> PlanOutputs(const std::vector<std::string>& decks, const Outp
     }
   }
   if (!rule.file.empty() && plan.jobs.size() > 1) {
-    return Error{ErrorCode::kInvalidArgument,
+    return Error{ErrorCode::kBadArgument,
                  "--output names one file; use --output-dir for several decks"};
   }
   if (!rule.directory.empty() && !fs::is_directory(rule.directory, failed)) {

@@ -183,8 +183,7 @@ Result<void> DeckReader::Load(const std::string& part, const char* rootName,
   if (!read) return std::move(read).error();
   bytes = *std::move(read);
   if (!ParseXml(document, bytes)) {
-    return Error{ErrorCode::kOutOfMemory,
-                 "There is not enough memory to read the part " + part + "."};
+    return Error{ErrorCode::kNoMemory, "There is not enough memory to read the part " + part + "."};
   }
   const XmlNames names(bytes);
   if (!names.Is(document.document_element(), kP, rootName)) {

@@ -20,7 +20,7 @@ Error NoSlide(const OpenDeck& open, std::int32_t slide) {
 }
 
 Error Unfit(std::string words) {
-  return {ErrorCode::kInvalidArgument, std::move(words)};
+  return {ErrorCode::kBadArgument, std::move(words)};
 }
 
 bool HasSlide(const OpenDeck& open, std::int32_t slide) {

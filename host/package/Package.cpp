@@ -287,7 +287,7 @@ void ZipPackage::PutPartLater(std::string_view name, std::size_t weight,
 Result<void> ZipPackage::AddPart(std::string_view name, std::string_view contentType,
                                  std::string bytes) {
   if (!EntryNameFault(name).empty() || name.ends_with('/')) {
-    return Error{ErrorCode::kInvalidArgument,
+    return Error{ErrorCode::kBadArgument,
                  "The part name \"" + Printable(name) + "\" cannot be used."};
   }
   if (HasPart(name)) {
@@ -392,7 +392,7 @@ Result<std::string> ZipPackage::SaveBytes() {
   if (!sentence.empty()) return Error{ErrorCode::kInputOutput, std::move(sentence)};
   std::string bytes(static_cast<std::size_t>(output.Size()), '\0');
   if (!output.ReadAt(0, bytes.data(), bytes.size())) {
-    return Error{ErrorCode::kOutOfMemory, "There is not enough memory."};
+    return Error{ErrorCode::kNoMemory, "There is not enough memory."};
   }
   return bytes;
 }

@@ -31,7 +31,7 @@ Result<std::unique_ptr<Engine>> MakeEngine(const EngineOptions& options) {
   if (options.name == "pseudo") {
     // Written so that NaN fails as well.
     if (!(options.growth >= 1 && options.growth <= kLargestGrowth)) {
-      return Error{ErrorCode::kInvalidArgument, "The growth must be between 1 and 20."};
+      return Error{ErrorCode::kBadArgument, "The growth must be between 1 and 20."};
     }
     return MakePseudoEngine(options.growth);
   }
@@ -42,8 +42,8 @@ Result<std::unique_ptr<Engine>> MakeEngine(const EngineOptions& options) {
     return MakeApertiumEngine(options, std::move(pairs),
                               options.name == "auto" ? "auto" : "apertium");
   }
-  return Error{ErrorCode::kInvalidArgument, "There is no engine \"" + options.name +
-                                                "\"; choose auto, apertium, openai or pseudo."};
+  return Error{ErrorCode::kBadArgument, "There is no engine \"" + options.name +
+                                            "\"; choose auto, apertium, openai or pseudo."};
 }
 
 Result<void> EngineServesPair(const EngineOptions& options, const std::string& source,

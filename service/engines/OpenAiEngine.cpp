@@ -212,7 +212,7 @@ std::string ChatCompletionsUrl(const std::string& base) {
 
 Result<std::unique_ptr<Engine>> MakeOpenAiEngine(const EngineOptions& options) {
   const auto refuse = [](std::string words) {
-    return Error{ErrorCode::kInvalidArgument, std::move(words)};
+    return Error{ErrorCode::kBadArgument, std::move(words)};
   };
   if (options.openaiUrl.empty() || options.openaiModel.empty()) {
     return refuse("The engine openai needs --openai-url and --openai-model.");

@@ -92,7 +92,7 @@ TEST_F(PartsOfAPackage, ANameThatNoPartMayHaveIsRefused) {
   for (const char* name : {"", "/ppt/a.xml", "../a.xml", "ppt\\a.xml", "ppt/folder/"}) {
     const Result<void> added = package->AddPart(name, kType, kBytes);
     ASSERT_FALSE(added) << name;
-    EXPECT_EQ(added.error().code, ErrorCode::kInvalidArgument) << name;
+    EXPECT_EQ(added.error().code, ErrorCode::kBadArgument) << name;
   }
   EXPECT_FALSE(package->Edited());
 }

@@ -9,7 +9,7 @@ namespace quillmarch::addin {
 namespace {
 
 Result<int> Half(int number) {
-  if (number % 2 != 0) return Error{ErrorCode::kInvalidArgument, "An odd number has no half."};
+  if (number % 2 != 0) return Error{ErrorCode::kBadArgument, "An odd number has no half."};
   return number / 2;
 }
 
@@ -38,14 +38,14 @@ TEST(Result, ASuccessHoldsTheValueAndIsTrue) {
 TEST(Result, AFailureIsFalseAndHoldsCodeAndWords) {
   const Result<int> half = Half(7);
   ASSERT_FALSE(half);
-  EXPECT_EQ(ErrorCode::kInvalidArgument, half.error().code);
+  EXPECT_EQ(ErrorCode::kBadArgument, half.error().code);
   EXPECT_EQ("An odd number has no half.", half.error().words);
 }
 
 TEST(Result, AnErrorPassesUnchangedFromOneKindOfResultToAnother) {
   const Result<std::unique_ptr<int>> boxed = Boxed(7);
   ASSERT_FALSE(boxed);
-  EXPECT_EQ((Error{ErrorCode::kInvalidArgument, "An odd number has no half."}), boxed.error());
+  EXPECT_EQ((Error{ErrorCode::kBadArgument, "An odd number has no half."}), boxed.error());
 }
 
 TEST(Result, AValueThatOnlyMovesIsTakenOut) {
@@ -71,7 +71,7 @@ TEST(Result, WithoutAValueEmptyBracesAreTheSuccess) {
   EXPECT_TRUE(OnlyEven(2));
   const Result<void> odd = OnlyEven(3);
   ASSERT_FALSE(odd);
-  EXPECT_EQ(ErrorCode::kInvalidArgument, odd.error().code);
+  EXPECT_EQ(ErrorCode::kBadArgument, odd.error().code);
 }
 
 }  // namespace quillmarch::addin

@@ -170,21 +170,24 @@ TEST(SelectionRun, WhateverCallFailsTheRunEndsOnceAndNoTextIsLostWithoutAName) {
   }
 }
 
-TEST(SelectionRun, TheSummaryCountsWhatWasPassedOver) {
+TEST(SelectionRun, TheSummaryCountsSeveralShapesThatWerePassedOver) {
   const FakeShapeRef nowhere = Numbered(TextShape(u"x"), 90);
   const FakeShapeRef neither = Numbered(TextShape(u"y"), 91);
   const FakeShapeRef here = Numbered(TextShape(u"a"), 2);
-  SelectionRun two;
-  two.deck().AddSlide({here});
-  two.selection().SelectShapes({nowhere, neither, here});
-  two.RunToEnd();
-  EXPECT_EQ(two.Record().summary,
+  SelectionRun run;
+  run.deck().AddSlide({here});
+  run.selection().SelectShapes({nowhere, neither, here});
+  run.RunToEnd();
+  EXPECT_EQ(run.Record().summary,
             u"已翻译 1 段文本（共 1 段）。\r\n跳过：无法定位选中的形状（等 2 项）");
-  SelectionRun one;
-  one.deck().AddSlide({Numbered(TextShape(u"b"), 2)});
-  one.selection().SelectShapes({nowhere, one.deck().slides[0]->shapes()[0]});
-  one.RunToEnd();
-  EXPECT_EQ(one.Record().summary, u"已翻译 1 段文本（共 1 段）。\r\n跳过：无法定位选中的形状");
+}
+
+TEST(SelectionRun, TheSummaryGivesNoCountForOneShapeThatWasPassedOver) {
+  SelectionRun run;
+  run.deck().AddSlide({Numbered(TextShape(u"b"), 2)});
+  run.selection().SelectShapes({Numbered(TextShape(u"x"), 90), run.deck().slides[0]->shapes()[0]});
+  run.RunToEnd();
+  EXPECT_EQ(run.Record().summary, u"已翻译 1 段文本（共 1 段）。\r\n跳过：无法定位选中的形状");
 }
 
 }  // namespace

@@ -11,19 +11,19 @@
 namespace quillmarch {
 
 enum class ErrorCode {
-  kFailed,           // nothing more precise is known
-  kInvalidArgument,  // the caller asked for something that cannot be
-  kNotFound,         // no such file, part, slide, shape
-  kExists,           // it is there already and must not be replaced
-  kDenied,           // the system or a server refused
-  kDamaged,          // the data is broken or contradicts itself
-  kUnsupported,      // sound data of a kind that is not handled
-  kTooLarge,         // above one of our limits
-  kInputOutput,      // reading or writing failed
-  kUnavailable,      // the other side does not answer, a later try may succeed
-  kChanged,          // it is no longer what it was when the work began
-  kCancelled,
-  kOutOfMemory,
+  kFailed,       // nothing more precise is known
+  kBadArgument,  // the caller asked for something that cannot be
+  kNotFound,     // no such file, part, slide, shape
+  kExists,       // it is there already and must not be replaced
+  kDenied,       // the system or a server refused
+  kDamaged,      // the data is broken or contradicts itself
+  kUnsupported,  // sound data of a kind that is not handled
+  kTooLarge,     // above one of our limits
+  kInputOutput,  // reading or writing failed
+  kUnavailable,  // the other side does not answer, a later try may succeed
+  kChanged,      // it is no longer what it was when the work began
+  kStopped,      // by the user
+  kNoMemory,
 };
 
 struct Error {

@@ -48,7 +48,8 @@ std::vector<Found> Charts() {
       Found found{path + " " + name, bytes.value(), {}};
       const auto part = ChartPart::Parse(bytes.value());
       const std::string id = part && !part->Extended() ? part->WorkbookId() : "";
-      for (const Relationship& each : deck.value()->Relationships(name).value()) {
+      const auto relationships = deck.value()->Relationships(name);
+      for (const Relationship& each : relationships.value()) {
         if (each.id == id && !each.external && each.target.ends_with(".xlsx")) {
           found.workbook = deck.value()->ReadPart(each.target).value();
         }
