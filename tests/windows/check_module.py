@@ -88,7 +88,7 @@ def main(objdump, module, sources, make_type_library, widl, stdole):
         libraries = []
         for number in range(2):
             path = pathlib.Path(made) / f"{number}.tlb"
-            subprocess.run([make_type_library, widl, stdole, folder / "PptAddin.idl", path], check=True)
+            subprocess.run([make_type_library, widl, stdole, folder / "windows" / "PptAddin.idl", path], check=True)
             libraries.append(path.read_bytes())
             time.sleep(1.1 * (1 - number))
         if libraries[0] != libraries[1]:
